@@ -1,0 +1,87 @@
+// The kernel layer's face: the loops that everything above is made of, on strided views.
+//
+//        algorithm layer
+//              |
+//        kernel.h   ------>  one table of function pointers per element type, chosen once for this
+//              |             CPU: reference, baseline, avx2 or avx512 (NEQUAR_KERNEL overrides)
+//        gemm engine, recursions on it (syrk, trsm, trmm), level 1 and 2, transposes
+//
+// Nothing here checks sizes or aliasing beyond what each comment says; nothing reports. NaN and
+// infinity pass through: no operation skips a multiplication because a factor is zero.
+// Empty operands are allowed everywhere.
+#pragma once
+
+#include "core/view.h"
+
+namespace nequar::kernel {
+
+enum class Triangle { lower, upper };
+enum class Diagonal { stored, unit };  // unit: the diagonal is one and is not read
+enum class Update { set, accumulate };
+
+// The name of the variant in use: "reference", "baseline", "avx2" or "avx512".
+const char* variant_name();
+
+// ---- level 1, contiguous: out may be one of the inputs, any other overlap is not allowed --------
+
+template <class Real> void add(Size n, const Real* a, const Real* b, Real* out);
+template <class Real> void subtract(Size n, const Real* a, const Real* b, Real* out);
+template <class Real> void add_weighted(Size n, const Real* a, const Real* b, Real wa, Real wb, Real* out);
+template <class Real> void add_constant(Size n, const Real* a, Real c, Real* out);
+template <class Real> void scale(Size n, const Real* a, Real c, Real* out);  // out = c a
+template <class Real> void multiply_elementwise(Size n, const Real* a, const Real* b, Real* out);
+template <class Real> void fill(Size n, Real value, Real* out);
+
+// ---- level 1, strided (any stride, zero and negative included where they make sense) ------------
+
+template <class Real> Real dot(Strided<const Real> x, Strided<const Real> y);
+template <class Real> Real sum_of_magnitudes(Strided<const Real> x);
+// sqrt(sum x_i^2), rescaled when the plain sum of squares over- or underflows; NaN stays NaN.
+template <class Real> Real norm2(Strided<const Real> x);
+// sqrt(sum (x_i - y_i)^2), with the same care.
+template <class Real> Real distance2(Strided<const Real> x, Strided<const Real> y);
+// sum (x_i - y_i)^2, plain.
+template <class Real> Real distance_squared(Strided<const Real> x, Strided<const Real> y);
+template <class Real> void axpy(Real alpha, Strided<const Real> x, Strided<Real> y);  // y += alpha x
+template <class Real> void scale(Real alpha, Strided<Real> x);                        // x *= alpha
+template <class Real> void copy(Strided<const Real> x, Strided<Real> y);
+template <class Real> void swap(Strided<Real> x, Strided<Real> y);
+// (x_i, y_i) := (c x_i - s y_i, s x_i + c y_i)
+template <class Real> void rotate(Strided<Real> x, Strided<Real> y, Real c, Real s);
+// The first index of the largest |x_i|; -1 when x is empty. NaN never wins against a number; when
+// nothing but NaN is there, 0.
+template <class Real> Size index_of_largest_magnitude(Strided<const Real> x);
+
+// ---- level 2 ------------------------------------------------------------------------------------
+
+// y := alpha A x (+ y)
+template <class Real> void gemv(Real alpha, View<const Real> a, Strided<const Real> x, Update update, Strided<Real> y);
+// A += alpha x y^T
+template <class Real> void ger(Real alpha, Strided<const Real> x, Strided<const Real> y, View<Real> a);
+// x := T^-1 x
+template <class Real> void trsv(Triangle triangle, Diagonal diagonal, View<const Real> t, Strided<Real> x);
+
+// ---- level 3, all operands on any strides; C must not overlap A or B ----------------------------
+
+// C := alpha A B (+ C). With `set`, C is not read.
+template <class Real> void gemm(Real alpha, View<const Real> a, View<const Real> b, Update update, View<Real> c);
+// The named triangle (with the diagonal) of C := alpha A A^T (+ C); the other is neither read nor written.
+template <class Real> void syrk(Triangle triangle, Real alpha, View<const Real> a, Update update, View<Real> c);
+// The named triangle (with the diagonal) of C := alpha A B (+ C), for a product known to be symmetric or
+// of which only a triangle is wanted.
+template <class Real> void gemmt(Triangle triangle, Real alpha, View<const Real> a, View<const Real> b, Update update, View<Real> c);
+// B := T^-1 B. A solve from the right is the transposed problem: X T = B  <=>  T^T X^T = B^T.
+template <class Real> void trsm(Triangle triangle, Diagonal diagonal, View<const Real> t, View<Real> b);
+// B := T B
+template <class Real> void trmm(Triangle triangle, Diagonal diagonal, View<const Real> t, View<Real> b);
+
+// ---- whole matrices -----------------------------------------------------------------------------
+
+template <class Real> void copy(View<const Real> a, View<Real> b);             // B := A, no overlap
+template <class Real> void transpose(View<const Real> a, View<Real> b);       // B := A^T, no overlap
+template <class Real> void transpose_in_place(View<Real> a);                   // square
+template <class Real> void fill(Real value, View<Real> a);
+// Rows i and perm[i] ... : B(i, :) := A(perm[i], :), no overlap
+template <class Real> void gather_rows(View<const Real> a, const int* perm, View<Real> b);
+
+}  // namespace nequar::kernel
