@@ -31,6 +31,8 @@ namespace nequar {
 }
 
 // n(n+1)/2, the number of elements in a packed triangle of order n >= 0 (n an int, so it fits).
-inline Size triangle_count(Size n) { return n % 2 == 0 ? (n / 2) * (n + 1) : n * ((n + 1) / 2); }
+inline Size triangle_count(Size n) {
+    return n % 2 == 0 ? (n / 2) * (n + 1) : n * ((n + 1) / 2);
+}
 
 }  // namespace nequar

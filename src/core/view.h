@@ -25,8 +25,8 @@ struct Strided {
     Strided(Real* first, Size count, Size step = 1) : data(first), size(count), stride(step) {}
 
     template <class Other>
-        requires(std::is_same_v<const Other, Real> && !std::is_same_v<Other, Real>)
-    Strided(const Strided<Other>& other)
+    requires(std::is_same_v<const Other, Real> && !std::is_same_v<Other, Real>)
+        Strided(const Strided<Other>& other)
         : data(other.data), size(other.size), stride(other.stride) {}
 
     Real& operator()(Size i) const { return data[i * stride]; }
@@ -52,8 +52,8 @@ struct View {
           column_stride(step_of_column) {}
 
     template <class Other>
-        requires(std::is_same_v<const Other, Real> && !std::is_same_v<Other, Real>)
-    View(const View<Other>& other)
+    requires(std::is_same_v<const Other, Real> && !std::is_same_v<Other, Real>)
+        View(const View<Other>& other)
         : data(other.data),
           height(other.height),
           width(other.width),

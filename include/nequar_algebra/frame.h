@@ -1,0 +1,9 @@
+// The frame: the root class and its reporting, dense vectors and matrices, growable containers,
+// order statistics and random numbers, and the raw-array kernels.
+#pragma once
+
+#include "nequar_algebra/frame/class.h"
+#include "nequar_algebra/frame/matrix.h"
+#include "nequar_algebra/frame/message.h"
+#include "nequar_algebra/frame/string.h"
+#include "nequar_algebra/frame/vector.h"

@@ -1,0 +1,4 @@
+// The whole library.
+#pragma once
+
+#include "nequar_algebra/frame.h"

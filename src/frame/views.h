@@ -1,0 +1,39 @@
+// From public objects to the views that the algorithm layer works on.
+#pragma once
+
+#include "core/view.h"
+#include "nequar_algebra/frame/matrix.h"
+#include "nequar_algebra/frame/vector.h"
+
+namespace nequar {
+
+template <class Real>
+View<Real> view_of(Matrix<Real>* matrix) {
+    return {matrix->p()[0], matrix->mh(), matrix->mw(), matrix->mw()};
+}
+template <class Real>
+View<const Real> view_of(const Matrix<Real>* matrix) {
+    return {matrix->p()[0], matrix->mh(), matrix->mw(), matrix->mw()};
+}
+template <class Real>
+Strided<Real> view_of(Vector<Real>* vector) {
+    return {vector->p(), vector->vs()};
+}
+template <class Real>
+Strided<const Real> view_of(const Vector<Real>* vector) {
+    return {vector->p(), vector->vs()};
+}
+
+// A raw array of height x width elements, row by row or column by column.
+template <class Real>
+View<Real> view_of_array(bool row_major, Size height, Size width, Real* elements) {
+    return row_major ? View<Real>(elements, height, width, width, 1)
+                     : View<Real>(elements, height, width, 1, height);
+}
+
+template <class Real>
+Size element_count(const Matrix<Real>* matrix) {
+    return Size(matrix->mh()) * matrix->mw();
+}
+
+}  // namespace nequar
