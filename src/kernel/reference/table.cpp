@@ -1,0 +1,54 @@
+// The table of the plain loops.
+#include "kernel/table.h"
+
+#include "kernel/reference/level1.h"
+#include "kernel/reference/level2.h"
+#include "kernel/reference/level3.h"
+#include "kernel/reference/whole.h"
+
+namespace nequar::kernel::reference {
+
+namespace {
+
+template <class Real>
+constexpr Table<Real> kTable = {
+    .name = "reference",
+    .add = add<Real>,
+    .subtract = subtract<Real>,
+    .add_weighted = add_weighted<Real>,
+    .add_constant = add_constant<Real>,
+    .multiply_by = multiply_by<Real>,
+    .multiply_elementwise = multiply_elementwise<Real>,
+    .fill = fill<Real>,
+    .dot = dot<Real>,
+    .sum_of_magnitudes = sum_of_magnitudes<Real>,
+    .sum_of_squares = sum_of_squares<Real>,
+    .distance_squared = distance_squared<Real>,
+    .axpy = axpy<Real>,
+    .scale = scale<Real>,
+    .copy = copy<Real>,
+    .swap = swap<Real>,
+    .rotate = rotate<Real>,
+    .index_of_largest_magnitude = index_of_largest_magnitude<Real>,
+    .gemv = gemv<Real>,
+    .ger = ger<Real>,
+    .trsv = trsv<Real>,
+    .gemm = gemm<Real>,
+    .gemmt = gemmt<Real>,
+    .trsm = trsm<Real>,
+    .trmm = trmm<Real>,
+    .copy_matrix = copy_matrix<Real>,
+    .transpose_in_place = transpose_in_place<Real>,
+    .fill_matrix = fill_matrix<Real>,
+};
+
+}  // namespace
+
+const Table<double>& table_of_double() {
+    return kTable<double>;
+}
+const Table<float>& table_of_float() {
+    return kTable<float>;
+}
+
+}  // namespace nequar::kernel::reference

@@ -1,0 +1,86 @@
+// The table of kernels: one function pointer for each loop, one table for each variant (reference,
+// baseline, avx2, avx512) and element type.
+//
+//      face (*.cpp here)  --->  Table<Real>  --->  reference/ | simd/ compiled for one instruction
+//      set
+//
+// Units that are compiled for one instruction set include this file, so it holds aggregates only:
+// no member function, no inline function, no standard header but <cstddef>. Whatever the linker
+// keeps of such a unit is reached through its table alone.
+#pragma once
+
+#include <cstddef>
+
+namespace nequar::kernel {
+
+// A matrix operand without its sizes: element (i, j) is data[i * row_stride + j * column_stride].
+template <class Real>
+struct Block {
+    Real* data;
+    std::ptrdiff_t row_stride;
+    std::ptrdiff_t column_stride;
+};
+
+template <class Real>
+struct Table {
+    const char* name;
+
+    // ---- level 1, contiguous ----
+    void (*add)(std::ptrdiff_t n, const Real* a, const Real* b, Real* out);
+    void (*subtract)(std::ptrdiff_t n, const Real* a, const Real* b, Real* out);
+    void (*add_weighted)(std::ptrdiff_t n, const Real* a, const Real* b, Real wa, Real wb,
+                         Real* out);
+    void (*add_constant)(std::ptrdiff_t n, const Real* a, Real c, Real* out);
+    void (*multiply_by)(std::ptrdiff_t n, const Real* a, Real c, Real* out);
+    void (*multiply_elementwise)(std::ptrdiff_t n, const Real* a, const Real* b, Real* out);
+    void (*fill)(std::ptrdiff_t n, Real value, Real* out);
+
+    // ---- level 1, strided: each vector is followed by its stride ----
+    Real (*dot)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx, const Real* y,
+                std::ptrdiff_t sy);
+    Real (*sum_of_magnitudes)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx);
+    Real (*sum_of_squares)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx);
+    Real (*distance_squared)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx, const Real* y,
+                             std::ptrdiff_t sy);
+    void (*axpy)(std::ptrdiff_t n, Real alpha, const Real* x, std::ptrdiff_t sx, Real* y,
+                 std::ptrdiff_t sy);
+    void (*scale)(std::ptrdiff_t n, Real alpha, Real* x, std::ptrdiff_t sx);
+    void (*copy)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx, Real* y, std::ptrdiff_t sy);
+    void (*swap)(std::ptrdiff_t n, Real* x, std::ptrdiff_t sx, Real* y, std::ptrdiff_t sy);
+    void (*rotate)(std::ptrdiff_t n, Real* x, std::ptrdiff_t sx, Real* y, std::ptrdiff_t sy, Real c,
+                   Real s);
+    std::ptrdiff_t (*index_of_largest_magnitude)(std::ptrdiff_t n, const Real* x,
+                                                 std::ptrdiff_t sx);
+
+    // ---- level 2: A is m x n, T is n x n ----
+    void (*gemv)(std::ptrdiff_t m, std::ptrdiff_t n, Real alpha, Block<const Real> a, const Real* x,
+                 std::ptrdiff_t sx, bool accumulate, Real* y, std::ptrdiff_t sy);
+    void (*ger)(std::ptrdiff_t m, std::ptrdiff_t n, Real alpha, const Real* x, std::ptrdiff_t sx,
+                const Real* y, std::ptrdiff_t sy, Block<Real> a);
+    void (*trsv)(bool lower, bool unit, std::ptrdiff_t n, Block<const Real> t, Real* x,
+                 std::ptrdiff_t sx);
+
+    // ---- level 3: C is m x n, A is m x k, B is k x n; T is m x m beside an m x n B ----
+    void (*gemm)(std::ptrdiff_t m, std::ptrdiff_t n, std::ptrdiff_t k, Real alpha,
+                 Block<const Real> a, Block<const Real> b, bool accumulate, Block<Real> c);
+    void (*gemmt)(bool lower, std::ptrdiff_t n, std::ptrdiff_t k, Real alpha, Block<const Real> a,
+                  Block<const Real> b, bool accumulate, Block<Real> c);
+    void (*trsm)(bool lower, bool unit, std::ptrdiff_t m, std::ptrdiff_t n, Block<const Real> t,
+                 Block<Real> b);
+    void (*trmm)(bool lower, bool unit, std::ptrdiff_t m, std::ptrdiff_t n, Block<const Real> t,
+                 Block<Real> b);
+
+    // ---- whole matrices ----
+    void (*copy_matrix)(std::ptrdiff_t m, std::ptrdiff_t n, Block<const Real> a, Block<Real> b);
+    void (*transpose_in_place)(std::ptrdiff_t n, Block<Real> a);
+    void (*fill_matrix)(std::ptrdiff_t m, std::ptrdiff_t n, Real value, Block<Real> a);
+};
+
+// The tables of the variants that were compiled in. Reading one is safe on every CPU; calling its
+// entries is not.
+namespace reference {
+const Table<double>& table_of_double();
+const Table<float>& table_of_float();
+}  // namespace reference
+
+}  // namespace nequar::kernel
