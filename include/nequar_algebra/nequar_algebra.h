@@ -2,3 +2,4 @@
 #pragma once
 
 #include "nequar_algebra/frame.h"
+#include "nequar_algebra/structured.h"

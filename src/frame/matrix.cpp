@@ -2,15 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iomanip>
 #include <ostream>
-#include <sstream>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 #include "core/checked_size.h"
 #include "core/wrap.h"
+#include "frame/print.h"
 
 void CNqMatrix_Base::ms_Matrix_Width_Height(int& width, int& height) const noexcept {
     width = width_;
@@ -159,38 +156,8 @@ bool Matrix<Element>::operator==(const Matrix& other) const noexcept {
 
 template <class Element>
 std::ostream& operator<<(std::ostream& out, const Matrix<Element>& matrix) {
-    constexpr int kShown = 6;  // rows and columns printed at either end of a large matrix
-    const auto shown = [](int size) {
-        std::vector<int> indices;  // -1 stands for what is left out
-        for (int i = 0; i < size; ++i) {
-            if (size > 2 * kShown + 1 && i == kShown) {
-                indices.push_back(-1);
-                i = size - kShown;
-            }
-            indices.push_back(i);
-        }
-        return indices;
-    };
-    const std::vector<int> rows = shown(matrix.mh());
-    const std::vector<int> columns = shown(matrix.mw());
-    std::vector<std::string> texts;
-    std::size_t longest = 0;
-    for (const int y : rows)
-        for (const int x : columns) {
-            std::ostringstream text;
-            text.precision(out.precision());
-            if (y < 0 || x < 0)
-                text << "...";
-            else
-                text << matrix[y][x];
-            texts.push_back(text.str());
-            longest = std::max(longest, texts.back().size());
-        }
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        const bool ends_row = (i + 1) % columns.size() == 0;
-        out << std::setw(static_cast<int>(longest)) << texts[i] << (ends_row ? "\n" : "  ");
-    }
-    return out << '(' << matrix.mh() << " x " << matrix.mw() << ")\n";
+    return print_matrix(out, matrix.mh(), matrix.mw(),
+                        [&matrix](int y, int x) { return matrix[y][x]; });
 }
 
 #define NEQUAR_INSTANTIATE(Element) \

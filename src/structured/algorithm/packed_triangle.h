@@ -42,6 +42,37 @@ struct PackedShape {
 
     Size count() const { return start(height); }
     Size index(Size row, Size column) const { return start(row - column) + column; }
+
+    // The band of a packed index, 0 <= index < count(): start(d) <= index < start(d + 1).
+    Size band_of(Size index) const {
+        Size low = 0;
+        Size high = height;  // start(low) <= index < start(high)
+        while (high - low > 1) {
+            const Size middle = low + (high - low) / 2;
+            (start(middle) <= index ? low : high) = middle;
+        }
+        return low;
+    }
+
+    // visit(column, index) for the stored elements of a row, from the diagonal leftwards;
+    // visit(row, index) for those of a column, from the diagonal down.
+    template <class Visit>
+    void visit_row(Size row, Visit visit) const {
+        const Size last = row < width ? row : width - 1;
+        Size first_of_band = start(row - last);
+        for (Size column = last; column >= 0; --column) {
+            visit(column, first_of_band + column);
+            first_of_band += length(row - column);
+        }
+    }
+    template <class Visit>
+    void visit_column(Size column, Visit visit) const {
+        Size first_of_band = 0;
+        for (Size row = column; row < height; ++row) {
+            visit(row, first_of_band + column);
+            first_of_band += length(row - column);
+        }
+    }
 };
 
 // a(r, c) := packed element (r, c), c <= r

@@ -1,0 +1,8 @@
+// Structured matrices: packed storage of matrices of which few elements can differ from zero, or
+// from each other.
+#pragma once
+
+#include "nequar_algebra/structured/diagonal.h"
+#include "nequar_algebra/structured/packed.h"
+#include "nequar_algebra/structured/symmetric.h"
+#include "nequar_algebra/structured/triangular.h"
