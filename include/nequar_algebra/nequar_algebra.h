@@ -3,3 +3,4 @@
 
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/structured.h"
+#include "nequar_algebra/structured.h"
