@@ -1,0 +1,41 @@
+#include "linear_equation/algorithm/factor_solve.h"
+
+#include "kernel/kernel.h"
+
+namespace nequar {
+namespace {
+
+using kernel::Diagonal;
+using kernel::Triangle;
+
+template <class Real>
+void solve_triangle(Triangle triangle, Diagonal diagonal, View<const Real> t, View<Real> x) {
+    if (x.width == 1)
+        kernel::trsv(triangle, diagonal, t, x.column(0));
+    else
+        kernel::trsm(triangle, diagonal, t, x);
+}
+
+}  // namespace
+
+template <class Real>
+void solve_from_lu(View<const Real> lu, const int* perm, View<const Real> b, View<Real> x) {
+    kernel::gather_rows(b, perm, x);
+    solve_triangle(Triangle::lower, Diagonal::unit, lu, x);
+    solve_triangle(Triangle::upper, Diagonal::stored, lu, x);
+}
+
+template <class Real>
+void solve_from_cholesky(View<const Real> l, View<Real> x) {
+    solve_triangle(Triangle::lower, Diagonal::stored, l, x);
+    solve_triangle(Triangle::upper, Diagonal::stored, l.transposed(), x);
+}
+
+#define NEQUAR_INSTANTIATE(Real)                                                             \
+    template void solve_from_lu(View<const Real>, const int*, View<const Real>, View<Real>); \
+    template void solve_from_cholesky(View<const Real>, View<Real>);
+NEQUAR_INSTANTIATE(double)
+NEQUAR_INSTANTIATE(float)
+#undef NEQUAR_INSTANTIATE
+
+}  // namespace nequar

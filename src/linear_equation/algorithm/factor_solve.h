@@ -1,0 +1,22 @@
+// Solving with factors that are already there, one or many right-hand sides.
+//
+//   lu: packed L and U of P A            X = U^-1 L^-1 P B        gather, trsm, trsm
+//   l:  lower triangle, A = L L^T        X = L^-T L^-1 B          trsm, trsm
+//
+// A single right-hand side goes through trsv.
+#pragma once
+
+#include "core/view.h"
+
+namespace nequar {
+
+// X := (P A)^-1 P B. B and X are n x k and must not overlap.
+template <class Real>
+void solve_from_lu(View<const Real> lu, const int* perm, View<const Real> b, View<Real> x);
+
+// X := (L L^T)^-1 X in place. For A = U U^T pass the reversed views: the reversed U is lower
+// triangular, and the rows of X run backwards.
+template <class Real>
+void solve_from_cholesky(View<const Real> l, View<Real> x);
+
+}  // namespace nequar

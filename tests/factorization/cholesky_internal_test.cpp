@@ -1,0 +1,148 @@
+// Cholesky, triangular inverses and the symmetry test: the algorithms, blocked and not.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+#include "factorization/algorithm/cholesky.h"
+#include "factorization/algorithm/symmetry.h"
+#include "factorization/algorithm/triangular_inverse.h"
+#include "frame/views.h"
+#include "support/matrix_gallery.h"
+#include "support/residual.h"
+#include "support/stated_schemes.h"
+
+namespace nequar {
+namespace {
+
+template <class Real>
+class CholeskyAlgorithm : public testing::Test {};
+using Reals = testing::Types<double, float>;
+TYPED_TEST_SUITE(CholeskyAlgorithm, Reals);
+
+template <class Real>
+Matrix<Real> lower_of(const Matrix<Real>& a) {
+    return test::matrix_of<Real>(a.mh(), a.mh(),
+                                 [&](int i, int j) { return i >= j ? a[i][j] : Real(0); });
+}
+
+// The reversed matrix: element (i, j) becomes (n-1-i, n-1-j).
+template <class Real>
+Matrix<Real> reversed(const Matrix<Real>& a) {
+    const int n = a.mh();
+    return test::matrix_of<Real>(n, n, [&](int i, int j) { return a[n - 1 - i][n - 1 - j]; });
+}
+
+// Input is read above the diagonal only, and kept there; the upper form is the lower one reversed.
+TYPED_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
+    using Real = TypeParam;
+    const Real nan = std::numeric_limits<Real>::quiet_NaN();
+    for (const int n : {0, 1, 2, 3, 7, 16, 31, 32, 33, 64, 65, 100, 130}) {
+        for (const Size base : {1, 3, 16, 32, 64}) {
+            const Matrix<Real> a = test::positive_definite_matrix<Real>(n, 1e3, 3);
+            Matrix<Real> f = a;
+            for (int i = 0; i < n; ++i)
+                for (int j = 0; j < i; ++j) f[i][j] = nan;
+            Matrix<Real> g = reversed(f);
+            ASSERT_TRUE(cholesky_from_upper(view_of(&f), {base}));
+            ASSERT_TRUE(cholesky_from_upper(view_of(&g).reversed(), {base}));
+            const Matrix<Real> l = lower_of(f);
+            EXPECT_LT(test::componentwise_product_error(a, l, test::transposed(l)), 1.0)
+                << "n = " << n << ", base " << base;
+            EXPECT_LT(test::largest_difference(reversed(g), f),
+                      1e3 * n * test::kEpsilon<Real> + 1e-300);
+            for (int i = 0; i < n; ++i)
+                for (int j = i + 1; j < n; ++j) EXPECT_EQ(f[i][j], a[i][j]);
+            if (n > base) continue;
+            Matrix<Real> stated = a;
+            ASSERT_EQ(test::stated_cholesky(stated), -1);
+            EXPECT_EQ(stated, f) << "n = " << n;
+        }
+    }
+}
+
+TYPED_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
+    using Real = TypeParam;
+    const Real nan = std::numeric_limits<Real>::quiet_NaN();
+    for (const int n : {1, 5, 33, 100}) {
+        for (const int at : {0, n / 2, n - 1}) {
+            for (const Real bad : {Real(-1), Real(0), nan}) {
+                for (const Size base : {2, 32}) {
+                    Matrix<Real> a = test::dominant_matrix<Real>(n, 3);
+                    for (int i = 0; i < n; ++i) {
+                        a[i][i] = std::abs(a[i][i]);
+                        if (i != at) a[std::min(i, at)][std::max(i, at)] = 0;
+                    }
+                    a[at][at] = bad;  // its row is zero, so nothing changes it before its turn
+                    const Matrix<Real> input = a;
+                    const Outcome outcome = cholesky_from_upper(view_of(&a), {base});
+                    EXPECT_EQ(outcome.kind, OutcomeKind::not_positive_definite);
+                    EXPECT_EQ(outcome.index, at) << "n = " << n << ", base " << base;
+                    for (int i = 0; i < n; ++i)
+                        for (int j = i; j < n; ++j)
+                            EXPECT_TRUE(a[i][j] == input[i][j] || (i == at && j == at));
+                }
+            }
+        }
+    }
+}
+
+TYPED_TEST(CholeskyAlgorithm, TriangularInverses) {
+    using Real = TypeParam;
+    const Real nan = std::numeric_limits<Real>::quiet_NaN();
+    for (const int n : {1, 2, 5, 15, 16, 17, 33, 64, 65, 100}) {
+        for (const Size base : {1, 3, 16}) {
+            Matrix<Real> t = test::dominant_matrix<Real>(n, 4);
+            for (int i = 0; i < n; ++i)
+                for (int j = i + 1; j < n; ++j) t[i][j] = nan;  // never read
+            Matrix<Real> x = t;
+            invert_lower_triangle(kernel::Diagonal::stored, view_of(&x), base);
+            const Matrix<Real> identity = test::identity_of<Real>(n);
+            EXPECT_LT(test::solution_residual(lower_of(t), lower_of(x), identity), 1.0) << n;
+
+            Matrix<Real> unit = t;
+            for (int i = 0; i < n; ++i) {
+                unit[i][i] = nan;
+                for (int j = 0; j < i; ++j) unit[i][j] /= static_cast<Real>(n);
+            }
+            Matrix<Real> y = unit;
+            invert_lower_triangle(kernel::Diagonal::unit, view_of(&y), base);
+            for (int i = 0; i < n; ++i) unit[i][i] = y[i][i] = 1;
+            EXPECT_LT(test::solution_residual(lower_of(unit), lower_of(y), identity), 1.0) << n;
+
+            multiply_transpose_by_lower(view_of(&x), base);
+            mirror_lower_to_upper(view_of(&x), 16);
+            const Matrix<Real> lower = lower_of(t);
+            const auto product = test::matrix_of<Real>(n, n, [&](int i, int j) {
+                double sum = 0;
+                for (int k = 0; k < n; ++k) sum += double(lower[i][k]) * double(lower[j][k]);
+                return sum;
+            });
+            EXPECT_LT(test::solution_residual(product, x, identity), 2.0) << n;
+        }
+    }
+}
+
+TYPED_TEST(CholeskyAlgorithm, SymmetryIsExact) {
+    using Real = TypeParam;
+    for (const int n : {0, 1, 2, 31, 32, 33, 70}) {
+        const Matrix<Real> a = test::positive_definite_matrix<Real>(n, 10, 3);
+        EXPECT_TRUE(is_symmetric(view_of(&a)));
+        for (int i = 0; i < n; ++i)
+            for (int j = 0; j < i; ++j) {
+                Matrix<Real> b = a;
+                b[i][j] = std::nextafter(b[i][j], Real(9));
+                ASSERT_FALSE(is_symmetric(reading(view_of(&b)))) << i << ' ' << j;
+                b[i][j] = b[j][i] = std::numeric_limits<Real>::quiet_NaN();
+                ASSERT_FALSE(is_symmetric(reading(view_of(&b))));
+            }
+        Matrix<Real> c = a;
+        for (int i = 0; i < n; ++i) c[i][i] = std::numeric_limits<Real>::quiet_NaN();
+        EXPECT_TRUE(is_symmetric(reading(view_of(&c))));
+    }
+    const Matrix<Real> tall = test::random_matrix<Real>(3, 2);
+    EXPECT_FALSE(is_symmetric(view_of(&tall)));
+}
+
+}  // namespace
+}  // namespace nequar

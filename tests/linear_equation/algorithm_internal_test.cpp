@@ -1,0 +1,150 @@
+// Solving and inverting with factors, Gauss-Jordan elimination, the condition estimate.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+#include "factorization/algorithm/cholesky.h"
+#include "factorization/algorithm/lu_partial.h"
+#include "factorization/algorithm/triangular_inverse.h"
+#include "frame/views.h"
+#include "linear_equation/algorithm/condition.h"
+#include "linear_equation/algorithm/factor_solve.h"
+#include "linear_equation/algorithm/gauss_jordan.h"
+#include "support/matrix_gallery.h"
+#include "support/residual.h"
+#include "support/stated_schemes.h"
+
+namespace nequar {
+namespace {
+
+template <class Real>
+class SolveAlgorithm : public testing::Test {};
+using Reals = testing::Types<double, float>;
+TYPED_TEST_SUITE(SolveAlgorithm, Reals);
+
+template <class Real>
+Matrix<Real> inverse_of(const Matrix<Real>& a) {
+    Matrix<Real> lu = a;
+    std::vector<int> perm(static_cast<std::size_t>(a.mh()));
+    int interchanges = 0;
+    EXPECT_TRUE(lu_partial_in_place(view_of(&lu), perm.data(), interchanges));
+    Matrix<Real> inverse;
+    inverse.c_Create(a.mh(), a.mh());
+    EXPECT_TRUE(invert_from_lu(reading(view_of(&lu)), perm.data(), view_of(&inverse), 5));
+    return inverse;
+}
+
+TYPED_TEST(SolveAlgorithm, FactorsSolveAndInvert) {
+    using Real = TypeParam;
+    for (const int n : {1, 2, 5, 16, 33, 70, 100}) {
+        const Matrix<Real> a = test::random_matrix<Real>(n, n, 7);
+        Matrix<Real> lu = a;
+        std::vector<int> perm(static_cast<std::size_t>(n));
+        int interchanges = 0;
+        ASSERT_TRUE(lu_partial_in_place(view_of(&lu), perm.data(), interchanges));
+        const Matrix<Real> spd = test::positive_definite_matrix<Real>(n, 100, 5);
+        Matrix<Real> l = spd;
+        ASSERT_TRUE(cholesky_lower(view_of(&l)));
+        for (const int k : {0, 1, 2, 9, n}) {
+            const Matrix<Real> b = test::random_matrix<Real>(n, k, 3);
+            Matrix<Real> x = b;
+            solve_from_lu(reading(view_of(&lu)), perm.data(), view_of(&b), view_of(&x));
+            EXPECT_LT(test::solution_residual(a, x, b), 1.0) << n << ' ' << k;
+            Matrix<Real> y = b;
+            solve_from_cholesky(reading(view_of(&l)), view_of(&y));
+            EXPECT_LT(test::solution_residual(spd, y, b), 1.0) << n << ' ' << k;
+        }
+        EXPECT_LT(test::solution_residual(a, inverse_of(a), test::identity_of<Real>(n)), 1.0) << n;
+        invert_from_cholesky(view_of(&l), 5);
+        EXPECT_LT(test::solution_residual(spd, l, test::identity_of<Real>(n)), 1.0) << n;
+    }
+}
+
+// A and B end as the plain loops leave them, negative pivots and zero blocks included.
+TYPED_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
+    using Real = TypeParam;
+    for (const int n : {0, 1, 2, 3, 8, 17, 40}) {
+        for (const int k : {0, 1, 5, n}) {
+            for (int kind = 0; kind < 3; ++kind) {
+                Matrix<Real> a = kind == 0   ? test::positive_definite_matrix<Real>(n, 50, 5)
+                                 : kind == 1 ? test::dominant_matrix<Real>(n, 6)
+                                             : test::integer_matrix<Real>(n, n, 3, 4);
+                if (kind == 2)
+                    for (int j = 0; j < n; ++j) a[n / 2][j] = 0;
+                Matrix<Real> b = test::random_matrix<Real>(n, k, 3);
+                const Matrix<Real> a0 = a;
+                const Matrix<Real> b0 = b;
+                Matrix<Real> stated_a = a;
+                Matrix<Real> stated_b = b;
+                const bool solved = test::stated_gauss_jordan(stated_a, stated_b);
+                EXPECT_EQ(bool(gauss_jordan(view_of(&a), view_of(&b))), solved);
+                EXPECT_EQ(solved, kind != 2 || n == 0);
+                if (kind == 2) continue;  // what rounding leaves of a singular matrix differs
+                const double tolerance = 1e4 * test::kEpsilon<Real>;
+                EXPECT_LE(test::largest_difference(a, stated_a),
+                          tolerance * test::largest_of(stated_a));
+                EXPECT_LE(test::largest_difference(b, stated_b),
+                          tolerance * test::largest_of(stated_b));
+                EXPECT_TRUE(kind != 0 || test::solution_residual(a0, b, b0) < 10.0);
+            }
+        }
+    }
+}
+
+TYPED_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
+    using Real = TypeParam;
+    const Real nan = std::numeric_limits<Real>::quiet_NaN();
+    const Real infinity = std::numeric_limits<Real>::infinity();
+    const Real tiny = std::numeric_limits<Real>::denorm_min();
+    Matrix<Real> b = test::identity_of<Real>(2);
+    Matrix<Real> all_nan = test::matrix_of<Real>(2, 2, [&](int, int) { return nan; });
+    EXPECT_EQ(gauss_jordan(view_of(&all_nan), view_of(&b)).kind, OutcomeKind::singular);
+    // An infinite pivot scales its row to zero and NaN; it ends, and nothing plausible comes out.
+    Matrix<Real> huge = test::matrix_of<Real>(
+        2, 2, [&](int i, int j) { return i == 0 && j == 1 ? infinity : Real(i == j); });
+    const bool solved = bool(gauss_jordan(view_of(&huge), view_of(&b)));
+    EXPECT_TRUE(!solved || std::isnan(test::largest_of(b)));
+    Matrix<Real> small = test::matrix_of<Real>(1, 1, [&](int, int) { return 4 * tiny; });
+    Matrix<Real> right = test::matrix_of<Real>(1, 1, [&](int, int) { return 12 * tiny; });
+    ASSERT_TRUE(gauss_jordan(view_of(&small), view_of(&right)));
+    EXPECT_EQ(right[0][0], Real(3));
+}
+
+// The estimate never exceeds the truth by more than rounding, and is close to it.
+TYPED_TEST(SolveAlgorithm, ConditionEstimateIsALowerBoundNearTheNorm) {
+    using Real = TypeParam;
+    for (const int n : {1, 2, 3, 10, 40}) {
+        for (int kind = 0; kind < 5; ++kind) {
+            const Matrix<Real> a = kind == 0   ? test::random_matrix<Real>(n, n, 11)
+                                   : kind == 1 ? test::kahan_matrix<Real>(n)
+                                   : kind == 2 ? test::positive_definite_matrix<Real>(n, 1e3, 2)
+                                   : kind == 3 ? test::hilbert_matrix<Real>(std::min(n, 3))
+                                               : test::growing_matrix<Real>(std::min(n, 10));
+            Matrix<Real> lu = a;
+            std::vector<int> perm(static_cast<std::size_t>(a.mh()));
+            int interchanges = 0;
+            ASSERT_TRUE(lu_partial_in_place(view_of(&lu), perm.data(), interchanges));
+            Real estimate = 0;
+            ASSERT_TRUE(estimate_norm1_of_inverse(reading(view_of(&lu)), perm.data(), estimate));
+            const double norm = test::norm1_of(inverse_of(a));
+            EXPECT_LT(double(estimate), norm * (1 + 0.01)) << n << ' ' << kind;
+            EXPECT_GT(double(estimate), norm / 3) << n << ' ' << kind;
+            Real norm_of_a = 0;
+            ASSERT_TRUE(norm1(view_of(&a), norm_of_a));
+            EXPECT_NEAR(double(norm_of_a), test::norm1_of(a), n * test::kEpsilon<Real> * norm_of_a);
+        }
+    }
+    const Matrix<Real> bad = test::matrix_of<Real>(5, 5, [](int i, int j) {
+        return i == 1 && j == 2 ? std::numeric_limits<double>::quiet_NaN() : (i == j ? 1.0 : 0.0);
+    });
+    const std::vector<int> perm{0, 1, 2, 3, 4};
+    Real estimate = 0;
+    ASSERT_TRUE(estimate_norm1_of_inverse(view_of(&bad), perm.data(), estimate));
+    EXPECT_TRUE(std::isnan(estimate));
+    ASSERT_TRUE(norm1(view_of(&bad), estimate));
+    EXPECT_TRUE(std::isnan(estimate));
+}
+
+}  // namespace
+}  // namespace nequar

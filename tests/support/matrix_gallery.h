@@ -1,0 +1,149 @@
+// Matrices with known trouble, in either precision.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "nequar_algebra/frame.h"
+
+namespace nequar::test {
+
+// A small generator with the same numbers on every machine: uniform in [-1, 1).
+class Uniform {
+public:
+    explicit Uniform(std::uint64_t seed) : state_(seed * 0x9e3779b97f4a7c15u + 1) {}
+    double operator()() {
+        state_ += 0x9e3779b97f4a7c15u;
+        std::uint64_t z = state_;
+        z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9u;
+        z = (z ^ (z >> 27)) * 0x94d049bb133111ebu;
+        z ^= z >> 31;
+        return static_cast<double>(z >> 11) * 0x1p-52 - 1.0;
+    }
+
+private:
+    std::uint64_t state_;
+};
+
+// element(i, j) for every element of a height x width matrix.
+template <class Real, class Function>
+Matrix<Real> matrix_of(int height, int width, Function element) {
+    Matrix<Real> a;
+    a.c_Create(height, width);
+    for (int i = 0; i < height; ++i)
+        for (int j = 0; j < width; ++j) a[i][j] = static_cast<Real>(element(i, j));
+    return a;
+}
+
+template <class Real>
+Matrix<Real> random_matrix(int height, int width, std::uint64_t seed = 1) {
+    Uniform uniform(seed);
+    return matrix_of<Real>(height, width, [&](int, int) { return uniform(); });
+}
+
+// Small integers: many ties, many exact zeros.
+template <class Real>
+Matrix<Real> integer_matrix(int height, int width, int largest, std::uint64_t seed = 1) {
+    Uniform uniform(seed);
+    return matrix_of<Real>(height, width,
+                           [&](int, int) { return std::round(uniform() * largest); });
+}
+
+// Random with a diagonal that outweighs each row: LU needs no exchange, and growth stays small.
+template <class Real>
+Matrix<Real> dominant_matrix(int n, std::uint64_t seed = 1) {
+    Matrix<Real> a = random_matrix<Real>(n, n, seed);
+    for (int i = 0; i < n; ++i) a[i][i] += static_cast<Real>(a[i][i] < 0 ? -n : n);
+    return a;
+}
+
+template <class Real>
+Matrix<Real> hilbert_matrix(int n) {
+    return matrix_of<Real>(n, n, [](int i, int j) { return 1.0 / (i + j + 1); });
+}
+
+// Kahan's upper triangular matrix: nearly singular without a small diagonal element.
+template <class Real>
+Matrix<Real> kahan_matrix(int n, double theta = 1.2) {
+    const double s = std::sin(theta);
+    const double c = std::cos(theta);
+    return matrix_of<Real>(
+        n, n, [&](int i, int j) { return i > j ? 0.0 : std::pow(s, i) * (i == j ? 1.0 : -c); });
+}
+
+// Wilkinson's example: partial pivoting lets its last column grow to 2^(n-1).
+template <class Real>
+Matrix<Real> growing_matrix(int n) {
+    return matrix_of<Real>(
+        n, n, [n](int i, int j) { return i == j || j == n - 1 ? 1 : (i > j ? -1 : 0); });
+}
+
+// Rows and columns that fall over many orders of magnitude.
+template <class Real>
+Matrix<Real> graded_matrix(int n, double decades, std::uint64_t seed = 1) {
+    Uniform uniform(seed);
+    return matrix_of<Real>(n, n, [&](int i, int j) {
+        return uniform() * std::pow(10.0, -decades * (i + j) / (2.0 * n));
+    });
+}
+
+// The product of a height x rank and a rank x width matrix of small integers: exact.
+template <class Real>
+Matrix<Real> rank_deficient_matrix(int height, int width, int rank, std::uint64_t seed = 1) {
+    const Matrix<Real> left = integer_matrix<Real>(height, rank, 4, seed);
+    const Matrix<Real> right = integer_matrix<Real>(rank, width, 4, seed + 1);
+    return matrix_of<Real>(height, width, [&](int i, int j) {
+        double sum = 0;
+        for (int k = 0; k < rank; ++k) sum += double(left[i][k]) * double(right[k][j]);
+        return sum;
+    });
+}
+
+// A := H A H with a random reflector H = I - 2 v v^T / v^T v.
+inline void reflect_both_sides(std::vector<std::vector<double>>& a, Uniform& uniform) {
+    const std::size_t n = a.size();
+    std::vector<double> v(n);
+    double square = 0;
+    for (double& x : v) {
+        x = uniform();
+        square += x * x;
+    }
+    for (int side = 0; side < 2; ++side) {
+        for (std::size_t j = 0; j < n; ++j) {
+            double dot = 0;
+            for (std::size_t i = 0; i < n; ++i) dot += v[i] * a[i][j];
+            for (std::size_t i = 0; i < n; ++i) a[i][j] -= 2 * dot / square * v[i];
+        }
+        for (std::size_t i = 0; i < n; ++i)
+            for (std::size_t j = 0; j < i; ++j) std::swap(a[i][j], a[j][i]);
+    }
+}
+
+// Symmetric with the given eigenvalues.
+template <class Real>
+Matrix<Real> symmetric_with_spectrum(const std::vector<double>& eigenvalues,
+                                     std::uint64_t seed = 1) {
+    const std::size_t n = eigenvalues.size();
+    std::vector<std::vector<double>> a(n, std::vector<double>(n, 0.0));
+    for (std::size_t i = 0; i < n; ++i) a[i][i] = eigenvalues[i];
+    Uniform uniform(seed);
+    for (int k = 0; k < 3; ++k) reflect_both_sides(a, uniform);
+    return matrix_of<Real>(static_cast<int>(n), static_cast<int>(n), [&](int i, int j) {
+        const auto row = static_cast<std::size_t>(std::min(i, j));
+        return a[row][static_cast<std::size_t>(std::max(i, j))];
+    });
+}
+
+// Symmetric positive definite with eigenvalues from 1 down to 1/condition.
+template <class Real>
+Matrix<Real> positive_definite_matrix(int n, double condition, std::uint64_t seed = 1) {
+    std::vector<double> eigenvalues;
+    for (int i = 0; i < n; ++i)
+        eigenvalues.push_back(std::pow(condition, n > 1 ? -double(i) / (n - 1) : 0.0));
+    return symmetric_with_spectrum<Real>(eigenvalues, seed);
+}
+
+}  // namespace nequar::test
