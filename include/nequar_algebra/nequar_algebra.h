@@ -1,4 +1,5 @@
 // The whole library.
 #pragma once
 
+#include "nequar_algebra/algebra.h"
 #include "nequar_algebra/frame.h"
