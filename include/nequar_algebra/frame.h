@@ -2,6 +2,7 @@
 // order statistics and random numbers, and the raw-array kernels.
 #pragma once
 
+#include "nequar_algebra/frame/algebra_basic.h"
 #include "nequar_algebra/frame/class.h"
 #include "nequar_algebra/frame/matrix.h"
 #include "nequar_algebra/frame/message.h"

@@ -1,6 +1,7 @@
 // The whole library.
 #pragma once
 
+#include "nequar_algebra/algebra.h"
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/structured.h"
 #include "nequar_algebra/structured.h"
