@@ -28,7 +28,8 @@ void LongStep::show() {
     const auto start = std::chrono::steady_clock::now();
     std::unique_lock<std::mutex> lock(mutex_);
     bool shown = false;
-    for (auto pause = 500ms; !ended_.wait_for(lock, pause, [this] { return done_; }); pause = 100ms) {
+    for (auto pause = 500ms; !ended_.wait_for(lock, pause, [this] { return done_; });
+         pause = 100ms) {
         const std::chrono::duration<double> so_far = std::chrono::steady_clock::now() - start;
         fmt::print(stderr, "\r{} ... {:.1f} s\x1b[K", what_, so_far.count());
         std::fflush(stderr);

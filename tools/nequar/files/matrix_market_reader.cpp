@@ -10,6 +10,7 @@
 #include "errors.h"
 #include "files/line_reader.h"
 #include "files/text.h"
+#include "long_step.h"
 
 namespace program {
 namespace {
@@ -194,9 +195,9 @@ Real Reader<Real>::value(std::string_view word) {
     const NumberStatus status = parse_real(word, value);
     if (status != NumberStatus::good)
         fail_number(status, word,
-                    status == NumberStatus::not_a_number         ? "a number"
-                    : std::is_same_v<Real, float> ? "single precision"
-                                                                 : "double precision");
+                    status == NumberStatus::not_a_number ? "a number"
+                    : std::is_same_v<Real, float>        ? "single precision"
+                                                         : "double precision");
     return value;
 }
 
@@ -205,8 +206,7 @@ void Reader<Real>::read_coordinates() {
     const int expected = matrix_.field == Field::pattern ? 2 : 3;
     std::vector<long long> line_of;
     for (long long k = 0; k < count_; ++k) {
-        if (!next())
-            lines_.fail("the file ends after " + std::to_string(k) + " of " + declared());
+        if (!next()) lines_.fail("the file ends after " + std::to_string(k) + " of " + declared());
         const Words words(line_);
         if (words.count() < expected)
             lines_.fail(expected == 2 ? "an element must be: row column"
@@ -216,11 +216,13 @@ void Reader<Real>::read_coordinates() {
         const int row = index(words[0], matrix_.height, "row");
         const int column = index(words[1], matrix_.width, "column");
         if (matrix_.symmetry == Symmetry::symmetric && row < column)
-            lines_.fail("the element lies above the diagonal; a symmetric file stores the lower "
-                        "triangle alone");
+            lines_.fail(
+                "the element lies above the diagonal; a symmetric file stores the lower "
+                "triangle alone");
         if (matrix_.symmetry == Symmetry::skew && row <= column)
-            lines_.fail("the element lies on or above the diagonal; a skew-symmetric file stores "
-                        "what is below it alone");
+            lines_.fail(
+                "the element lies on or above the diagonal; a skew-symmetric file stores "
+                "what is below it alone");
         matrix_.rows.push_back(row);
         matrix_.columns.push_back(column);
         matrix_.values.push_back(expected == 2 ? Real(1) : value(words[2]));
@@ -259,8 +261,7 @@ void Reader<Real>::refuse_repeated(const std::vector<long long>& line_of) {
 template <class Real>
 void Reader<Real>::read_array() {
     for (long long k = 0; k < count_; ++k) {
-        if (!next())
-            lines_.fail("the file ends after " + std::to_string(k) + " of " + declared());
+        if (!next()) lines_.fail("the file ends after " + std::to_string(k) + " of " + declared());
         const Words words(line_);
         if (words.count() > 1)
             lines_.fail(quoted(words[1]) + " stands after the value; an array has one on a line");
@@ -272,6 +273,7 @@ void Reader<Real>::read_array() {
 
 template <class Real>
 FileMatrix<Real> read_matrix_market(const std::string& path) {
+    const LongStep step("reading " + path);
     return Reader<Real>(path).read();
 }
 

@@ -6,11 +6,12 @@
 //   row column [value]          (coordinate, counted from 1)
 //   value                       (array, down the columns)
 //
-// The banner is read in any case; blank lines and comment lines may stand anywhere after it. What is
-// refused, always with the line: complex files; values that are not finite or do not fit Real;
-// an element given twice; an element above the diagonal of a symmetric or skew-symmetric file, whose
-// format stores the lower triangle alone; fewer or more elements than declared; anything after the
-// numbers of a line; sizes below 1 or beyond an int. A value too small for Real is read as zero.
+// The banner is read in any case; blank lines and comment lines may stand anywhere after it. What
+// is refused, always with the line: complex files; values that are not finite or do not fit Real;
+// an element given twice; an element above the diagonal of a symmetric or skew-symmetric file,
+// whose format stores the lower triangle alone; fewer or more elements than declared; anything
+// after the numbers of a line; sizes below 1 or beyond an int. A value too small for Real is read
+// as zero.
 #pragma once
 
 #include <string>

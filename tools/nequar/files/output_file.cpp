@@ -33,7 +33,9 @@ void watch(const std::string& name) {
     name_to_remove[0] = name[0];
 }
 
-void unwatch() { name_to_remove[0] = 0; }
+void unwatch() {
+    name_to_remove[0] = 0;
+}
 
 }  // namespace
 

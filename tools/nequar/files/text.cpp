@@ -6,8 +6,12 @@
 namespace program {
 namespace {
 
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
-char to_lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+bool is_blank(char c) {
+    return c == ' ' || c == '\t' || c == '\v' || c == '\f';
+}
+char to_lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 // from_chars knows no plus sign; "+-1" stays wrong.
 std::string_view without_plus(std::string_view word) {
@@ -26,7 +30,8 @@ bool is_large(std::string_view word) {
         if (result.ec == std::errc::result_out_of_range) return digits[0] != '-';
         word = word.substr(0, mark);
     }
-    const std::size_t point = word.find('.') == std::string_view::npos ? word.size() : word.find('.');
+    const std::size_t point =
+        word.find('.') == std::string_view::npos ? word.size() : word.find('.');
     const std::size_t first = word.find_first_of("123456789");
     if (first == std::string_view::npos) return false;
     return static_cast<long long>(point) - static_cast<long long>(first) + exponent > 0;
