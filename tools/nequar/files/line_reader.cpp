@@ -43,21 +43,19 @@ bool LineReader::next(std::string_view& line) {
                 std::memchr(buffer_.data() + begin_ + searched, '\n', held - searched));
         searched = held;
         if (line_end != nullptr) break;
-        if (held > kLongestLine) {
-            ++line_number_;
-            fail("the line is longer than " + std::to_string(kLongestLine) + " characters");
-        }
-        if (!fill()) break;
+        if (held > kLongestLine || !fill()) break;
     }
     if (line_end == nullptr && begin_ == end_) return false;
+    ++line_number_;
 
     const char* first = buffer_.data() + begin_;
     const std::size_t length =
         line_end != nullptr ? static_cast<std::size_t>(line_end - first) : end_ - begin_;
+    if (length > kLongestLine)
+        fail("the line is longer than " + std::to_string(kLongestLine) + " characters");
     begin_ += length + (line_end != nullptr ? 1 : 0);
     line = std::string_view(first, length);
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    ++line_number_;
     return true;
 }
 
