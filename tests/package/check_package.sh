@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# check_package.sh BUILD_DIR CONSUMER_DIR COMPILER FLAGS
+# check_package.sh BUILD_DIR CONSUMER_DIR README COMPILER FLAGS
 # Installs the build into a prefix of its own and moves it (an installation must not know its place),
-# then lets a consumer find it with find_package and with pkg-config, build and run.
+# then lets a consumer find it with find_package and with pkg-config, build and run; the program in
+# the README is built and run too.
 set -euo pipefail
-build_dir=$1 consumer=$2 compiler=$3 flags=$4
+build_dir=$1 consumer=$2 readme=$3 compiler=$4 flags=$5
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -25,6 +26,12 @@ read -ra found <<<"$(pkg-config --cflags --libs nequar_algebra)"
 # shellcheck disable=SC2086  # flags are several words
 "$compiler" -std=c++20 $flags "$consumer/main.cpp" -o "$work/consumer" "${found[@]}"
 [[ $(LD_LIBRARY_PATH="$lib_dir" "$work/consumer") == solved ]] || fail "the consumer found by pkg-config"
+
+echo "--- the program in the README"
+awk '/^```cpp/ { inside = 1; next } /^```/ { inside = 0 } inside' "$readme" >"$work/readme.cpp"
+# shellcheck disable=SC2086
+"$compiler" -std=c++20 $flags "$work/readme.cpp" -o "$work/readme" "${found[@]}"
+[[ $(LD_LIBRARY_PATH="$lib_dir" "$work/readme") == "2 2" ]] || fail "the program in the README"
 
 echo "--- the installed program"
 if [[ -x $prefix/bin/nequar ]]; then
