@@ -1,0 +1,19 @@
+// Stands for Eigen where it was not found.
+#include "peers/peers.h"
+
+namespace bench {
+
+template <>
+const Peer<double>* eigen() {
+    return nullptr;
+}
+template <>
+const Peer<float>* eigen() {
+    return nullptr;
+}
+
+std::string describe_eigen() {
+    return "Eigen was not found when this was built";
+}
+
+}  // namespace bench

@@ -1,0 +1,19 @@
+// Stands for OpenBLAS where it was not found.
+#include "peers/peers.h"
+
+namespace bench {
+
+template <>
+const Peer<double>* openblas() {
+    return nullptr;
+}
+template <>
+const Peer<float>* openblas() {
+    return nullptr;
+}
+
+std::string describe_openblas() {
+    return "OpenBLAS was not found when this was built";
+}
+
+}  // namespace bench

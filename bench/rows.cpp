@@ -1,0 +1,28 @@
+#include "rows.h"
+
+namespace bench {
+
+#define NEQUAR_BOTH(make) make<double>, make<float>
+#define NEQUAR_PATTERN(make, pattern) make<double, Pattern::pattern>, make<float, Pattern::pattern>
+
+std::span<const Row> row_table() {
+    static constexpr Row rows[] = {
+        {"gemm nn", "C = A B, kernel layer", NEQUAR_PATTERN(make_gemm, nn)},
+        {"gemm nt", "C = A B', kernel layer", NEQUAR_PATTERN(make_gemm, nt)},
+        {"gemm tn", "C = A' B, kernel layer", NEQUAR_PATTERN(make_gemm, tn)},
+        {"gemm tt", "C = A' B', kernel layer", NEQUAR_PATTERN(make_gemm, tt)},
+        {"mmm", "C = A B, objects", NEQUAR_PATTERN(make_object_product, nn)},
+        {"mmt", "C = A B', objects", NEQUAR_PATTERN(make_object_product, nt)},
+        {"mtm", "C = A' B, objects", NEQUAR_PATTERN(make_object_product, tn)},
+        {"LU", "P A = L U in place, u_dluc", NEQUAR_BOTH(make_lu)},
+        {"Cholesky", "A = L L' in place, u_dch", NEQUAR_BOTH(make_cholesky)},
+        {"solve LU 1", "one right-hand side, slu", NEQUAR_BOTH(make_solve_lu_vector)},
+        {"solve LU n", "n right-hand sides, slu", NEQUAR_BOTH(make_solve_lu_matrix)},
+        {"solve LL' 1", "one right-hand side, sll", NEQUAR_BOTH(make_solve_cholesky_vector)},
+        {"solve LL' n", "n right-hand sides, sll", NEQUAR_BOTH(make_solve_cholesky_matrix)},
+        {"inverse", "by LU, ilu", NEQUAR_BOTH(make_inverse)},
+    };
+    return rows;
+}
+
+}  // namespace bench

@@ -1,0 +1,32 @@
+// The rows of the table, by the file that holds them. A new operation is a function template below
+// rows/ that makes its case, and a line in rows.cpp.
+#pragma once
+
+#include "case.h"
+
+namespace bench {
+
+enum class Pattern { nn, nt, tn, tt };  // n: as it is, t: transposed
+
+// The kernel layer's gemm on views, and the objects' products above it.
+template <class Real, Pattern pattern>
+Case make_gemm(Size n);
+template <class Real, Pattern pattern>
+Case make_object_product(Size n);
+
+template <class Real>
+Case make_lu(Size n);  // in place, u_dluc_
+template <class Real>
+Case make_cholesky(Size n);  // in place, u_dch_
+template <class Real>
+Case make_solve_lu_vector(Size n);  // slu_, one right-hand side
+template <class Real>
+Case make_solve_lu_matrix(Size n);  // slu_, n right-hand sides
+template <class Real>
+Case make_solve_cholesky_vector(Size n);  // sll_
+template <class Real>
+Case make_solve_cholesky_matrix(Size n);
+template <class Real>
+Case make_inverse(Size n);  // ilu_
+
+}  // namespace bench

@@ -1,0 +1,82 @@
+// Factorizations in place; everybody copies the matrix before he overwrites it.
+#include <limits>
+#include <memory>
+
+#include "peers/peers.h"
+#include "rows.h"
+#include "rows/twin.h"
+
+namespace bench {
+namespace {
+
+template <class Real>
+struct State {
+    Problem<Real> problem;
+    typename Twin<Real>::Matrix a, work;
+    typename Twin<Real>::Solver solver;
+    CNqVectorInt perm;
+    int interchanges = 0;
+    bool good = false;
+
+    explicit State(Problem<Real> of) : problem(std::move(of)), a(matrix_of(problem)) {}
+};
+
+constexpr double kWrong = std::numeric_limits<double>::infinity();
+
+}  // namespace
+
+template <class Real>
+Case make_lu(Size size) {
+    const auto s = std::make_shared<State<Real>>(dominant_matrix<Real>(size));
+    const auto n = static_cast<double>(size);
+    Case one{2.0 / 3 * n * n * n, {}};
+    const auto run = [s] {
+        s->work.cp_Copy(&s->a);
+        s->good = s->solver.u_dluc_Decompose_into_LU_matrices_by_Crout(&s->work, &s->perm,
+                                                                       s->interchanges);
+    };
+    one.contenders.push_back({Who::nequar, run, [s] {
+                                  if (!s->good) return kWrong;
+                                  const std::vector<int> perm(s->perm.p(),
+                                                              s->perm.p() + s->perm.vs());
+                                  return error_of_lu(s->problem, rows_of(s->work), perm);
+                              }});
+    for (const auto& [who, peer] : peers<Real>()) {
+        const PeerTask<Real> task = peer->lu(s->problem);
+        one.contenders.push_back({who, task.run, [s, task] {
+                                      const PeerResult<Real> result = task.result();
+                                      return error_of_lu(s->problem, result.rows, result.perm);
+                                  }});
+    }
+    return one;
+}
+
+template <class Real>
+Case make_cholesky(Size size) {
+    const auto s = std::make_shared<State<Real>>(definite_matrix<Real>(size));
+    const auto n = static_cast<double>(size);
+    Case one{1.0 / 3 * n * n * n, {}};
+    const auto run = [s] {
+        s->work.cp_Copy(&s->a);
+        s->good = s->solver.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &s->work);
+    };
+    one.contenders.push_back({Who::nequar, run, [s] {
+                                  return s->good ? error_of_cholesky(s->problem, rows_of(s->work))
+                                                 : kWrong;
+                              }});
+    for (const auto& [who, peer] : peers<Real>()) {
+        const PeerTask<Real> task = peer->cholesky(s->problem);
+        one.contenders.push_back({who, task.run, [s, task] {
+                                      return error_of_cholesky(s->problem, task.result().rows);
+                                  }});
+    }
+    return one;
+}
+
+#define NEQUAR_BOTH(make)             \
+    template Case make<double>(Size); \
+    template Case make<float>(Size);
+NEQUAR_BOTH(make_lu)
+NEQUAR_BOTH(make_cholesky)
+
+}  // namespace bench

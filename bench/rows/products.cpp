@@ -1,0 +1,111 @@
+// Products of square matrices, 2 n^3 operations.
+#include <memory>
+
+#include "kernel/kernel.h"
+#include "peers/peers.h"
+#include "rows.h"
+#include "rows/twin.h"
+
+namespace bench {
+namespace {
+
+constexpr bool transposes_a(Pattern pattern) {
+    return pattern == Pattern::tn || pattern == Pattern::tt;
+}
+constexpr bool transposes_b(Pattern pattern) {
+    return pattern == Pattern::nt || pattern == Pattern::tt;
+}
+
+// The operands, and a case that holds everybody but ours.
+template <class Real>
+struct Operands {
+    Problem<Real> a, b;
+    std::vector<Real> c;
+};
+
+template <class Real, Pattern pattern>
+Case peers_only(const std::shared_ptr<Operands<Real>>& s) {
+    const auto n = static_cast<double>(s->a.height);
+    Case one{2 * n * n * n, {}};
+    for (const auto& [who, peer] : peers<Real>()) {
+        const PeerTask<Real> task =
+            peer->product(s->a, transposes_a(pattern), s->b, transposes_b(pattern));
+        one.contenders.push_back({who, task.run, [s, task] {
+                                      return error_of_product(s->a, transposes_a(pattern), s->b,
+                                                              transposes_b(pattern),
+                                                              task.result().rows);
+                                  }});
+    }
+    return one;
+}
+
+template <class Real>
+std::shared_ptr<Operands<Real>> operands(Size n) {
+    return std::make_shared<Operands<Real>>(
+        Operands<Real>{random_matrix<Real>(n, n, 3), random_matrix<Real>(n, n, 4),
+                       std::vector<Real>(static_cast<std::size_t>(n * n))});
+}
+
+}  // namespace
+
+template <class Real, Pattern pattern>
+Case make_gemm(Size n) {
+    const auto s = operands<Real>(n);
+    Case one = peers_only<Real, pattern>(s);
+    const auto view = [n](const std::vector<Real>& rows, bool transposed) {
+        const nequar::View<const Real> plain(rows.data(), n, n, n);
+        return transposed ? plain.transposed() : plain;
+    };
+    const auto run = [=] {
+        nequar::kernel::gemm<Real>(
+            Real(1), view(s->a.rows, transposes_a(pattern)), view(s->b.rows, transposes_b(pattern)),
+            nequar::kernel::Update::set, nequar::View<Real>(s->c.data(), n, n, n));
+    };
+    one.contenders.insert(one.contenders.begin(), {Who::nequar, run, [s] {
+                                                       return error_of_product(
+                                                           s->a, transposes_a(pattern), s->b,
+                                                           transposes_b(pattern), s->c);
+                                                   }});
+    return one;
+}
+
+template <class Real, Pattern pattern>
+Case make_object_product(Size n) {
+    static_assert(pattern != Pattern::tt, "there is no such operation on objects");
+    struct Objects {
+        typename Twin<Real>::Matrix a, b, c;
+        typename Twin<Real>::Algebra algebra;
+    };
+    const auto s = operands<Real>(n);
+    const auto o = std::make_shared<Objects>();
+    o->a = matrix_of(s->a);
+    o->b = matrix_of(s->b);
+    Case one = peers_only<Real, pattern>(s);
+    const auto run = [o] {
+        if constexpr (pattern == Pattern::nn)
+            o->algebra.mmm_Multiply_Matrix_Matrix(&o->a, &o->b, &o->c);
+        else if constexpr (pattern == Pattern::nt)
+            o->algebra.mmt_Multiply_Matrix_Tmatrix(&o->a, &o->b, &o->c);
+        else
+            o->algebra.mtm_Multiply_Tmatrix_Matrix(&o->a, &o->b, &o->c);
+    };
+    one.contenders.insert(one.contenders.begin(), {Who::nequar, run, [s, o] {
+                                                       return error_of_product(
+                                                           s->a, transposes_a(pattern), s->b,
+                                                           transposes_b(pattern), rows_of(o->c));
+                                                   }});
+    return one;
+}
+
+#define NEQUAR_PATTERN(make, pattern)                   \
+    template Case make<double, Pattern::pattern>(Size); \
+    template Case make<float, Pattern::pattern>(Size);
+NEQUAR_PATTERN(make_gemm, nn)
+NEQUAR_PATTERN(make_gemm, nt)
+NEQUAR_PATTERN(make_gemm, tn)
+NEQUAR_PATTERN(make_gemm, tt)
+NEQUAR_PATTERN(make_object_product, nn)
+NEQUAR_PATTERN(make_object_product, nt)
+NEQUAR_PATTERN(make_object_product, tn)
+
+}  // namespace bench

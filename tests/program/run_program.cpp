@@ -1,0 +1,110 @@
+#include "program/run_program.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+
+namespace program_test {
+
+Answer run(const std::string& executable, const std::vector<std::string>& arguments,
+           const std::string& folder) {
+    const Folder outputs;
+    const std::string out = outputs / "out", err = outputs / "err";
+    std::vector<char*> pointers;
+    pointers.push_back(const_cast<char*>(executable.c_str()));
+    for (const std::string& argument : arguments)
+        pointers.push_back(const_cast<char*>(argument.c_str()));
+    pointers.push_back(nullptr);
+
+    const pid_t child = fork();
+    if (child < 0) throw std::runtime_error("fork failed");
+    if (child == 0) {
+        const int out_file = open(out.c_str(), O_WRONLY | O_CREAT, 0600);
+        const int err_file = open(err.c_str(), O_WRONLY | O_CREAT, 0600);
+        if (dup2(out_file, STDOUT_FILENO) < 0 || dup2(err_file, STDERR_FILENO) < 0) _exit(126);
+        if (!folder.empty() && chdir(folder.c_str()) != 0) _exit(126);
+        execv(executable.c_str(), pointers.data());
+        _exit(127);
+    }
+    int state = 0;
+    waitpid(child, &state, 0);
+    Answer result;
+    result.status = WIFEXITED(state) ? WEXITSTATUS(state) : -WTERMSIG(state);
+    result.out = read_file(out);
+    result.err = read_file(err);
+    return result;
+}
+
+Answer nequar(const std::vector<std::string>& arguments) {
+    return run(NEQUAR_PROGRAM, arguments);
+}
+
+std::string read_file(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void write_file(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+Folder::Folder() {
+    std::string name = (std::filesystem::temp_directory_path() / "nequar_test.XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder for temporary files");
+    path_ = name;
+}
+
+Folder::~Folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::string Folder::file(const std::string& name, const std::string& text) const {
+    write_file(*this / name, text);
+    return *this / name;
+}
+
+std::vector<std::string> Folder::names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(path_))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+double number_after(const std::string& output, const std::string& name) {
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind(name + " ", 0) != 0) continue;
+        std::istringstream rest(line.substr(name.size()));
+        double value = 0;
+        if (rest >> value) return value;
+    }
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::vector<double> values_of(const std::string& path) {
+    std::ifstream file(path);
+    std::string line;
+    while (std::getline(file, line) && line[0] == '%') {
+    }
+    std::vector<double> values;
+    for (double value = 0; file >> value;) values.push_back(value);
+    return values;
+}
+
+}  // namespace program_test

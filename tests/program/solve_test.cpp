@@ -1,0 +1,225 @@
+// nequar solve and determinant on systems written here and on real ones.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cmath>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "program/run_program.h"
+
+namespace program_test {
+namespace {
+
+const std::string kReal = "%%MatrixMarket matrix coordinate real general\n";
+const std::string kArray = "%%MatrixMarket matrix array real general\n";
+
+std::vector<double> solution_of(const Folder& folder, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "solve");
+    arguments.insert(arguments.end(), {"-o", folder / "x.mtx"});
+    const Answer result = nequar(arguments);
+    EXPECT_EQ(result.status, 0) << result.err;
+    return values_of(folder / "x.mtx");
+}
+
+void expect_values(const std::vector<double>& found, const std::vector<double>& expected,
+                   double bound) {
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i)
+        EXPECT_LT(std::fabs(found[i] - expected[i]), bound) << "element " << i;
+}
+
+TEST(ProgramSolve, EveryMethodSolvesInBothPrecisions) {
+    const Folder folder;
+    // [[4, 2, 1], [2, 5, 2], [1, 2, 6]] x = b, x = (1, -2, 3)
+    const std::string a =
+        folder.file("A.mtx", "%%MatrixMarket matrix array real symmetric\n3 3\n4\n2\n1\n5\n2\n6\n");
+    const std::string b = folder.file("b.mtx", kArray + "3 1\n3\n-2\n15\n");
+    for (const char* method : {"auto", "lud", "llt", "uut", "gje"}) {
+        SCOPED_TRACE(method);
+        expect_values(solution_of(folder, {a, b, "--method", method}), {1, -2, 3}, 1e-14);
+        expect_values(solution_of(folder, {a, b, "--method", method, "--float"}), {1, -2, 3}, 1e-5);
+    }
+}
+
+TEST(ProgramSolve, SeveralRightHandSidesAndNone) {
+    const Folder folder;
+    const std::string a = folder.file("A.mtx", kReal + "2 2 3\n1 1 2\n1 2 1\n2 2 4\n");
+    const std::string b = folder.file("b.mtx", kReal + "2 3 3\n1 1 2\n2 2 4\n1 3 6\n");
+    expect_values(solution_of(folder, {a, b}), {1, 0, -0.5, 1, 3, 0}, 1e-15);
+    expect_values(solution_of(folder, {a}), {0.375, 0.25}, 1e-15);
+}
+
+TEST(ProgramSolve, AutoSaysWhatItTookAndWhy) {
+    const Folder folder;
+    const auto method = [&](const std::string& text) {
+        return nequar({"solve", folder.file("A.mtx", kReal + text)}).out;
+    };
+    EXPECT_TRUE(contains(method("2 2 2\n1 1 2\n2 2 3\n"),
+                         "llt, A = L L' (auto: the matrix is symmetric and positive"));
+    EXPECT_TRUE(contains(method("2 2 4\n1 1 1\n2 1 2\n1 2 2\n2 2 1\n"),
+                         "lud, P A = L U (auto: the matrix is symmetric but not positive"));
+    EXPECT_TRUE(contains(method("2 2 3\n1 1 1\n2 1 2\n2 2 1\n"),
+                         "lud, P A = L U (auto: the matrix is not symmetric"));
+}
+
+TEST(ProgramSolve, FailuresShowTheLibrarysTrace) {
+    const Folder folder;
+    // regular (its determinant is -10), and refused by a pivot that is chosen before the update
+    const std::string regular = folder.file("A.mtx", kArray + "3 3\n4\n2\n2\n4\n1\n2\n1\n1\n3\n");
+    Answer result = nequar({"solve", regular, "-o", folder / "x.mtx"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(contains(result.err, "u_dluc_Decompose_into_LU_matrices_by_Crout: singular"))
+        << result.err;
+    EXPECT_TRUE(contains(result.err, "qrd")) << result.err;
+    EXPECT_EQ(nequar({"determinant", regular}).status, 1);
+    EXPECT_EQ(folder.names(), std::vector<std::string>{"A.mtx"});  // no output, no temporary file
+
+    const std::string indefinite = folder.file("I.mtx", kReal + "2 2 2\n1 2 1\n2 1 1\n");
+    result = nequar({"solve", indefinite, "--method", "llt"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(contains(result.err, "non-positive definite")) << result.err;
+
+    const std::string unsymmetric = folder.file("U.mtx", kReal + "2 2 3\n1 1 1\n2 1 3\n2 2 1\n");
+    result = nequar({"solve", unsymmetric, "--method", "uut"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(contains(result.err, "U.mtx:2: --method uut needs a symmetric matrix"))
+        << result.err;
+}
+
+TEST(ProgramSolve, BadResidualsAndGrowthAreSaid) {
+    const Folder folder;
+    // Gauss-Jordan's scaling by the magnitude of the pivot: x = 2 where -2 solves
+    const std::string negative = folder.file("A.mtx", kArray + "1 1\n-2\n");
+    const std::string b = folder.file("b.mtx", kArray + "1 1\n4\n");
+    Answer result = nequar({"solve", negative, b, "--method", "gje"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_GT(number_after(result.out, "residual"), 0.5);
+    EXPECT_TRUE(contains(result.out, "BAD") && contains(result.out, "qrd")) << result.out;
+
+    // a pivot of 1e-12 after the update: U holds 1e12
+    const std::string growing =
+        folder.file("G.mtx", kArray + "3 3\n1\n1\n0\n1\n1.000000000001\n0.5\n1\n2\n1\n");
+    result = nequar({"solve", growing});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_GT(number_after(result.out, "growth"), 1e10);
+    EXPECT_TRUE(contains(result.out, "LARGE") && contains(result.out, "qrd")) << result.out;
+
+    result = nequar({"solve", folder.file("D.mtx", kReal + "2 2 2\n1 1 2\n2 2 3\n")});
+    EXPECT_LT(number_after(result.out, "residual"), 1e-16);
+    EXPECT_DOUBLE_EQ(number_after(result.out, "growth"), 1);
+    EXPECT_FALSE(contains(result.out, "warning")) << result.out;
+}
+
+TEST(ProgramSolve, OverflowIsAFailureAndWritesNothing) {
+    const Folder folder;
+    const std::string a = folder.file("A.mtx", kArray + "1 1\n1e-300\n");
+    const std::string b = folder.file("b.mtx", kArray + "1 1\n1e300\n");
+    const Answer result = nequar({"solve", a, b, "-o", folder / "x.mtx"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(contains(result.err, "not finite")) << result.err;
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"A.mtx", "b.mtx"}));
+}
+
+TEST(ProgramSolve, OutputReplacesAFileWholeOrNotAtAll) {
+    const Folder folder;
+    const std::string a = folder.file("A.mtx", kArray + "1 1\n3\n");
+    const std::string x = folder.file("x.mtx", "what stood here\n");
+    ASSERT_EQ(nequar({"solve", a, "-o", x}).status, 0);
+    EXPECT_EQ(read_file(x), kArray + "% solution of A x = b by nequar, method llt\n1 1\n" +
+                                "0.3333333333333333\n");
+    struct stat status {};
+    ASSERT_EQ(stat(x.c_str(), &status), 0);
+    const mode_t mask = umask(0);
+    umask(mask);
+    EXPECT_EQ(status.st_mode & 0777, 0666 & ~mask);
+
+    std::filesystem::create_symlink("x.mtx", folder / "link.mtx");
+    ASSERT_EQ(nequar({"solve", a, "-o", folder / "link.mtx", "--float"}).status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.mtx"));
+    expect_values(values_of(x), {1.0 / 3}, 1e-7);
+
+    ASSERT_EQ(nequar({"solve", a, "-o", a}).status, 0);  // onto its own input
+    expect_values(values_of(a), {1.0 / 3}, 1e-15);
+
+    for (const std::string& place : {folder / "none/x.mtx", folder.path(), std::string()}) {
+        const Answer result = nequar({"solve", a, "-o", place});
+        EXPECT_EQ(result.status, 2) << place;
+        EXPECT_EQ(result.err.rfind("nequar: ", 0), 0U) << result.err;
+    }
+    const Answer full = nequar({"solve", a, "-o", "/dev/full"});
+    EXPECT_EQ(full.status, 2);
+    EXPECT_TRUE(contains(full.err, "No space left")) << full.err;
+    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"A.mtx", "link.mtx", "x.mtx"}));
+}
+
+TEST(ProgramSolve, ExpectComparesWithAKnownSolution) {
+    const Folder folder;
+    const std::string a = folder.file("A.mtx", kArray + "1 1\n2\n");
+    const std::string right = folder.file("right.mtx", kArray + "1 1\n0.5\n");
+    const std::string wrong = folder.file("wrong.mtx", kArray + "1 1\n0.501\n");
+    Answer result = nequar({"solve", a, "--expect", right});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(contains(result.out, "reproduces the known one")) << result.out;
+    result = nequar({"solve", a, "--expect", wrong});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(contains(result.out, "DIFFERS")) << result.out;
+}
+
+TEST(ProgramDeterminant, KeepsItsSignAndItsRange) {
+    const Folder folder;
+    const auto determinant = [&](const std::string& text) {
+        const Answer result = nequar({"determinant", folder.file("A.mtx", kArray + text)});
+        EXPECT_EQ(result.status, 0) << result.err;
+        return result.out;
+    };
+    EXPECT_EQ(number_after(determinant("2 2\n0\n1\n1\n0\n"), "determinant"), -1);
+    EXPECT_EQ(number_after(determinant("2 2\n1\n3\n2\n4\n"), "determinant"), -2);
+    // the product leaves the range on the way and comes back
+    EXPECT_NEAR(
+        number_after(determinant("3 3\n1e-200\n0\n0\n0\n1e-200\n0\n0\n0\n1e300\n"), "determinant") /
+            1e-100,
+        1, 1e-12);
+    EXPECT_TRUE(contains(determinant("2 2\n-1e200\n0\n0\n1e250\n"), "-10^450, beyond the range"));
+}
+
+// ---- real systems, where the folder of data is there
+// ---------------------------------------------
+
+class ProgramRealSystem : public testing::Test {
+protected:
+    static Answer solve(const std::string& name, const std::string& method) {
+        return nequar(
+            {"solve", std::string(NEQUAR_DATA) + "/" + name + ".mtx", "--method", method});
+    }
+    void SetUp() override {
+        if (!std::filesystem::exists(std::string(NEQUAR_DATA) + "/494_bus.mtx"))
+            GTEST_SKIP() << "no folder " << NEQUAR_DATA;
+    }
+};
+
+TEST_F(ProgramRealSystem, CholeskySolvesThePositiveDefiniteOnes) {
+    for (const char* name : {"494_bus", "bcsstk01", "bcsstk03", "bcsstk22", "nos4"}) {
+        for (const char* method : {"llt", "uut", "auto"}) {
+            const Answer result = solve(name, method);
+            EXPECT_EQ(result.status, 0) << name << result.err;
+            EXPECT_LT(number_after(result.out, "residual"), 1e-14) << name << " " << method;
+            EXPECT_LT(std::fabs(number_after(result.out, "growth") - 1), 1e-6) << name;
+        }
+    }
+}
+
+TEST_F(ProgramRealSystem, LuSolvesThoseThatItsPivotsSuit) {
+    for (const char* name : {"west0067", "gre_343", "bcsstk01"}) {
+        const Answer result = solve(name, "lud");
+        EXPECT_EQ(result.status, 0) << name << result.err;
+        const double growth = number_after(result.out, "growth");
+        EXPECT_GE(growth, 0.5) << name;
+        EXPECT_LT(number_after(result.out, "residual"), 1e-14 * std::max(1.0, growth)) << name;
+    }
+}
+
+}  // namespace
+}  // namespace program_test

@@ -1,0 +1,29 @@
+// The commands of the program, in one table: commands.cpp lists them, each lives in a file of its
+// own under commands/, which defines its declare function.
+#pragma once
+
+#include <functional>
+#include <span>
+
+namespace CLI {
+class App;
+}
+
+namespace program {
+
+// What a command does once its arguments are read. It throws InputError or Failure.
+using Action = std::function<void()>;
+
+struct Command {
+    const char* name;
+    const char* summary;
+    Action (*declare)(CLI::App& arguments);  // declares the command's arguments
+};
+
+std::span<const Command> command_table();
+
+Action declare_solve(CLI::App& arguments);
+Action declare_determinant(CLI::App& arguments);
+Action declare_info(CLI::App& arguments);
+
+}  // namespace program

@@ -1,0 +1,214 @@
+#include "numbers/methods.h"
+
+#include <chrono>
+#include <cmath>
+#include <type_traits>
+
+#include "long_step.h"
+
+namespace program {
+namespace {
+
+double seconds_since(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// max |a_i|; NaN when there is one.
+template <class Real>
+double largest_magnitude(const Real* a, std::ptrdiff_t count) {
+    double largest = 0;
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        const double magnitude = std::fabs(static_cast<double>(a[i]));
+        if (std::isnan(magnitude)) return magnitude;
+        if (magnitude > largest) largest = magnitude;
+    }
+    return largest;
+}
+
+template <class Real>
+double largest_magnitude(const typename Twin<Real>::Matrix& a) {
+    return largest_magnitude(a.p()[0], static_cast<std::ptrdiff_t>(a.mh()) * a.mw());
+}
+
+template <class Solver>
+[[noreturn]] void fail(const Solver& solver, const Method& method, const std::string& hint) {
+    throw MethodFailed(std::string("the method ") + method.name + " (" + method.equation +
+                       ") cannot solve this system:\n" + solver.gft_Get_Failure_Trace().c_str() +
+                       (hint.empty() ? "" : "\n" + hint));
+}
+
+// Runs solve(b, x) on vectors where there is one right-hand side, on matrices otherwise.
+template <class Real, class Solve>
+bool solve_columns(const typename Twin<Real>::Matrix& b, Solution<Real>& solution, Solve solve) {
+    if (b.mw() != 1) return solve(&b, &solution.x);
+    typename Twin<Real>::Vector column, x;
+    b.gc_Get_Column(0, 0, b.mh(), &column);
+    if (!solve(&column, &x)) return false;
+    if (solution.x.c_Create(x.vs(), 1) == nullptr) return false;
+    for (int i = 0; i < x.vs(); ++i) solution.x[i][0] = x[i];
+    return true;
+}
+
+// growth = max |U| / max |A|
+template <class Real>
+void solve_by_lud(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                  Solution<Real>& solution) {
+    typename Twin<Real>::Solver solver;
+    typename Twin<Real>::Lower l;
+    typename Twin<Real>::Upper u;
+    CNqVectorInt perm;
+    int interchanges = 0;
+    const LongStep step("factoring P A = L U");
+    auto start = std::chrono::steady_clock::now();
+    if (!solver.dluc_Decompose_into_LU_matrices_by_Crout(&a, &l, &u, &perm, interchanges))
+        fail(solver, *solution.method,
+             "An exact zero pivot of this rule does not prove that the matrix is singular: "
+             "an orthogonal factorization (qrd) decides, and --method gje may solve it.");
+    solution.factor_seconds = seconds_since(start);
+    solution.growth = largest_magnitude(u.p(), u.vs()) / largest_magnitude<Real>(a);
+    solution.growth_is = "max|U| / max|A|";
+    start = std::chrono::steady_clock::now();
+    if (!solve_columns<Real>(b, solution, [&](const auto* right, auto* x) {
+            return solver.u_slu_Solve_based_on_LUD(&l, &u, &perm, right, x);
+        }))
+        fail(solver, *solution.method, "");
+    solution.solve_seconds = seconds_since(start);
+}
+
+// growth = max |factor|^2 / max |A|. The squares of a row of the factor sum up to the diagonal
+// element of A, so it is one.
+template <class Real, class Factor, class SolveByFactor>
+void solve_by_cholesky(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                       Solution<Real>& solution, SolveByFactor solve_by_factor) {
+    typename Twin<Real>::Solver solver;
+    typename Twin<Real>::Symmetric packed;
+    Factor factor;
+    const LongStep step(std::string("factoring ") + solution.method->equation);
+    auto start = std::chrono::steady_clock::now();
+    packed.i_Import(&a);
+    if (packed.mh_Matrix_Height() != a.mh())
+        throw Failure("there is not enough memory for the factorization");
+    if (!solver.dch_Decompose_matrix_by_Cholesky_algorithm(&packed, &factor))
+        fail(solver, *solution.method, "");
+    solution.factor_seconds = seconds_since(start);
+    const double largest = largest_magnitude(factor.p(), factor.vs());
+    solution.growth = largest / largest_magnitude<Real>(a) * largest;
+    solution.growth_is = "max|factor|^2 / max|A|";
+    start = std::chrono::steady_clock::now();
+    if (!solve_columns<Real>(b, solution, [&](const auto* right, auto* x) {
+            return solve_by_factor(solver, &factor, right, x);
+        }))
+        fail(solver, *solution.method, "");
+    solution.solve_seconds = seconds_since(start);
+}
+
+template <class Real>
+void solve_by_llt(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                  Solution<Real>& solution) {
+    solve_by_cholesky<Real, typename Twin<Real>::Lower>(
+        a, b, solution, [](auto& solver, const auto* factor, const auto* right, auto* x) {
+            return solver.u_sll_Solve_based_on_LLD(factor, right, x);
+        });
+}
+
+template <class Real>
+void solve_by_uut(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                  Solution<Real>& solution) {
+    solve_by_cholesky<Real, typename Twin<Real>::Upper>(
+        a, b, solution, [](auto& solver, const auto* factor, const auto* right, auto* x) {
+            return solver.u_suu_Solve_based_on_UUD(factor, right, x);
+        });
+}
+
+template <class Real>
+void solve_by_gje(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                  Solution<Real>& solution) {
+    typename Twin<Real>::Solver solver;
+    const LongStep step("eliminating by Gauss-Jordan");
+    const auto start = std::chrono::steady_clock::now();
+    if (!solve_columns<Real>(b, solution, [&](const auto* right, auto* x) {
+            return solver.sgj_Solve_based_on_GJE(&a, right, x);
+        }))
+        fail(solver, *solution.method, "");
+    solution.solve_seconds = seconds_since(start);
+}
+
+constexpr Method kMethods[] = {
+    {"lud", "P A = L U",
+     "LU by Crout's scheme, which chooses each pivot before its column is updated: it refuses "
+     "many regular matrices and its factors can grow without bound",
+     false, solve_by_lud<double>, solve_by_lud<float>},
+    {"llt", "A = L L'", "Cholesky with a lower factor, for symmetric positive definite matrices",
+     true, solve_by_llt<double>, solve_by_llt<float>},
+    {"uut", "A = U U'", "Cholesky with an upper factor, for symmetric positive definite matrices",
+     true, solve_by_uut<double>, solve_by_uut<float>},
+    {"gje", "Gauss-Jordan",
+     "elimination with full pivot search, which scales by the magnitude of each pivot: one "
+     "negative pivot makes the solution wrong",
+     false, solve_by_gje<double>, solve_by_gje<float>},
+};
+
+template <class Real>
+void run(const Method& method, const typename Twin<Real>::Matrix& a,
+         const typename Twin<Real>::Matrix& b, Solution<Real>& solution) {
+    solution.method = &method;
+    if constexpr (std::is_same_v<Real, float>)
+        method.in_float(a, b, solution);
+    else
+        method.in_double(a, b, solution);
+}
+
+template <class Real>
+bool has_positive_diagonal(const typename Twin<Real>::Matrix& a) {
+    for (int i = 0; i < a.mh(); ++i)
+        if (!(a[i][i] > 0)) return false;
+    return true;
+}
+
+template <class Real>
+void solve_by_auto(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                   Solution<Real>& solution) {
+    const typename Twin<Real>::Solver solver;
+    const bool symmetric = solver.is_Is_Symmetric(&a);
+    if (symmetric && has_positive_diagonal<Real>(a)) {
+        try {
+            run(*find_method("llt"), a, b, solution);
+            solution.reason = "the matrix is symmetric and positive definite";
+            return;
+        } catch (const MethodFailed&) {
+            // Not positive definite, which only the attempt can tell.
+        }
+    }
+    solution.reason = symmetric ? "the matrix is symmetric but not positive definite"
+                                : "the matrix is not symmetric";
+    run(*find_method("lud"), a, b, solution);
+}
+
+}  // namespace
+
+std::span<const Method> method_table() {
+    return kMethods;
+}
+
+const Method* find_method(const std::string& name) {
+    for (const Method& method : kMethods)
+        if (name == method.name) return &method;
+    return nullptr;
+}
+
+template <class Real>
+Solution<Real> solve_by(const std::string& name, const typename Twin<Real>::Matrix& a,
+                        const typename Twin<Real>::Matrix& b) {
+    Solution<Real> solution;
+    if (name == "auto")
+        solve_by_auto<Real>(a, b, solution);
+    else
+        run<Real>(*find_method(name), a, b, solution);
+    return solution;
+}
+
+template Solution<double> solve_by<double>(const std::string&, const CNqMatrix&, const CNqMatrix&);
+template Solution<float> solve_by<float>(const std::string&, const CNqMatrixFloat&,
+                                         const CNqMatrixFloat&);
+
+}  // namespace program

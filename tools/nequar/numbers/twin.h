@@ -1,0 +1,33 @@
+// The library's classes by element type, so that each command is written once for double and float.
+#pragma once
+
+#include <nequar_algebra/nequar_algebra.h>
+
+namespace program {
+
+template <class Real>
+struct Twin;
+
+template <>
+struct Twin<double> {
+    static constexpr const char* precision = "double";
+    using Matrix = CNqMatrix;
+    using Vector = CNqVector;
+    using Symmetric = CNqMatrix_Symmetric;
+    using Lower = CNqMatrix_TriangularLower;
+    using Upper = CNqMatrix_TriangularUpper;
+    using Solver = LCNqUtility_for_Linear_Equation;
+};
+
+template <>
+struct Twin<float> {
+    static constexpr const char* precision = "single";
+    using Matrix = CNqMatrixFloat;
+    using Vector = CNqVectorFloat;
+    using Symmetric = CNqMatrixFloat_Symmetric;
+    using Lower = CNqMatrixFloat_TriangularLower;
+    using Upper = CNqMatrixFloat_TriangularUpper;
+    using Solver = LCNqUtility_for_Linear_Equation_Float;
+};
+
+}  // namespace program
