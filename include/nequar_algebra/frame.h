@@ -3,7 +3,14 @@
 #pragma once
 
 #include "nequar_algebra/frame/class.h"
+#include "nequar_algebra/frame/gamma.h"
+#include "nequar_algebra/frame/growable_matrix.h"
+#include "nequar_algebra/frame/growable_vector.h"
 #include "nequar_algebra/frame/matrix.h"
 #include "nequar_algebra/frame/message.h"
+#include "nequar_algebra/frame/random.h"
+#include "nequar_algebra/frame/ranker.h"
 #include "nequar_algebra/frame/string.h"
 #include "nequar_algebra/frame/vector.h"
+#include "nequar_algebra/frame/vector_queue.h"
+#include "nequar_algebra/frame/vector_set.h"

@@ -44,7 +44,7 @@ public:
 private:
     Element* data_ = nullptr;
     void* heap_ = nullptr;
-    alignas(64) unsigned char inline_[InlineBytes];
+    alignas(64) unsigned char inline_[static_cast<std::size_t>(InlineBytes)];
 };
 
 }  // namespace nequar
