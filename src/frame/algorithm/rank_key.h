@@ -1,0 +1,37 @@
+// Unsigned keys whose ascending order is the descending order of the numbers they stand for:
+//
+//   +inf < ... < 1 < ... < 0 = -0 < ... < -1 < ... < -inf < NaN
+//
+// An IEEE number x >= 0 read as an integer grows with x, and one below 0 shrinks; complementing the
+// one and clearing the sign of the other puts both on one ascending scale.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+namespace nequar {
+
+template <class Real>
+using RankKey = std::conditional_t<std::is_same_v<Real, float>, std::uint32_t, std::uint64_t>;
+
+template <class Real>
+inline RankKey<Real> rank_key(Real x) {
+    using Key = RankKey<Real>;
+    constexpr Key kSign = Key(1) << (std::numeric_limits<Key>::digits - 1);
+    const Key bits = std::bit_cast<Key>(x + Real(0));  // -0 + 0 = 0
+    const Key key = (bits & kSign) != 0 ? bits : Key(~bits & ~kSign);
+    return x == x ? key : std::numeric_limits<Key>::max();
+}
+
+// The number of a key, a zero without its sign and a NaN without its payload.
+template <class Real>
+inline Real ranked_number(RankKey<Real> key) {
+    using Key = RankKey<Real>;
+    constexpr Key kSign = Key(1) << (std::numeric_limits<Key>::digits - 1);
+    if (key == std::numeric_limits<Key>::max()) return std::numeric_limits<Real>::quiet_NaN();
+    return std::bit_cast<Real>((key & kSign) != 0 ? key : Key(~key & ~kSign));
+}
+
+}  // namespace nequar
