@@ -4,4 +4,3 @@
 #include "nequar_algebra/algebra.h"
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/structured.h"
-#include "nequar_algebra/structured.h"
