@@ -46,7 +46,22 @@ const char* name_of(Variant variant) {
 }
 
 bool can_run(Variant variant) {
-    return variant == Variant::reference;
+    switch (variant) {
+        case Variant::reference:
+        case Variant::baseline:
+            return true;
+#if defined(__x86_64__)
+        // The builtins ask the CPU, and whether the system saves the wide registers.
+        case Variant::avx2:
+            return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
+        case Variant::avx512:
+            return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
+                   __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
+                   __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512bw");
+#endif
+        default:
+            return false;
+    }
 }
 
 Variant best_up_to(Variant wanted) {
@@ -58,12 +73,35 @@ Variant best_up_to(Variant wanted) {
 }
 
 template <>
-const Table<double>& table_of(Variant) {
-    return reference::table_of_double();
+const Table<double>& table_of(Variant variant) {
+    switch (variant) {
+        case Variant::baseline:
+            return baseline::table_of_double();
+#if defined(__x86_64__)
+        case Variant::avx2:
+            return avx2::table_of_double();
+        case Variant::avx512:
+            return avx512::table_of_double();
+#endif
+        default:
+            return reference::table_of_double();
+    }
 }
+
 template <>
-const Table<float>& table_of(Variant) {
-    return reference::table_of_float();
+const Table<float>& table_of(Variant variant) {
+    switch (variant) {
+        case Variant::baseline:
+            return baseline::table_of_float();
+#if defined(__x86_64__)
+        case Variant::avx2:
+            return avx2::table_of_float();
+        case Variant::avx512:
+            return avx512::table_of_float();
+#endif
+        default:
+            return reference::table_of_float();
+    }
 }
 
 namespace detail {

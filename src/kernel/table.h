@@ -78,9 +78,17 @@ struct Table {
 
 // The tables of the variants that were compiled in. Reading one is safe on every CPU; calling its
 // entries is not.
-namespace reference {
-const Table<double>& table_of_double();
-const Table<float>& table_of_float();
-}  // namespace reference
+#define NEQUAR_DECLARE_TABLES(variant)      \
+    namespace variant {                     \
+    const Table<double>& table_of_double(); \
+    const Table<float>& table_of_float();   \
+    }
+NEQUAR_DECLARE_TABLES(reference)
+NEQUAR_DECLARE_TABLES(baseline)
+#if defined(__x86_64__)
+NEQUAR_DECLARE_TABLES(avx2)
+NEQUAR_DECLARE_TABLES(avx512)
+#endif
+#undef NEQUAR_DECLARE_TABLES
 
 }  // namespace nequar::kernel

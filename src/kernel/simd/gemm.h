@@ -1,0 +1,352 @@
+// C := alpha A B (+ C), or a triangle of it: the loops around the micro-kernels.
+//
+//     for columns jc of C in steps of NC          B(pc, jc) packed: kc x nc, stays in the last
+//     cache
+//       for pc of k in steps of KC
+//         for rows ic of C in steps of MC         A(ic, pc) packed: mc x kc, stays in the second
+//         cache
+//           for panels jr of the packed B         kc x NV vectors, stays in the first cache
+//             for panels ir of the packed A       micro-kernel: one tile of C
+//
+// (Goto, van de Geijn, Anatomy of High-Performance Matrix Multiplication, ACM TOMS 34, 2008.)
+//
+// What is small is not packed: the micro-kernels read A through any strides, and B where its rows
+// are contiguous. C has unit stride along its rows; a C whose columns are contiguous is the
+// transposed product, any other C is written tile by tile from scratch. Where packing memory cannot
+// be had, the same loops run with blocks that fit a small buffer on the stack.
+#pragma once
+
+#include "kernel/memory.h"
+#include "kernel/simd/pack.h"
+#include "kernel/simd/tile.h"
+
+namespace nequar::kernel::NEQUAR_UNIT {
+
+enum class Region { all, lower, upper };  // the part of C that is wanted, with the diagonal
+
+template <class Real>
+struct Product {
+    Size m;
+    Size n;
+    Size k;
+    Real alpha;
+    Block<const Real> a;
+    Block<const Real> b;
+    bool accumulate;
+    Block<Real> c;
+    Region region;
+};
+
+template <class Real>
+NEQUAR_INLINE Block<Real> moved(const Block<Real>& block, Size i, Size j) {
+    return {block.data + i * block.row_stride + j * block.column_stride, block.row_stride,
+            block.column_stride};
+}
+
+template <class Real>
+NEQUAR_INLINE Block<Real> transposed(const Block<Real>& block) {
+    return {block.data, block.column_stride, block.row_stride};
+}
+
+// ---- one block of C
+// -------------------------------------------------------------------------------
+
+// A block product: rows [i0, i0 + mc), columns [j0, j0 + nc) of C, kc steps. A and B are packed or
+// the operands themselves.
+template <class Real>
+struct BlockProduct {
+    Size i0;
+    Size j0;
+    Size mc;
+    Size nc;
+    Size kc;
+    Block<const Real> a;
+    Block<const Real> b;
+    bool packed_a;
+    bool packed_b;
+    bool accumulate;
+};
+
+// The columns of a block in panels of whole vectors. Packed panels have one size; panels that are
+// read in place may be one vector wider where that avoids a narrow one.
+template <class Real>
+NEQUAR_INLINE Partition vector_panels(Size columns, bool packed) {
+    const Size vectors = (columns + kLanes<Real> - 1) / kLanes<Real>;
+    if (packed || kPackedVectors == kMostVectors) return partition(vectors, kPackedVectors);
+    const Size parts = vectors <= kMostVectors ? 1 : vectors / kPackedVectors;
+    return {parts, vectors / parts, vectors % parts};
+}
+
+// Tile at (i, j) of C, height x width, from scratch into C: what lies in the region alone.
+template <class Real>
+void merge_tile(const Product<Real>& product, Size i, Size j, Size height, Size width,
+                const Real* scratch, Size scratch_row, bool accumulate) {
+    for (Size r = 0; r < height; ++r) {
+        Size first = 0;
+        Size last = width;
+        if (product.region == Region::lower) last = smaller(width, i + r - j + 1);
+        if (product.region == Region::upper) first = i + r - j > 0 ? i + r - j : 0;
+        Real* c = product.c.data + (i + r) * product.c.row_stride + j * product.c.column_stride;
+        for (Size s = first; s < last; ++s) {
+            Real& element = c[s * product.c.column_stride];
+            const Real value = scratch[r * scratch_row + s];
+            element = accumulate ? element + value : value;
+        }
+    }
+}
+
+enum class Placement { outside, crossing, inside };
+
+// Where a tile lies with respect to the wanted region.
+template <class Real>
+NEQUAR_INLINE Placement placement_of(const Product<Real>& product, Size i, Size j, Size height,
+                                     Size width) {
+    if (product.region == Region::all) return Placement::inside;
+    if (product.region == Region::lower) {
+        if (j > i + height - 1) return Placement::outside;
+        return j + width - 1 <= i ? Placement::inside : Placement::crossing;
+    }
+    if (i > j + width - 1) return Placement::outside;
+    return i + height - 1 <= j ? Placement::inside : Placement::crossing;
+}
+
+template <class Real>
+void multiply_block(const Product<Real>& product, const BlockProduct<Real>& block) {
+    constexpr Size lanes = kLanes<Real>;
+    const bool packed = block.packed_a && block.packed_b;
+    const bool in_place = product.c.column_stride == 1 || product.n == 1;
+    const Partition panels = vector_panels<Real>(block.nc, block.packed_b);
+    TileTask<Real> task;
+    task.k = block.kc;
+    task.a_row = block.a.row_stride;
+    task.a_column = block.a.column_stride;
+    task.alpha = product.alpha;
+    Size j = 0;
+    for (Size panel = 0; panel < panels.parts; ++panel) {
+        const Size vectors = size_of_part(panels, panel);
+        const Size width = smaller(vectors * lanes, block.nc - j);
+        const bool partial = width < vectors * lanes;
+        const Partition rows = partition(
+            block.mc, block.packed_a ? Size(kPackedRows) : Size(most_rows(unsigned(vectors))));
+        const TileKernel<Real> small =
+            rows.small > 0 ? tile_kernel<Real>(packed, partial, vectors, rows.small) : nullptr;
+        const TileKernel<Real> large =
+            rows.larges > 0 ? tile_kernel<Real>(packed, partial, vectors, rows.small + 1) : small;
+        task.last = first_lanes<Real>(width - (vectors - 1) * lanes);
+        task.b = block.packed_b ? block.b.data + j * block.kc : block.b.data + j;
+        task.b_row = block.packed_b ? vectors * lanes : block.b.row_stride;
+        Size i = 0;
+        for (Size part = 0; part < rows.parts; ++part) {
+            const Size height = size_of_part(rows, part);
+            const TileKernel<Real> kernel = part < rows.larges ? large : small;
+            const Size row = block.i0 + i;
+            const Size column = block.j0 + j;
+            const Placement placement = placement_of(product, row, column, height, width);
+            if (placement != Placement::outside) {
+                if (block.packed_a) {
+                    task.a = block.a.data + i * block.kc;
+                    task.a_row = 1;
+                    task.a_column = height;
+                } else {
+                    task.a = block.a.data + i * block.a.row_stride;
+                }
+                if (in_place && placement == Placement::inside) {
+                    task.c = product.c.data + row * product.c.row_stride + column;
+                    task.c_row = product.c.row_stride;
+                    task.accumulate = block.accumulate;
+                    kernel(task);
+                } else {
+                    Real scratch[kMostRows * kMostVectors * unsigned(lanes)];
+                    task.c = scratch;
+                    task.c_row = vectors * lanes;
+                    task.accumulate = false;
+                    kernel(task);
+                    merge_tile(product, row, column, height, width, scratch, task.c_row,
+                               block.accumulate);
+                }
+            }
+            i += height;
+        }
+        j += vectors * lanes;
+    }
+}
+
+// ---- the loops over blocks
+// ------------------------------------------------------------------------
+
+// Block sizes, and whether A and B are packed.
+struct Blocking {
+    Size mc;
+    Size nc;
+    Size kc;
+    bool pack_a;
+    bool pack_b;
+};
+
+template <class Real>
+NEQUAR_INLINE Size packed_a_elements(const Blocking& blocking) {
+    return blocking.pack_a ? round_up(blocking.mc * blocking.kc, 64 / Size(sizeof(Real))) : 0;
+}
+template <class Real>
+NEQUAR_INLINE Size packed_b_elements(const Blocking& blocking) {
+    return blocking.pack_b ? round_up(blocking.nc, kLanes<Real>) * blocking.kc : 0;
+}
+
+// Whether nothing of the block of C is wanted.
+template <class Real>
+NEQUAR_INLINE bool skips(const Product<Real>& product, Size i, Size j, Size height, Size width) {
+    return placement_of(product, i, j, height, width) == Placement::outside;
+}
+
+template <class Real>
+void multiply_in_blocks(const Product<Real>& product, const Blocking& blocking, Real* packed_a,
+                        Real* packed_b) {
+    const Partition columns = partition(product.n, blocking.nc);
+    const Partition steps = partition(product.k, blocking.kc);
+    const Partition rows = partition(product.m, blocking.mc);
+    BlockProduct<Real> block;
+    block.packed_a = blocking.pack_a;
+    block.packed_b = blocking.pack_b;
+    block.j0 = 0;
+    for (Size jc = 0; jc < columns.parts; ++jc, block.j0 += block.nc) {
+        block.nc = size_of_part(columns, jc);
+        Size p0 = 0;
+        for (Size pc = 0; pc < steps.parts; ++pc, p0 += block.kc) {
+            block.kc = size_of_part(steps, pc);
+            block.accumulate = product.accumulate || pc > 0;
+            block.b = moved(product.b, p0, block.j0);
+            if (blocking.pack_b) {
+                pack_b(vector_panels<Real>(block.nc, true), block.nc, block.kc, block.b, packed_b);
+                block.b = {packed_b, 0, 0};
+            }
+            block.i0 = 0;
+            for (Size ic = 0; ic < rows.parts; ++ic, block.i0 += block.mc) {
+                block.mc = size_of_part(rows, ic);
+                if (skips(product, block.i0, block.j0, block.mc, block.nc)) continue;
+                block.a = moved(product.a, block.i0, p0);
+                if (blocking.pack_a) {
+                    pack_a(partition(block.mc, kPackedRows), block.kc, block.a, packed_a);
+                    block.a = {packed_a, 0, 0};
+                }
+                multiply_block(product, block);
+            }
+        }
+    }
+}
+
+// ---- the choice of blocks
+// -------------------------------------------------------------------------
+
+inline constexpr unsigned kStackBytes = 32768;
+
+template <class Real>
+__attribute__((noinline)) void multiply_on_stack(const Product<Real>& product,
+                                                 const Blocking& blocking) {
+    alignas(64) Real buffer[kStackBytes / sizeof(Real)];
+    multiply_in_blocks(product, blocking, buffer, buffer + packed_a_elements<Real>(blocking));
+}
+
+// B in panels that fit the stack, A in place: slower, and needs no memory.
+template <class Real>
+Blocking frugal_blocking() {
+    constexpr Size nc = Size(kPackedVectors) * kLanes<Real>;
+    return {.mc = 1 << 20,
+            .nc = nc,
+            .kc = Size(kStackBytes / sizeof(Real)) / nc,
+            .pack_a = false,
+            .pack_b = true};
+}
+
+template <class Real>
+Blocking packed_blocking(const Product<Real>& product) {
+    const CacheSizes& caches = cache_sizes();
+    constexpr Size size = sizeof(Real);
+    constexpr Size panel = Size(kPackedVectors) * kLanes<Real>;
+    // A panel of B takes half to three quarters of the first cache, a block of A half of the
+    // second, the block of B a part of the last.
+    const Size kc_most = round_up(caches.first * 5 / 8 / (panel * size) - 15, 16);
+    const Size kc = partition(product.k, kc_most).small + 1;
+    const Size mc_most = caches.second / 2 / (kc * size);
+    const Size nc_most = smaller(caches.last / 4, Size(4) << 20) / (kc * size);
+    return {.mc = mc_most, .nc = nc_most, .kc = kc_most, .pack_a = true, .pack_b = true};
+}
+
+template <class Real>
+void multiply(const Product<Real>& product) {
+    constexpr Size size = sizeof(Real);
+    const bool rows_of_b = product.b.column_stride == 1 || product.n == 1;
+    const Size bytes_of_b = round_up(product.n, kLanes<Real>) * product.k * size;
+    if (rows_of_b && bytes_of_b <= 65536 && product.m * product.k * size <= 65536) {
+        const Blocking blocking = {product.m, product.n, product.k, false, false};
+        multiply_in_blocks<Real>(product, blocking, nullptr, nullptr);
+        return;
+    }
+    if (bytes_of_b <= Size(kStackBytes)) {
+        multiply_on_stack(product, {product.m, product.n, product.k, false, true});
+        return;
+    }
+    Blocking blocking = packed_blocking(product);
+    blocking.mc = smaller(blocking.mc, product.m);
+    blocking.nc = smaller(blocking.nc, product.n);
+    blocking.kc = smaller(blocking.kc, product.k);
+    const Size elements_of_a = packed_a_elements<Real>(blocking);
+    const Size bytes = (elements_of_a + packed_b_elements<Real>(blocking)) * size;
+    Real* buffer = static_cast<Real*>(allocate_scratch(bytes));
+    if (buffer == nullptr) {
+        multiply_on_stack(product, frugal_blocking<Real>());
+        return;
+    }
+    multiply_in_blocks(product, blocking, buffer, buffer + elements_of_a);
+    release_scratch(buffer);
+}
+
+// ---- the entries
+// ----------------------------------------------------------------------------------
+
+template <class Real>
+void clear_region(const Product<Real>& product) {
+    for (Size i = 0; i < product.m; ++i) {
+        const Size first = product.region == Region::upper ? i : 0;
+        const Size last = product.region == Region::lower ? i + 1 : product.n;
+        for (Size j = first; j < last; ++j) *moved(product.c, i, j).data = 0;
+    }
+}
+
+template <class Real>
+NEQUAR_INLINE void multiply_any(Product<Real> product) {
+    if (product.m <= 0 || product.n <= 0) return;
+    if (product.k <= 0) {
+        if (!product.accumulate) clear_region(product);
+        return;
+    }
+    if (product.c.column_stride != 1 && product.c.row_stride == 1 && product.n > 1) {
+        const Region region = product.region == Region::lower   ? Region::upper
+                              : product.region == Region::upper ? Region::lower
+                                                                : Region::all;
+        product = {product.n,
+                   product.m,
+                   product.k,
+                   product.alpha,
+                   transposed(product.b),
+                   transposed(product.a),
+                   product.accumulate,
+                   transposed(product.c),
+                   region};
+    }
+    multiply(product);
+}
+
+template <class Real>
+void gemm(Size m, Size n, Size k, Real alpha, Block<const Real> a, Block<const Real> b,
+          bool accumulate, Block<Real> c) {
+    multiply_any<Real>({m, n, k, alpha, a, b, accumulate, c, Region::all});
+}
+
+template <class Real>
+void gemmt(bool lower, Size n, Size k, Real alpha, Block<const Real> a, Block<const Real> b,
+           bool accumulate, Block<Real> c) {
+    multiply_any<Real>(
+        {n, n, k, alpha, a, b, accumulate, c, lower ? Region::lower : Region::upper});
+}
+
+}  // namespace nequar::kernel::NEQUAR_UNIT

@@ -1,0 +1,162 @@
+// Level 1 sums and searches. Contiguous vectors go into several accumulators, so that neither the
+// latency of the addition nor its order is that of a single chain; strided ones into four.
+#pragma once
+
+#include "kernel/simd/vector.h"
+
+namespace nequar::kernel::NEQUAR_UNIT {
+
+inline constexpr unsigned kAccumulators = 8;
+
+// The sum over i of what step(acc, i, load) adds; `load_at` reads a vector (whole or partial),
+// lanes past the end as zero.
+template <class Real, class Step>
+NEQUAR_INLINE Real accumulate_vectors(Size n, Step step) {
+    constexpr Size lanes = kLanes<Real>;
+    Vector<Real> acc[kAccumulators] = {};
+    Size i = 0;
+    for (; i + Size(kAccumulators) * lanes <= n; i += Size(kAccumulators) * lanes) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < kAccumulators; ++u) {
+            acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+        }
+    }
+    for (; i + 2 * lanes <= n; i += 2 * lanes) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < 2; ++u) {
+            acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+        }
+    }
+    if (i + lanes <= n) {
+        acc[2] = step(acc[2], [at = i](const Real* p) { return load(p + at); });
+        i += lanes;
+    }
+    if (i < n) {
+        const FirstLanes<Real> last = first_lanes<Real>(n - i);
+        acc[3] = step(acc[3], [at = i, last](const Real* p) { return load(p + at, last); });
+    }
+    NEQUAR_UNROLL for (unsigned half = kAccumulators / 2; half > 0; half /= 2) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < half; ++u) acc[u] += acc[u + half];
+    }
+    return sum_of_lanes<Real>(acc[0]);
+}
+
+// The sum of term(i), in four chains.
+template <class Real, class Term>
+NEQUAR_INLINE Real accumulate_elements(Size n, Term term) {
+    Real acc[4] = {};
+    Size i = 0;
+    for (; i + 4 <= n; i += 4) {
+        NEQUAR_UNROLL for (Size u = 0; u < 4; ++u) acc[u] += term(i + u);
+    }
+    for (; i < n; ++i) acc[0] += term(i);
+    return (acc[0] + acc[2]) + (acc[1] + acc[3]);
+}
+
+template <class Real>
+Real dot(Size n, const Real* x, Size sx, const Real* y, Size sy) {
+    if (sx == 1 && sy == 1) {
+        return accumulate_vectors<Real>(
+            n, [=](Vector<Real> acc, auto at) { return multiply_add(at(x), at(y), acc); });
+    }
+    return accumulate_elements<Real>(n, [=](Size i) { return x[i * sx] * y[i * sy]; });
+}
+
+template <class Real>
+Real sum_of_magnitudes(Size n, const Real* x, Size sx) {
+    if (sx == 1) {
+        return accumulate_vectors<Real>(
+            n, [=](Vector<Real> acc, auto at) { return acc + magnitude<Real>(at(x)); });
+    }
+    return accumulate_elements<Real>(n, [=](Size i) {
+        const Real xi = x[i * sx];
+        return xi < 0 ? -xi : xi;
+    });
+}
+
+template <class Real>
+Real sum_of_squares(Size n, const Real* x, Size sx) {
+    if (sx == 1) {
+        return accumulate_vectors<Real>(n, [=](Vector<Real> acc, auto at) {
+            const Vector<Real> v = at(x);
+            return multiply_add(v, v, acc);
+        });
+    }
+    return accumulate_elements<Real>(n, [=](Size i) { return x[i * sx] * x[i * sx]; });
+}
+
+template <class Real>
+Real distance_squared(Size n, const Real* x, Size sx, const Real* y, Size sy) {
+    if (sx == 1 && sy == 1) {
+        return accumulate_vectors<Real>(n, [=](Vector<Real> acc, auto at) {
+            const Vector<Real> v = at(x) - at(y);
+            return multiply_add(v, v, acc);
+        });
+    }
+    return accumulate_elements<Real>(n, [=](Size i) {
+        const Real difference = x[i * sx] - y[i * sy];
+        return difference * difference;
+    });
+}
+
+template <class Real>
+NEQUAR_INLINE Real magnitude_of(Real x) {
+    return x < 0 ? -x : x;
+}
+
+// The largest magnitude of n contiguous elements; -1 when nothing but NaN is there.
+template <class Real>
+NEQUAR_INLINE Real largest_magnitude(Size n, const Real* x) {
+    constexpr Size lanes = kLanes<Real>;
+    Vector<Real> largest[4];
+    NEQUAR_UNROLL for (unsigned u = 0; u < 4; ++u) largest[u] = broadcast(Real(-1));
+    Size i = 0;
+    for (; i + 4 * lanes <= n; i += 4 * lanes) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < 4; ++u) {
+            largest[u] = larger<Real>(magnitude<Real>(load(x + i + u * lanes)), largest[u]);
+        }
+    }
+    for (; i + lanes <= n; i += lanes) {
+        largest[0] = larger<Real>(magnitude<Real>(load(x + i)), largest[0]);
+    }
+    largest[0] =
+        larger<Real>(larger<Real>(largest[0], largest[1]), larger<Real>(largest[2], largest[3]));
+    Real result = -1;
+    NEQUAR_UNROLL for (Size lane = 0; lane < lanes; ++lane) {
+        if (largest[0][lane] > result) result = largest[0][lane];
+    }
+    for (; i < n; ++i) {
+        if (magnitude_of(x[i]) > result) result = magnitude_of(x[i]);
+    }
+    return result;
+}
+
+// A stretch is searched for its largest magnitude, and again for the place only when that is above
+// what came before.
+template <class Real>
+Size index_of_largest_magnitude(Size n, const Real* x, Size sx) {
+    if (n <= 0) return -1;
+    Size index = 0;
+    Real best = -1;
+    if (sx == 1) {
+        constexpr Size stretch = 512;
+        for (Size start = 0; start < n; start += stretch) {
+            const Size count = n - start < stretch ? n - start : stretch;
+            const Real here = largest_magnitude(count, x + start);
+            if (here > best) {
+                best = here;
+                index = start;
+                while (magnitude_of(x[index]) != best) ++index;
+            }
+        }
+        return index;
+    }
+    for (Size i = 0; i < n; ++i) {
+        const Real here = magnitude_of(x[i * sx]);
+        if (here > best) {
+            best = here;
+            index = i;
+        }
+    }
+    return index;
+}
+
+}  // namespace nequar::kernel::NEQUAR_UNIT

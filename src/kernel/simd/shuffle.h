@@ -1,0 +1,167 @@
+// Transposition in registers: an N x N block, N a power of two up to the vector's lanes.
+//
+// Memory is read in pieces of 128 bits (E elements). Vector (g, e) takes in its lane l of 128 bits
+// the piece of row l E + e that holds columns g E ... g E + E - 1:
+//
+//        row 0   | p00 p01 |            vector (0,0) = p00 p20     vector (1,0) = p01 p21
+//        row 1   | p10 p11 |            vector (0,1) = p10 p30     vector (1,1) = p11 p31
+//        row 2   | p20 p21 |
+//        row 3   | p30 p31 |            (E = 2, N = 4)
+//
+// so that what is left is an E x E transposition inside the lanes, which every instruction set does
+// in one cycle a shuffle, and pieces are put together by loads.
+#pragma once
+
+#include "kernel/simd/vector.h"
+
+namespace nequar::kernel::NEQUAR_UNIT {
+
+template <class Real, unsigned N>
+struct Pack;  // a vector of N elements
+
+#define NEQUAR_DEFINE_PACK(Real, N)                                                            \
+    template <>                                                                                \
+    struct Pack<Real, N> {                                                                     \
+        typedef Real Type __attribute__((vector_size(N * sizeof(Real))));                      \
+        typedef Real Unaligned                                                                 \
+            __attribute__((vector_size(N * sizeof(Real)), aligned(alignof(Real)), may_alias)); \
+    };
+NEQUAR_DEFINE_PACK(double, 2)
+NEQUAR_DEFINE_PACK(double, 4)
+NEQUAR_DEFINE_PACK(double, 8)
+NEQUAR_DEFINE_PACK(float, 4)
+NEQUAR_DEFINE_PACK(float, 8)
+NEQUAR_DEFINE_PACK(float, 16)
+#undef NEQUAR_DEFINE_PACK
+
+template <class Real, unsigned N>
+using PackOf = typename Pack<Real, N>::Type;
+
+template <class Real>
+inline constexpr unsigned kPiece = 16 / sizeof(Real);  // elements in 128 bits
+
+template <unsigned N, class Real>
+NEQUAR_INLINE PackOf<Real, N> load_pack(const Real* p) {
+    return *reinterpret_cast<const typename Pack<Real, N>::Unaligned*>(p);
+}
+template <unsigned N, class Real>
+NEQUAR_INLINE void store_pack(Real* p, PackOf<Real, N> v) {
+    *reinterpret_cast<typename Pack<Real, N>::Unaligned*>(p) = v;
+}
+
+// Pieces of 128 bits from p, p + step, p + 2 step, ... put together.
+template <class Real, unsigned N>
+NEQUAR_INLINE PackOf<Real, N> gather_pieces(const Real* p, Size step) {
+    if constexpr (N == kPiece<Real>) {
+        return load_pack<N>(p);
+    } else {
+        const auto low = gather_pieces<Real, N / 2>(p, step);
+        const auto high = gather_pieces<Real, N / 2>(p + Size(N / 2 / kPiece<Real>) * step, step);
+        if constexpr (N == 4) {
+            return __builtin_shufflevector(low, high, 0, 1, 2, 3);
+        } else if constexpr (N == 8) {
+            return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
+        } else {
+            return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13,
+                                           14, 15);
+        }
+    }
+}
+
+// Inside each lane of 128 bits: rows in, columns out.
+NEQUAR_INLINE void transpose_lanes(PackOf<double, 2> (&v)[2]) {
+    const auto a = v[0], b = v[1];
+    v[0] = __builtin_shufflevector(a, b, 0, 2);
+    v[1] = __builtin_shufflevector(a, b, 1, 3);
+}
+NEQUAR_INLINE void transpose_lanes(PackOf<double, 4> (&v)[2]) {
+    const auto a = v[0], b = v[1];
+    v[0] = __builtin_shufflevector(a, b, 0, 4, 2, 6);
+    v[1] = __builtin_shufflevector(a, b, 1, 5, 3, 7);
+}
+NEQUAR_INLINE void transpose_lanes(PackOf<double, 8> (&v)[2]) {
+    const auto a = v[0], b = v[1];
+    v[0] = __builtin_shufflevector(a, b, 0, 8, 2, 10, 4, 12, 6, 14);
+    v[1] = __builtin_shufflevector(a, b, 1, 9, 3, 11, 5, 13, 7, 15);
+}
+NEQUAR_INLINE void transpose_lanes(PackOf<float, 4> (&v)[4]) {
+    const auto ab_low = __builtin_shufflevector(v[0], v[1], 0, 4, 1, 5);
+    const auto ab_high = __builtin_shufflevector(v[0], v[1], 2, 6, 3, 7);
+    const auto cd_low = __builtin_shufflevector(v[2], v[3], 0, 4, 1, 5);
+    const auto cd_high = __builtin_shufflevector(v[2], v[3], 2, 6, 3, 7);
+    v[0] = __builtin_shufflevector(ab_low, cd_low, 0, 1, 4, 5);
+    v[1] = __builtin_shufflevector(ab_low, cd_low, 2, 3, 6, 7);
+    v[2] = __builtin_shufflevector(ab_high, cd_high, 0, 1, 4, 5);
+    v[3] = __builtin_shufflevector(ab_high, cd_high, 2, 3, 6, 7);
+}
+NEQUAR_INLINE void transpose_lanes(PackOf<float, 8> (&v)[4]) {
+    const auto ab_low = __builtin_shufflevector(v[0], v[1], 0, 8, 1, 9, 4, 12, 5, 13);
+    const auto ab_high = __builtin_shufflevector(v[0], v[1], 2, 10, 3, 11, 6, 14, 7, 15);
+    const auto cd_low = __builtin_shufflevector(v[2], v[3], 0, 8, 1, 9, 4, 12, 5, 13);
+    const auto cd_high = __builtin_shufflevector(v[2], v[3], 2, 10, 3, 11, 6, 14, 7, 15);
+    v[0] = __builtin_shufflevector(ab_low, cd_low, 0, 1, 8, 9, 4, 5, 12, 13);
+    v[1] = __builtin_shufflevector(ab_low, cd_low, 2, 3, 10, 11, 6, 7, 14, 15);
+    v[2] = __builtin_shufflevector(ab_high, cd_high, 0, 1, 8, 9, 4, 5, 12, 13);
+    v[3] = __builtin_shufflevector(ab_high, cd_high, 2, 3, 10, 11, 6, 7, 14, 15);
+}
+NEQUAR_INLINE void transpose_lanes(PackOf<float, 16> (&v)[4]) {
+    const auto ab_low = __builtin_shufflevector(v[0], v[1], 0, 16, 1, 17, 4, 20, 5, 21, 8, 24, 9,
+                                                25, 12, 28, 13, 29);
+    const auto ab_high = __builtin_shufflevector(v[0], v[1], 2, 18, 3, 19, 6, 22, 7, 23, 10, 26, 11,
+                                                 27, 14, 30, 15, 31);
+    const auto cd_low = __builtin_shufflevector(v[2], v[3], 0, 16, 1, 17, 4, 20, 5, 21, 8, 24, 9,
+                                                25, 12, 28, 13, 29);
+    const auto cd_high = __builtin_shufflevector(v[2], v[3], 2, 18, 3, 19, 6, 22, 7, 23, 10, 26, 11,
+                                                 27, 14, 30, 15, 31);
+    v[0] = __builtin_shufflevector(ab_low, cd_low, 0, 1, 16, 17, 4, 5, 20, 21, 8, 9, 24, 25, 12, 13,
+                                   28, 29);
+    v[1] = __builtin_shufflevector(ab_low, cd_low, 2, 3, 18, 19, 6, 7, 22, 23, 10, 11, 26, 27, 14,
+                                   15, 30, 31);
+    v[2] = __builtin_shufflevector(ab_high, cd_high, 0, 1, 16, 17, 4, 5, 20, 21, 8, 9, 24, 25, 12,
+                                   13, 28, 29);
+    v[3] = __builtin_shufflevector(ab_high, cd_high, 2, 3, 18, 19, 6, 7, 22, 23, 10, 11, 26, 27, 14,
+                                   15, 30, 31);
+}
+
+// columns(g E + q) = column g E + q of the N x N block at p, whose rows are `step` apart.
+template <unsigned N, class Real>
+NEQUAR_INLINE void load_transposed(const Real* p, Size step, PackOf<Real, N> (&columns)[N]) {
+    constexpr unsigned piece = kPiece<Real>;
+    NEQUAR_UNROLL for (unsigned g = 0; g < N / piece; ++g) {
+        PackOf<Real, N> v[piece];
+        NEQUAR_UNROLL for (unsigned e = 0; e < piece; ++e) {
+            v[e] = gather_pieces<Real, N>(p + e * step + g * piece, Size(piece) * step);
+        }
+        transpose_lanes(v);
+        NEQUAR_UNROLL for (unsigned e = 0; e < piece; ++e) columns[g * piece + e] = v[e];
+    }
+}
+
+// out(j, i) = in(i, j) for an N x N block; rows of `in` are in_row apart, rows of `out` out_row.
+template <unsigned N, class Real>
+NEQUAR_INLINE void transpose_block(const Real* in, Size in_row, Real* out, Size out_row) {
+    if constexpr (N < kPiece<Real>) {
+        NEQUAR_UNROLL for (unsigned i = 0; i < N; ++i) {
+            NEQUAR_UNROLL for (unsigned j = 0; j < N; ++j) out[j * out_row + i] =
+                in[i * in_row + j];
+        }
+    } else {
+        PackOf<Real, N> columns[N];
+        load_transposed<N>(in, in_row, columns);
+        NEQUAR_UNROLL for (unsigned j = 0; j < N; ++j) store_pack<N>(out + j * out_row, columns[j]);
+    }
+}
+
+// out(j, i) = in(i, j) for N rows of `count` elements: N wide columns go out one below the other.
+template <unsigned N, class Real>
+NEQUAR_INLINE void transpose_rows(Size count, const Real* in, Size in_row, Real* out,
+                                  Size out_row) {
+    Size j = 0;
+    for (; j + Size(N) <= count; j += N)
+        transpose_block<N>(in + j, in_row, out + j * out_row, out_row);
+    for (; j < count; ++j) {
+        NEQUAR_UNROLL for (unsigned i = 0; i < N; ++i) out[j * out_row + i] = in[i * in_row + j];
+    }
+}
+
+}  // namespace nequar::kernel::NEQUAR_UNIT

@@ -1,0 +1,174 @@
+// The micro-kernels of gemm: one tile of C, kept in registers over the whole length k.
+//
+//   C(R x w) := alpha A(R x k) B(k x w) (+ C),   w = NV vectors, the last one possibly partial
+//
+//                 B  k x w   rows of NV vectors, unit stride along a row
+//   A  R x k      C  R x w   one broadcast of a(r, p) meets NV vectors of b(p, :)
+//
+// A is read through two strides, or packed (R elements for each p, one after the other). B is read
+// through a row stride, or packed (NV whole vectors for each p, zeros in lanes past the width). C
+// has unit stride along its rows.
+//
+// R x NV accumulators, NV vectors of B and one broadcast fill the register file: 16 registers hold
+// 6 x 2 or 4 x 3 accumulators, 32 hold 8 x 3 or 12 x 2. At least 8 accumulators are needed to hide
+// the latency of the multiply-add (4 cycles, two a cycle). (Van Zee, van de Geijn, BLIS: A
+// Framework for Rapidly Instantiating BLAS Functionality, ACM TOMS 41, 2015.)
+#pragma once
+
+#include "kernel/simd/vector.h"
+
+namespace nequar::kernel::NEQUAR_UNIT {
+
+// What one call of a micro-kernel needs.
+template <class Real>
+struct TileTask {
+    Size k;
+    const Real* a;
+    Size a_row;
+    Size a_column;
+    const Real* b;
+    Size b_row;
+    Real* c;
+    Size c_row;
+    Real alpha;
+    bool accumulate;
+    FirstLanes<Real> last;  // lanes of the last vector, where it is partial
+};
+
+template <class Real>
+using TileKernel = void (*)(const TileTask<Real>&);
+
+// ---- the shapes of tiles
+// --------------------------------------------------------------------------
+
+#if NEQUAR_VECTOR_BYTES == 64
+inline constexpr unsigned kMostVectors = 3;
+inline constexpr unsigned kPackedVectors = 3;
+inline constexpr unsigned kPackedRows = 8;
+constexpr unsigned most_rows(unsigned vectors) {
+    return vectors == 3 ? 8 : 12;
+}
+#else
+inline constexpr unsigned kMostVectors = 3;
+inline constexpr unsigned kPackedVectors = 2;
+inline constexpr unsigned kPackedRows = 6;
+constexpr unsigned most_rows(unsigned vectors) {
+    return vectors == 3 ? 4 : vectors == 2 ? 6 : 8;
+}
+#endif
+inline constexpr unsigned kMostRows = 12;
+
+// ---- the kernels
+// ----------------------------------------------------------------------------------
+
+// acc += A B over k steps.
+template <unsigned R, unsigned NV, bool Partial, bool Packed, class Real>
+NEQUAR_INLINE void accumulate_tile(Size k, const Real* a, Size a_row, Size a_column, const Real* b,
+                                   Size b_row, FirstLanes<Real> last, Vector<Real> (&acc)[R][NV]) {
+    for (Size p = 0; p < k; ++p) {
+        Vector<Real> row[NV];
+        NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) {
+            row[v] = Partial && v == NV - 1 ? load(b + v * kLanes<Real>, last)
+                                            : load(b + v * kLanes<Real>);
+        }
+        NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
+            const Vector<Real> x = broadcast(a[r * a_row]);
+            NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) {
+                acc[r][v] = multiply_add(x, row[v], acc[r][v]);
+            }
+        }
+        a += a_column;
+        b += b_row;
+    }
+}
+
+template <class Real, unsigned R, unsigned NV, bool Partial, bool Packed>
+void tile(const TileTask<Real>& task) {
+    constexpr Size lanes = kLanes<Real>;
+    const Size c_row = task.c_row;
+    const FirstLanes<Real> last = task.last;
+    Real* c = task.c;
+    NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
+        prefetch_for_writing(c + r * c_row);
+        if (NV * sizeof(Vector<Real>) > 64) prefetch_for_writing(c + r * c_row + 64 / sizeof(Real));
+    }
+    Vector<Real> acc[R][NV];
+    NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
+        NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) acc[r][v] = Vector<Real>{};
+    }
+    if (Packed) {
+        accumulate_tile<R, NV, false, true>(task.k, task.a, Size(1), Size(R), task.b,
+                                            Size(NV) * lanes, last, acc);
+    } else {
+        accumulate_tile<R, NV, Partial, false>(task.k, task.a, task.a_row, task.a_column, task.b,
+                                               task.b_row, last, acc);
+    }
+    const Vector<Real> alpha = broadcast(task.alpha);
+    if (task.accumulate) {
+        NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r, c += c_row) {
+            NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) {
+                Real* p = c + v * lanes;
+                if (Partial && v == NV - 1) {
+                    store(p, multiply_add(alpha, acc[r][v], load(p, last)), last);
+                } else {
+                    store(p, multiply_add(alpha, acc[r][v], load(p)));
+                }
+            }
+        }
+    } else {
+        NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r, c += c_row) {
+            NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) {
+                Real* p = c + v * lanes;
+                if (Partial && v == NV - 1) {
+                    store(p, alpha * acc[r][v], last);
+                } else {
+                    store(p, alpha * acc[r][v]);
+                }
+            }
+        }
+    }
+}
+
+// All kernels of one element type, found by index: [packed][partial][vectors - 1][rows - 1].
+template <class Real>
+struct TileSet {
+    TileKernel<Real> kernel[2][2][kMostVectors][kMostRows];
+};
+
+template <class Real, unsigned NV, bool Partial, bool Packed, unsigned R>
+constexpr void enter_tile(TileSet<Real>& set) {
+    if constexpr (R <= (Packed ? kPackedRows : most_rows(NV))) {
+        set.kernel[Packed][Partial][NV - 1][R - 1] = tile<Real, R, NV, Partial, Packed>;
+        enter_tile<Real, NV, Partial, Packed, R + 1>(set);
+    }
+}
+
+template <class Real, unsigned NV = 1>
+constexpr void enter_vectors(TileSet<Real>& set) {
+    if constexpr (NV <= kMostVectors) {
+        enter_tile<Real, NV, false, false, 1>(set);
+        enter_tile<Real, NV, true, false, 1>(set);
+        if constexpr (NV <= kPackedVectors) {
+            enter_tile<Real, NV, false, true, 1>(set);
+            enter_tile<Real, NV, true, true, 1>(set);
+        }
+        enter_vectors<Real, NV + 1>(set);
+    }
+}
+
+template <class Real>
+constexpr TileSet<Real> all_tiles() {
+    TileSet<Real> set = {};
+    enter_vectors<Real>(set);
+    return set;
+}
+
+template <class Real>
+inline constexpr TileSet<Real> kTiles = all_tiles<Real>();
+
+template <class Real>
+NEQUAR_INLINE TileKernel<Real> tile_kernel(bool packed, bool partial, Size vectors, Size rows) {
+    return kTiles<Real>.kernel[packed][partial][vectors - 1][rows - 1];
+}
+
+}  // namespace nequar::kernel::NEQUAR_UNIT

@@ -1,0 +1,169 @@
+// Whole matrices: B := A on any strides, A := A^T, A := value.
+//
+// A copy between a matrix of contiguous rows and one of contiguous columns is a transposition. It
+// goes through squares of one cache line each way, so that every line that is touched is used at
+// once, whatever the strides do to the sets of the cache; squares follow each other down a strip
+// whose pages the TLB holds.
+#pragma once
+
+#include "kernel/simd/elementwise.h"
+#include "kernel/simd/partition.h"
+#include "kernel/simd/shuffle.h"
+#include "kernel/table.h"
+
+namespace nequar::kernel::NEQUAR_UNIT {
+
+inline constexpr unsigned kLine = 64;   // bytes
+inline constexpr unsigned kStrip = 64;  // columns of the input that a strip spans
+
+template <class Real>
+inline constexpr unsigned kLineElements = kLine / sizeof(Real);
+
+// out(j, i) = in(i, j): height x width in, both with contiguous rows, any size.
+template <class Real>
+NEQUAR_INLINE void transpose_small(Size height, Size width, const Real* in, Size in_row, Real* out,
+                                   Size out_row) {
+    constexpr unsigned lanes = unsigned(kLanes<Real>);
+    Size i = 0;
+    for (; i + Size(lanes) <= height; i += lanes) {
+        transpose_rows<lanes>(width, in + i * in_row, in_row, out + i, out_row);
+    }
+    for (; i + 2 <= height; i += 2) {
+        transpose_rows<2>(width, in + i * in_row, in_row, out + i, out_row);
+    }
+    if (i < height) transpose_rows<1>(width, in + i * in_row, in_row, out + i, out_row);
+}
+
+// A square of one cache line each way.
+template <class Real>
+NEQUAR_INLINE void transpose_square(const Real* in, Size in_row, Real* out, Size out_row) {
+    constexpr unsigned lanes = unsigned(kLanes<Real>);
+    constexpr unsigned line = kLineElements<Real>;
+    NEQUAR_UNROLL for (unsigned j = 0; j < line; j += lanes) {
+        NEQUAR_UNROLL for (unsigned i = 0; i < line; i += lanes) {
+            transpose_block<lanes>(in + i * in_row + j, in_row, out + j * out_row + i, out_row);
+        }
+    }
+}
+
+template <class Real>
+void transpose_rows_to_rows(Size height, Size width, const Real* in, Size in_row, Real* out,
+                            Size out_row) {
+    constexpr Size line = kLineElements<Real>;
+    for (Size j0 = 0; j0 < width; j0 += Size(kStrip)) {
+        const Size columns = smaller(Size(kStrip), width - j0);
+        Size i = 0;
+        for (; i + line <= height; i += line) {
+            Size j = j0;
+            for (; j + line <= j0 + columns; j += line) {
+                transpose_square(in + i * in_row + j, in_row, out + j * out_row + i, out_row);
+            }
+            transpose_small(line, j0 + columns - j, in + i * in_row + j, in_row,
+                            out + j * out_row + i, out_row);
+        }
+        transpose_small(height - i, columns, in + i * in_row + j0, in_row, out + j0 * out_row + i,
+                        out_row);
+    }
+}
+
+template <class Real>
+void copy_matrix(Size m, Size n, Block<const Real> a, Block<Real> b) {
+    if (m <= 0 || n <= 0) return;
+    // One row or one column: its stride across is of no account.
+    if (m == 1) {
+        copy(n, a.data, a.column_stride, b.data, b.column_stride);
+    } else if (n == 1) {
+        copy(m, a.data, a.row_stride, b.data, b.row_stride);
+    } else if (a.column_stride == 1 && b.column_stride == 1) {
+        if (a.row_stride == n && b.row_stride == n) {
+            copy(m * n, a.data, 1, b.data, 1);
+        } else {
+            for (Size i = 0; i < m; ++i) {
+                copy(n, a.data + i * a.row_stride, 1, b.data + i * b.row_stride, 1);
+            }
+        }
+    } else if (a.row_stride == 1 && b.row_stride == 1) {
+        copy_matrix<Real>(n, m, {a.data, a.column_stride, 1}, {b.data, b.column_stride, 1});
+    } else if (a.column_stride == 1 && b.row_stride == 1) {
+        transpose_rows_to_rows(m, n, a.data, a.row_stride, b.data, b.column_stride);
+    } else if (a.row_stride == 1 && b.column_stride == 1) {
+        transpose_rows_to_rows(n, m, a.data, a.column_stride, b.data, b.row_stride);
+    } else {
+        for (Size i = 0; i < m; ++i) {
+            copy(n, a.data + i * a.row_stride, a.column_stride, b.data + i * b.row_stride,
+                 b.column_stride);
+        }
+    }
+}
+
+// ---- in place
+// -------------------------------------------------------------------------------------
+
+// Two blocks across the diagonal change places, each transposed: P (height x width) at (i, j) and
+// Q (width x height) at (j, i); P = Q on the diagonal.
+template <class Real>
+NEQUAR_INLINE void exchange_transposed(Size height, Size width, Real* p, Real* q, Size row) {
+    constexpr unsigned line = kLineElements<Real>;
+    alignas(64) Real scratch[line * line];
+    const Real* from = p;
+    if (height == Size(line) && width == Size(line)) {
+        transpose_square(from, row, scratch, Size(line));
+        if (p != q) transpose_square(static_cast<const Real*>(q), row, p, row);
+        NEQUAR_UNROLL for (unsigned i = 0; i < line; ++i) {
+            NEQUAR_UNROLL for (unsigned v = 0; v < line; v += unsigned(kLanes<Real>)) {
+                store(q + i * row + v, load(scratch + i * line + v));
+            }
+        }
+        return;
+    }
+    transpose_small(height, width, from, row, scratch, Size(line));
+    if (p != q) transpose_small(width, height, static_cast<const Real*>(q), row, p, row);
+    for (Size i = 0; i < width; ++i) copy(height, scratch + i * Size(line), 1, q + i * row, 1);
+}
+
+template <class Real>
+void transpose_in_place(Size n, Block<Real> a) {
+    if (a.column_stride != 1 && a.row_stride == 1) {
+        a.row_stride = a.column_stride;
+        a.column_stride = 1;
+    }
+    if (a.column_stride != 1) {
+        for (Size i = 0; i < n; ++i) {
+            Real* row = a.data + i * a.row_stride;
+            Real* column = a.data + i * a.column_stride;
+            swap(i, row, a.column_stride, column, a.row_stride);
+        }
+        return;
+    }
+    constexpr Size line = kLineElements<Real>;
+    constexpr Size strip = kStrip;
+    for (Size j0 = 0; j0 < n; j0 += strip) {
+        const Size j_end = smaller(n, j0 + strip);
+        for (Size i = j0; i < n; i += line) {
+            const Size height = smaller(line, n - i);
+            for (Size j = j0; j < j_end && j <= i; j += line) {
+                const Size width = smaller(line, n - j);
+                exchange_transposed(height, width, a.data + i * a.row_stride + j,
+                                    a.data + j * a.row_stride + i, a.row_stride);
+            }
+        }
+    }
+}
+
+template <class Real>
+void fill_matrix(Size m, Size n, Real value, Block<Real> a) {
+    if (a.column_stride != 1 && a.row_stride == 1) {
+        fill_matrix<Real>(n, m, value, {a.data, a.column_stride, 1});
+        return;
+    }
+    for (Size i = 0; i < m; ++i) {
+        Real* row = a.data + i * a.row_stride;
+        if (a.column_stride == 1) {
+            fill(n, value, row);
+        } else {
+            for (Size j = 0; j < n; ++j) row[j * a.column_stride] = value;
+        }
+    }
+}
+
+}  // namespace nequar::kernel::NEQUAR_UNIT
