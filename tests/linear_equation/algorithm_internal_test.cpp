@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "factorization/algorithm/cholesky.h"
+#include "factorization/algorithm/condition.h"
 #include "factorization/algorithm/lu_partial.h"
 #include "factorization/algorithm/triangular_inverse.h"
 #include "frame/views.h"
-#include "linear_equation/algorithm/condition.h"
 #include "linear_equation/algorithm/factor_solve.h"
 #include "linear_equation/algorithm/gauss_jordan.h"
 #include "support/matrix_gallery.h"

@@ -54,13 +54,14 @@ void multiply_small(View<Real> x) {
     }
 }
 
-// Column i of the view goes to column perm[i].
+// Column j of the view is added to column perm[j] of the result.
 template <class Real>
 void scatter_columns(View<Real> a, const int* perm, Real* row) {
     for (Size i = 0; i < a.height; ++i) {
         const Strided<Real> elements = a.row(i);
         kernel::copy(reading(elements), Strided<Real>(row, a.width));
-        for (Size j = 0; j < a.width; ++j) elements(perm[j]) = row[j];
+        for (Size j = 0; j < a.width; ++j) elements(j) = 0;
+        for (Size j = 0; j < a.width; ++j) elements(perm[j]) += row[j];
     }
 }
 
@@ -98,20 +99,26 @@ void multiply_transpose_by_lower(View<Real> x, Size base) {
 }
 
 template <class Real>
-Outcome invert_from_lu(View<const Real> lu, const int* perm, View<Real> inverse, Size base) {
-    const Size n = lu.height;
+Outcome invert_from_lu_in_place(Diagonal diagonal_of_l, View<const Real> u, const int* perm,
+                                View<Real> inverse, Size base) {
+    const Size n = inverse.height;
     Workspace<Real> row(n);
     if (!row) return {OutcomeKind::no_memory};
     for (Size i = 0; i < n; ++i) {
-        const Strided<Real> elements = inverse.row(i);
-        kernel::copy(lu.row(i).part(0, i), elements.part(0, i));
-        elements(i) = 1;
-        for (Size j = i + 1; j < n; ++j) elements(j) = 0;
+        if (diagonal_of_l == Diagonal::unit) inverse(i, i) = 1;
+        for (Size j = i + 1; j < n; ++j) inverse(i, j) = 0;
     }
-    invert_lower_triangle(Diagonal::unit, inverse, base);
-    kernel::trsm(Triangle::upper, Diagonal::stored, lu, inverse);
+    invert_lower_triangle(diagonal_of_l, inverse, base);
+    kernel::trsm(Triangle::upper, Diagonal::stored, u, inverse);
     scatter_columns(inverse, perm, row.data());
     return Outcome::success();
+}
+
+template <class Real>
+Outcome invert_from_lu(View<const Real> lu, const int* perm, View<Real> inverse, Size base) {
+    for (Size i = 1; i < lu.height; ++i)
+        kernel::copy(lu.row(i).part(0, i), inverse.row(i).part(0, i));
+    return invert_from_lu_in_place(Diagonal::unit, lu, perm, inverse, base);
 }
 
 template <class Real>
@@ -133,11 +140,13 @@ void mirror_lower_to_upper(View<Real> a, Size tile) {
     }
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                     \
-    template void invert_lower_triangle(Diagonal, View<Real>, Size);                 \
-    template void multiply_transpose_by_lower(View<Real>, Size);                     \
-    template Outcome invert_from_lu(View<const Real>, const int*, View<Real>, Size); \
-    template void invert_from_cholesky(View<Real>, Size);                            \
+#define NEQUAR_INSTANTIATE(Real)                                                                 \
+    template void invert_lower_triangle(Diagonal, View<Real>, Size);                             \
+    template void multiply_transpose_by_lower(View<Real>, Size);                                 \
+    template Outcome invert_from_lu_in_place(Diagonal, View<const Real>, const int*, View<Real>, \
+                                             Size);                                              \
+    template Outcome invert_from_lu(View<const Real>, const int*, View<Real>, Size);             \
+    template void invert_from_cholesky(View<Real>, Size);                                        \
     template void mirror_lower_to_upper(View<Real>, Size);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

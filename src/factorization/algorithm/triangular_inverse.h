@@ -35,6 +35,12 @@ template <class Real>
 Outcome invert_from_lu(View<const Real> lu, const int* perm, View<Real> inverse,
                        Size base = kTriangularBase);
 
+// The same with L, or the unit lower L, in the lower triangle of `inverse`, and U apart. perm need
+// not be a permutation: columns that go to one place are added.
+template <class Real>
+Outcome invert_from_lu_in_place(kernel::Diagonal diagonal_of_l, View<const Real> u, const int* perm,
+                                View<Real> inverse, Size base = kTriangularBase);
+
 // l := (L L^T)^-1, both triangles. L lower triangular.
 template <class Real>
 void invert_from_cholesky(View<Real> l, Size base = kTriangularBase);

@@ -1,12 +1,16 @@
 #include "linear_equation/algorithm/factor_solve.h"
 
-#include "kernel/kernel.h"
-
 namespace nequar {
-namespace {
 
 using kernel::Diagonal;
 using kernel::Triangle;
+
+template <class Real>
+void gather_right_hand_sides(View<const Real> b, const int* perm, View<Real> x) {
+    if (x.width > 1) return kernel::gather_rows(b, perm, x);
+    if (x.width < 1) return;
+    for (Size i = 0; i < x.height; ++i) x(i, 0) = b(perm[i], 0);
+}
 
 template <class Real>
 void solve_triangle(Triangle triangle, Diagonal diagonal, View<const Real> t, View<Real> x) {
@@ -16,11 +20,9 @@ void solve_triangle(Triangle triangle, Diagonal diagonal, View<const Real> t, Vi
         kernel::trsm(triangle, diagonal, t, x);
 }
 
-}  // namespace
-
 template <class Real>
 void solve_from_lu(View<const Real> lu, const int* perm, View<const Real> b, View<Real> x) {
-    kernel::gather_rows(b, perm, x);
+    gather_right_hand_sides(b, perm, x);
     solve_triangle(Triangle::lower, Diagonal::unit, lu, x);
     solve_triangle(Triangle::upper, Diagonal::stored, lu, x);
 }
@@ -32,6 +34,8 @@ void solve_from_cholesky(View<const Real> l, View<Real> x) {
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                             \
+    template void gather_right_hand_sides(View<const Real>, const int*, View<Real>);         \
+    template void solve_triangle(Triangle, Diagonal, View<const Real>, View<Real>);          \
     template void solve_from_lu(View<const Real>, const int*, View<const Real>, View<Real>); \
     template void solve_from_cholesky(View<const Real>, View<Real>);
 NEQUAR_INSTANTIATE(double)

@@ -7,8 +7,18 @@
 #pragma once
 
 #include "core/view.h"
+#include "kernel/kernel.h"
 
 namespace nequar {
+
+// Row i of X := row perm[i] of B. They must not overlap.
+template <class Real>
+void gather_right_hand_sides(View<const Real> b, const int* perm, View<Real> x);
+
+// X := T^-1 X
+template <class Real>
+void solve_triangle(kernel::Triangle triangle, kernel::Diagonal diagonal, View<const Real> t,
+                    View<Real> x);
 
 // X := (P A)^-1 P B. B and X are n x k and must not overlap.
 template <class Real>

@@ -1,4 +1,4 @@
-#include "linear_equation/algorithm/condition.h"
+#include "factorization/algorithm/condition.h"
 
 #include <cmath>
 #include <limits>

@@ -1,0 +1,354 @@
+// LU, Cholesky, determinant, condition number: the public operations.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "nequar_algebra/factorization.h"
+#include "support/matrix_gallery.h"
+#include "support/residual.h"
+#include "support/stated_schemes.h"
+
+namespace nequar {
+namespace {
+
+using testing::Types;
+
+template <class Real>
+class TriangularFactorizations : public testing::Test {
+protected:
+    using Dense = Matrix<Real>;
+    using Lower = MatrixTriangularLower<Real>;
+    using Upper = MatrixTriangularUpper<Real>;
+
+    static Dense dense(std::initializer_list<std::initializer_list<double>> rows) {
+        Dense a;
+        a.c_Create(static_cast<int>(rows.size()), static_cast<int>(rows.begin()->size()));
+        Real* element = a.p()[0];
+        for (const auto& row : rows)
+            for (const double x : row) *element++ = static_cast<Real>(x);
+        return a;
+    }
+    static MatrixSymmetric<Real> symmetric(const Dense& a) {
+        MatrixSymmetric<Real> s;
+        s.i_Import(&a);
+        return s;
+    }
+    template <class Packed>
+    static Dense exported(const Packed& packed) {
+        Dense a;
+        packed.e_Export(&a, true);
+        return a;
+    }
+
+    // "Class::method: detail" lines, innermost first.
+    std::string chain(std::initializer_list<const char*> records) const {
+        std::string text;
+        for (const char* record : records) {
+            if (!text.empty()) text += '\n';
+            text += std::is_same_v<Real, float> ? "LCNqUtility_for_MatrixFloat_Factorization::"
+                                                : "LCNqUtility_for_Matrix_Factorization::";
+            text += record;
+        }
+        return text;
+    }
+    std::string trace() const { return factorization.gft_Get_Failure_Trace().c_str(); }
+
+    MatrixFactorization<Real> factorization;
+    CNqVectorInt perm;
+    int interchanges = -1;
+    Lower l;
+    Upper u;
+    MatrixDiagonal<Real> d;
+};
+using Reals = Types<double, float>;
+TYPED_TEST_SUITE(TriangularFactorizations, Reals);
+
+#define CROUT "dluc_Decompose_into_LU_matrices_by_Crout: "
+#define PARTIAL "dlup_Decompose_into_LU_matrices_with_Partial_pivoting: "
+#define CHOLESKY "dch_Decompose_matrix_by_Cholesky_algorithm: "
+
+TYPED_TEST(TriangularFactorizations, NamesOfTheTwins) {
+    EXPECT_EQ(this->factorization.gcn_Get_Class_Name(),
+              (std::is_same_v<TypeParam, float> ? "LCNqUtility_for_MatrixFloat_Factorization"
+                                                : "LCNqUtility_for_Matrix_Factorization"));
+}
+
+TYPED_TEST(TriangularFactorizations, CroutOnTextbookMatrices) {
+    auto swap = this->dense({{0, 1}, {1, 0}});
+    ASSERT_TRUE(this->factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&swap, &this->perm,
+                                                                               this->interchanges));
+    EXPECT_EQ(this->interchanges, 1);
+    EXPECT_EQ(this->perm[0], 1);
+    EXPECT_EQ(this->perm[1], 0);
+    EXPECT_EQ(swap, this->dense({{1, 0}, {0, 1}}));
+
+    auto ties = this->dense({{1, 2, 0}, {-1, 1, 1}, {1, 0, 5}});
+    ASSERT_TRUE(this->factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&ties, &this->perm,
+                                                                               this->interchanges));
+    EXPECT_EQ(this->perm[0], 2);  // the last of equals
+
+    Matrix<TypeParam> empty;
+    ASSERT_TRUE(this->factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&empty, &this->perm,
+                                                                               this->interchanges));
+    EXPECT_EQ(this->perm.vs(), 0);
+    EXPECT_EQ(this->interchanges, 0);
+}
+
+// The stated rule refuses a regular matrix that partial pivoting factors.
+TYPED_TEST(TriangularFactorizations, CroutRefusesWhatPartialPivotingSolves) {
+    const auto regular = this->dense({{4, 4, 1}, {2, 1, 1}, {2, 2, 3}});
+    const auto& f = this->factorization;
+    EXPECT_FALSE(f.dluc_Decompose_into_LU_matrices_by_Crout(&regular, &this->l, &this->u,
+                                                            &this->perm, this->interchanges));
+    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "singular", CROUT "1"}));
+    EXPECT_EQ(f.ged_Get_Error_Detail(), "1");
+    ASSERT_TRUE(f.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
+        &regular, &this->l, &this->u, &this->perm, this->interchanges));
+    EXPECT_LT(test::componentwise_product_error(test::with_rows(regular, this->perm.p()),
+                                                this->exported(this->l), this->exported(this->u)),
+              1.0);
+}
+
+TYPED_TEST(TriangularFactorizations, PackedFactorsReproduceTheInput) {
+    using Real = TypeParam;
+    for (const int n : {1, 2, 9, 32, 33, 70}) {
+        const Matrix<Real> a = test::dominant_matrix<Real>(n, 3);
+        const Matrix<Real> kept = a;
+        const auto& f = this->factorization;
+        ASSERT_TRUE(f.dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->l, &this->u, &this->perm,
+                                                               this->interchanges));
+        EXPECT_EQ(a, kept);
+        const Matrix<Real> permuted = test::with_rows(a, this->perm.p());
+        const Matrix<Real> dense_l = this->exported(this->l);
+        const Matrix<Real> dense_u = this->exported(this->u);
+        EXPECT_LT(test::componentwise_product_error(permuted, dense_l, dense_u), 1.0);
+        Matrix<Real> packed = a;
+        ASSERT_TRUE(
+            f.u_dluc_Decompose_into_LU_matrices_by_Crout(&packed, &this->perm, this->interchanges));
+        for (int i = 0; i < n; ++i) {
+            EXPECT_EQ(dense_l[i][i], Real(1));
+            for (int j = 0; j < n; ++j)
+                EXPECT_EQ(i > j ? dense_l[i][j] : dense_u[i][j], packed[i][j]);
+        }
+
+        ASSERT_TRUE(f.dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->l, &this->d, &this->u,
+                                                               &this->perm, this->interchanges));
+        const Matrix<Real> unit = this->exported(this->u);
+        EXPECT_EQ(this->exported(this->l), dense_l);
+        for (int i = 0; i < n; ++i) {
+            EXPECT_EQ(this->d[i], dense_u[i][i]);
+            EXPECT_EQ(unit[i][i], Real(1));
+            for (int j = i + 1; j < n; ++j) EXPECT_EQ(unit[i][j], dense_u[i][j] / dense_u[i][i]);
+        }
+    }
+}
+
+TYPED_TEST(TriangularFactorizations, RefusedShapesTouchNothing) {
+    using Real = TypeParam;
+    Matrix<Real> wide = test::random_matrix<Real>(2, 3);
+    const Matrix<Real> kept = wide;
+    this->perm.c_Create(7, 5);
+    const auto& f = this->factorization;
+    EXPECT_FALSE(
+        f.u_dluc_Decompose_into_LU_matrices_by_Crout(&wide, &this->perm, this->interchanges));
+    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "non-square"}));
+    EXPECT_FALSE(f.dluc_Decompose_into_LU_matrices_by_Crout(&wide, &this->l, &this->u, &this->perm,
+                                                            this->interchanges));
+    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "non-square", CROUT "1"}));
+    EXPECT_FALSE(f.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
+        &wide, &this->l, &this->u, &this->perm, this->interchanges));
+    EXPECT_EQ(this->trace(), this->chain({"u_" PARTIAL "non-square", PARTIAL "1"}));
+    EXPECT_FALSE(f.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&wide, &this->perm,
+                                                                           this->interchanges));
+    EXPECT_FALSE(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &wide));
+    EXPECT_EQ(this->trace(), this->chain({"u_" CHOLESKY "non-square matrix"}));
+    Real determinant = 7;
+    Real condition = 8;
+    EXPECT_FALSE(f.d_Determinant(&wide, determinant));
+    EXPECT_EQ(this->trace(), this->chain({"d_Determinant: not square"}));
+    EXPECT_FALSE(f.ecn_Estimate_Condition_Number(&wide, condition));
+    EXPECT_EQ(this->trace(),
+              this->chain({"u_" PARTIAL "non-square", "ecn_Estimate_Condition_Number: 1"}));
+    EXPECT_EQ(determinant, Real(7));
+    EXPECT_EQ(condition, Real(8));
+    EXPECT_EQ(wide, kept);
+    EXPECT_EQ(this->interchanges, -1);
+    EXPECT_EQ(this->perm.vs(), 7);
+    EXPECT_EQ(this->l.mh(), 1);
+
+    // Packed factors of an empty matrix cannot be had; nothing else is refused.
+    const Matrix<Real> empty;
+    EXPECT_FALSE(f.dluc_Decompose_into_LU_matrices_by_Crout(&empty, &this->l, &this->u, &this->perm,
+                                                            this->interchanges));
+    EXPECT_EQ(this->trace(), this->chain({CROUT "cannot size the output"}));
+    EXPECT_TRUE(f.d_Determinant(&empty, determinant));
+    EXPECT_EQ(determinant, Real(1));
+    EXPECT_TRUE(f.ecn_Estimate_Condition_Number(&empty, condition));
+    EXPECT_EQ(condition, Real(1));
+}
+
+// What a zero pivot leaves, in place and beside the packed outputs.
+TYPED_TEST(TriangularFactorizations, SingularState) {
+    using Real = TypeParam;
+    const Matrix<Real> input =
+        this->dense({{2, 4, 1, 7}, {4, 8, 3, 1}, {1, 2, 5, 9}, {0, 0, 1, 2}});
+    const test::StatedLu<Real> stated = test::stated_crout(input);
+    ASSERT_EQ(stated.zero_pivot, 1);
+    const auto& f = this->factorization;
+    Matrix<Real> a = input;
+    EXPECT_FALSE(f.u_dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->perm, this->interchanges));
+    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "singular"}));
+    EXPECT_EQ(a, stated.a);
+    this->perm.c_Create(1);
+    this->interchanges = -1;
+    this->l.c_Create(2, 2, Real(6));
+    EXPECT_FALSE(f.dluc_Decompose_into_LU_matrices_by_Crout(&input, &this->l, &this->d, &this->u,
+                                                            &this->perm, this->interchanges));
+    EXPECT_EQ(this->interchanges, stated.interchanges);
+    ASSERT_EQ(this->perm.vs(), 4);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(this->perm[i], stated.perm[static_cast<std::size_t>(i)]);
+    EXPECT_EQ(this->l.mh(), 2);
+    EXPECT_EQ(this->l[0], Real(6));
+    EXPECT_EQ(this->d.mh(), 1);
+
+    // Partial pivoting finishes: P A = L U with a zero on the diagonal of U.
+    a = input;
+    EXPECT_FALSE(f.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&a, &this->perm,
+                                                                           this->interchanges));
+    EXPECT_EQ(this->trace(), this->chain({"u_" PARTIAL "singular"}));
+    EXPECT_EQ(a[1][1], Real(0));
+}
+
+TYPED_TEST(TriangularFactorizations, CholeskyBothForms) {
+    using Real = TypeParam;
+    const auto& f = this->factorization;
+    const auto a = this->dense({{4, 2}, {2, 3}});
+    Matrix<Real> lower = a;
+    ASSERT_TRUE(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &lower));
+    EXPECT_EQ(lower, (this->dense({{2, 2}, {1, std::sqrt(2.0)}})));
+    Matrix<Real> upper = a;
+    ASSERT_TRUE(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(false, &upper));
+    EXPECT_EQ(upper[1][1], std::sqrt(Real(3)));
+    EXPECT_EQ(upper[1][0], Real(2));
+
+    for (const int n : {1, 2, 7, 32, 33, 64, 65, 100}) {
+        const Matrix<Real> spd = test::positive_definite_matrix<Real>(n, 500, 9);
+        const auto packed = this->symmetric(spd);
+        ASSERT_TRUE(f.dch_Decompose_matrix_by_Cholesky_algorithm(&packed, &this->l));
+        ASSERT_TRUE(f.dch_Decompose_matrix_by_Cholesky_algorithm(&packed, &this->u));
+        const Matrix<Real> dense_l = this->exported(this->l);
+        const Matrix<Real> dense_u = this->exported(this->u);
+        EXPECT_LT(test::componentwise_product_error(spd, dense_l, test::transposed(dense_l)), 1.0)
+            << n;
+        EXPECT_LT(test::componentwise_product_error(spd, dense_u, test::transposed(dense_u)), 1.0)
+            << n;
+        EXPECT_TRUE(f.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&packed));
+        // In place: the triangle that is read stays, the other one gets the factor.
+        Matrix<Real> in_place = spd;
+        ASSERT_TRUE(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(false, &in_place));
+        for (int i = 0; i < n; ++i)
+            for (int j = 0; j < n; ++j) {
+                const Real expected = i > j ? spd[i][j] : dense_u[i][j];
+                EXPECT_NEAR(in_place[i][j], expected, 1e3 * test::kEpsilon<Real> * (i <= j));
+            }
+    }
+}
+
+TYPED_TEST(TriangularFactorizations, CholeskyRefusals) {
+    using Real = TypeParam;
+    const auto& f = this->factorization;
+    const auto indefinite = this->symmetric(this->dense({{1, 2}, {2, 1}}));
+    const auto semidefinite = this->symmetric(this->dense({{1, 1}, {1, 1}}));
+    this->l.c_Create(3, 3, Real(5));
+    for (const auto* a : {&indefinite, &semidefinite}) {
+        EXPECT_FALSE(f.dch_Decompose_matrix_by_Cholesky_algorithm(a, &this->l));
+        EXPECT_EQ(this->trace(),
+                  this->chain({"u_" CHOLESKY "non-positive definite", CHOLESKY "1"}));
+        EXPECT_FALSE(f.dch_Decompose_matrix_by_Cholesky_algorithm(a, &this->u));
+        EXPECT_EQ(this->l.mh(), 3);
+    }
+    MatrixFactorization<Real> silent;
+    EXPECT_FALSE(
+        silent.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&semidefinite));
+    auto nan = this->symmetric(test::identity_of<Real>(3));
+    nan.se_Set_Element(1, 1, std::numeric_limits<Real>::quiet_NaN());
+    EXPECT_FALSE(silent.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&nan));
+    const auto tall = test::random_matrix<Real>(3, 2);
+    EXPECT_FALSE(silent.is_Is_Symmetric(&tall));
+    const auto one = test::random_matrix<Real>(1, 1);
+    EXPECT_TRUE(silent.is_Is_Symmetric(&one));
+    EXPECT_EQ(silent.gft_Get_Failure_Trace(), "");
+    EXPECT_EQ(silent.ged_Get_Error_Detail(), "");
+
+    // Someone resized the vector under the matrix: its elements are not read.
+    auto broken = this->symmetric(test::identity_of<Real>(4));
+    static_cast<Vector<Real>&>(broken).c_Create(3);
+    EXPECT_FALSE(f.dch_Decompose_matrix_by_Cholesky_algorithm(&broken, &this->l));
+    EXPECT_EQ(this->trace(), this->chain({CHOLESKY "bad input"}));
+    EXPECT_FALSE(silent.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&broken));
+    Real determinant = 0;
+    EXPECT_FALSE(f.d_Determinant(&broken, determinant));
+}
+
+TYPED_TEST(TriangularFactorizations, Determinants) {
+    using Real = TypeParam;
+    const auto& f = this->factorization;
+    const auto a = this->dense({{0, 1}, {1, 0}});
+    const auto s = this->symmetric(a);
+    Real determinant = 0;
+    ASSERT_TRUE(f.d_Determinant(&a, determinant));
+    EXPECT_EQ(determinant, Real(-1));
+    EXPECT_EQ(f.d_Determinant(&a), Real(-1));
+    EXPECT_EQ(f.d_Determinant(&s), Real(-1));
+    const auto known = this->dense({{2, -1, 0}, {-1, 2, -1}, {0, -1, 2}});
+    EXPECT_NEAR(f.d_Determinant(&known), 4, 20 * test::kEpsilon<Real>);
+    for (const int n : {33, 70}) {  // the product of the diagonal, found through the blocked form
+        Matrix<Real> triangular = test::identity_of<Real>(n);
+        for (int i = 0; i < n; ++i)
+            for (int j = i; j < n; ++j) triangular[i][j] = i == j ? Real(i % 2 == 0 ? 2 : 0.5) : 1;
+        for (int j = 0; j < n; ++j) std::swap(triangular[0][j], triangular[n - 1][j]);
+        EXPECT_EQ(f.d_Determinant(&triangular), Real(n % 2 == 0 ? -1 : -2));
+    }
+
+    const auto singular = this->dense({{1, 2}, {2, 4}});
+    const auto packed = this->symmetric(singular);
+    determinant = 5;
+    EXPECT_FALSE(f.d_Determinant(&singular, determinant));
+    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "singular", "d_Determinant: 1"}));
+    EXPECT_FALSE(f.d_Determinant(&packed, determinant));
+    EXPECT_EQ(determinant, Real(5));
+    EXPECT_EQ(f.d_Determinant(&packed), Real(0));
+    EXPECT_EQ(f.d_Determinant(&singular), Real(0));
+    EXPECT_EQ(this->trace(),
+              this->chain({"u_" CROUT "singular", "d_Determinant: 1", "d_Determinant: 1"}));
+    const auto wide = test::random_matrix<Real>(2, 3);
+    EXPECT_EQ(f.d_Determinant(&wide), Real(0));
+    EXPECT_EQ(this->trace(), this->chain({"d_Determinant: not square", "d_Determinant: 1"}));
+}
+
+TYPED_TEST(TriangularFactorizations, ConditionNumber) {
+    using Real = TypeParam;
+    const auto& f = this->factorization;
+    Real condition = 0;
+    const auto diagonal = this->dense({{4, 0, 0}, {0, 0.5, 0}, {0, 0, 1}});
+    ASSERT_TRUE(f.ecn_Estimate_Condition_Number(&diagonal, condition));
+    EXPECT_EQ(condition, Real(8));
+    const auto hilbert = test::hilbert_matrix<Real>(4);
+    ASSERT_TRUE(f.ecn_Estimate_Condition_Number(&hilbert, condition));
+    EXPECT_NEAR(condition, 28375, 28375 * 1e5 * test::kEpsilon<Real>);
+    condition = 3;
+    const auto singular = this->dense({{1, 2}, {2, 4}});
+    EXPECT_FALSE(f.ecn_Estimate_Condition_Number(&singular, condition));
+    EXPECT_EQ(this->trace(),
+              this->chain({"u_" PARTIAL "singular", "ecn_Estimate_Condition_Number: 1"}));
+    EXPECT_EQ(condition, Real(3));
+    auto nan = test::random_matrix<Real>(5, 5);
+    nan[2][2] = std::numeric_limits<Real>::quiet_NaN();
+    EXPECT_TRUE(!f.ecn_Estimate_Condition_Number(&nan, condition) || std::isnan(condition));
+}
+
+}  // namespace
+}  // namespace nequar
