@@ -1,7 +1,8 @@
 #include "peak.h"
 
 #include <algorithm>
-#include <chrono>
+
+#include "clock.h"
 
 namespace bench {
 namespace {
@@ -41,10 +42,9 @@ NEQUAR_CHAINS(sse2_float, "sse2", float, 16)
 double best_rate(double (*loop)()) {
     double best = 0;
     for (int round = 0; round < 200; ++round) {
-        const auto start = std::chrono::steady_clock::now();
+        const double start = processor_seconds();
         const double operations = loop();
-        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-        best = std::max(best, operations / time.count() * 1e-9);
+        best = std::max(best, operations / (processor_seconds() - start) * 1e-9);
     }
     return best;
 }

@@ -1,16 +1,16 @@
 #include "timing.h"
 
 #include <algorithm>
-#include <chrono>
+
+#include "clock.h"
 
 namespace bench {
 namespace {
 
 double time_of(const std::function<void()>& run, int runs) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = processor_seconds();
     for (int i = 0; i < runs; ++i) run();
-    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    return time.count() / runs;
+    return (processor_seconds() - start) / runs;
 }
 
 double median(std::vector<double> samples) {

@@ -125,10 +125,16 @@ const Peer<float>* eigen() {
     return &kEigen<float>;
 }
 
+#ifdef EIGEN_VECTORIZE_FMA
+constexpr const char* kFused = ", FMA";
+#else
+constexpr const char* kFused = "";
+#endif
+
 std::string describe_eigen() {
     return "Eigen " + std::to_string(EIGEN_WORLD_VERSION) + "." +
            std::to_string(EIGEN_MAJOR_VERSION) + "." + std::to_string(EIGEN_MINOR_VERSION) +
-           " (-O3 -march=native: " + Eigen::SimdInstructionSetsInUse() + ")";
+           " (-O3 -march=native: " + Eigen::SimdInstructionSetsInUse() + kFused + ")";
 }
 
 }  // namespace bench

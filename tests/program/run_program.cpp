@@ -14,30 +14,38 @@
 
 namespace program_test {
 
-Answer run(const std::string& executable, const std::vector<std::string>& arguments,
-           const std::string& folder) {
-    const Folder outputs;
-    const std::string out = outputs / "out", err = outputs / "err";
+pid_t start(const std::string& executable, const std::vector<std::string>& arguments, int out,
+            int err, const std::string& folder) {
     std::vector<char*> pointers;
     pointers.push_back(const_cast<char*>(executable.c_str()));
     for (const std::string& argument : arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));
     pointers.push_back(nullptr);
-
     const pid_t child = fork();
     if (child < 0) throw std::runtime_error("fork failed");
-    if (child == 0) {
-        const int out_file = open(out.c_str(), O_WRONLY | O_CREAT, 0600);
-        const int err_file = open(err.c_str(), O_WRONLY | O_CREAT, 0600);
-        if (dup2(out_file, STDOUT_FILENO) < 0 || dup2(err_file, STDERR_FILENO) < 0) _exit(126);
-        if (!folder.empty() && chdir(folder.c_str()) != 0) _exit(126);
-        execv(executable.c_str(), pointers.data());
-        _exit(127);
-    }
+    if (child > 0) return child;
+    if (dup2(out, STDOUT_FILENO) < 0 || dup2(err, STDERR_FILENO) < 0) _exit(126);
+    if (!folder.empty() && chdir(folder.c_str()) != 0) _exit(126);
+    execv(executable.c_str(), pointers.data());
+    _exit(127);
+}
+
+int end_of(pid_t child) {
     int state = 0;
     waitpid(child, &state, 0);
+    return WIFEXITED(state) ? WEXITSTATUS(state) : -WTERMSIG(state);
+}
+
+Answer run(const std::string& executable, const std::vector<std::string>& arguments,
+           const std::string& folder) {
+    const Folder outputs;
+    const std::string out = outputs / "out", err = outputs / "err";
+    const int out_file = open(out.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    const int err_file = open(err.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     Answer result;
-    result.status = WIFEXITED(state) ? WEXITSTATUS(state) : -WTERMSIG(state);
+    result.status = end_of(start(executable, arguments, out_file, err_file, folder));
+    close(out_file);
+    close(err_file);
     result.out = read_file(out);
     result.err = read_file(err);
     return result;

@@ -1,6 +1,8 @@
 // Runs a built program as a user would, and keeps what it says.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -14,6 +16,12 @@ struct Answer {
 // Runs an executable with arguments, in a folder (empty: the current one).
 Answer run(const std::string& executable, const std::vector<std::string>& arguments,
            const std::string& folder = "");
+
+// Starts an executable with these files for its standard output and error, without waiting.
+pid_t start(const std::string& executable, const std::vector<std::string>& arguments, int out,
+            int err, const std::string& folder = "");
+// Waits for its end: the exit status, or -signal.
+int end_of(pid_t child);
 
 // Runs nequar.
 Answer nequar(const std::vector<std::string>& arguments);

@@ -151,6 +151,8 @@ bool is_finite(const typename Twin<Real>::Matrix& x) {
 template <class Real>
 void solve(const SolveOptions& options) {
     using Matrix = typename Twin<Real>::Matrix;
+    std::optional<OutputFile> output;  // first, so that no work is lost for want of a place
+    if (!options.output.empty()) output.emplace(options.output);
     const FileMatrix<Real> file = read_matrix_market<Real>(options.a);
     require_square(file, "solve");
     require_memory(file, 3);  // the matrix, its factors, and the library's working copy
@@ -170,9 +172,6 @@ void solve(const SolveOptions& options) {
                              ": the known solution must have as many columns as "
                              "the right-hand side");
     }
-    std::optional<OutputFile> output;
-    if (!options.output.empty()) output.emplace(options.output);
-
     Matrix a;
     make_dense(file, a);
     const Method* method = find_method(options.method);
