@@ -127,6 +127,9 @@ void CNqClass::begin_chain_if_new() const {
 void CNqClass::record(const CNqString& method) const {
     begin_chain_if_new();
     if (call_depth_ == 0) chain_is_open_ = false;
+    if (trace_mode_)
+        std::fprintf(stderr, "%s::%s: %s\n", class_name_.c_str(), method.c_str(),
+                     error_detail_.c_str());
     if (record_ == nullptr) return;
     try {
         record_->message = class_name_.c_str();
@@ -140,5 +143,4 @@ void CNqClass::record(const CNqString& method) const {
     } catch (const std::bad_alloc&) {
         // Out of memory while telling of a failure: the detail, set before, still stands.
     }
-    if (trace_mode_) std::fprintf(stderr, "%s\n", record_->message.c_str());
 }
