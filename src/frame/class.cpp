@@ -97,6 +97,7 @@ bool CNqClass::fail(const char* detail, const char* method) const {
     return false;
 }
 
+// The chain stays open, so that the record which follows continues it even when no scope is open.
 void CNqClass::adopt_failure_of(const CNqClass& inner) const {
     if (&inner == this || inner.record_ == nullptr) return;
     begin_chain_if_new();
@@ -107,8 +108,6 @@ void CNqClass::adopt_failure_of(const CNqClass& inner) const {
     } catch (const std::bad_alloc&) {
         // The trace stays as far as it fits; the detail still tells what failed.
     }
-    // What follows continues this chain even when no scope is open.
-    chain_is_open_ = true;
 }
 
 void CNqClass::end_process(const char* detail, const char* method) const {

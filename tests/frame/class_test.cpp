@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 #include <thread>
 #include <utility>
@@ -130,13 +131,17 @@ TEST(ClassDeathTest, TheFatalFormPrintsAndEndsWithStatusZero) {
 }
 
 TEST(Message, TheLastMessageIsWholeUnderConcurrentUse) {
-    const std::vector<const char*> names = {"A", "SomewhatLonger", "QuiteALongNameForAClass"};
+    // Long enough for a message to be read while it is half written.
+    const std::string as(20000, 'a');
+    const std::string bs(20000, 'b');
+    const std::vector<const char*> names = {as.c_str(), bs.c_str()};
     Probe(names[0]).fails();
+    std::atomic<bool> all_read = false;
     std::vector<std::thread> threads;
     for (const char* const name : names)
-        threads.emplace_back([name] {
+        threads.emplace_back([name, &all_read] {
             Probe probe(name);
-            for (int i = 0; i < 2000; ++i) probe.fails();
+            while (!all_read) probe.fails();
         });
     int torn = 0;
     for (int i = 0; i < 2000; ++i) {
@@ -145,6 +150,7 @@ TEST(Message, TheLastMessageIsWholeUnderConcurrentUse) {
             return message == (std::string(name) + "::fails_By_zsm: singular").c_str();
         });
     }
+    all_read = true;
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(torn, 0);
     testing::internal::CaptureStderr();

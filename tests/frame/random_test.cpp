@@ -126,13 +126,16 @@ TYPED_TEST(GeneratorOf, IsUniformWithinItsBounds) {
     for (const int count : cells) chi_squared += std::pow(count - 1e4, 2) / 1e4;
     EXPECT_LT(chi_squared, 160.0);  // 99 degrees of freedom: 0.01 %
 
+    int negative = 0;
     for (int i = 0; i < 1000; ++i) {
         const Real wide = generator.gu(-kMost, kMost);
         ASSERT_TRUE(std::isfinite(wide) && wide < kMost);
+        negative += wide < 0;
         const Real next = std::nextafter(Real(1), Real(2));
         ASSERT_EQ(generator.gu(1, next), 1);
         ASSERT_EQ(generator.gu(-next, -1), -next);
     }
+    EXPECT_NEAR(negative, 500, 80);
     EXPECT_EQ(generator.gu(4, 4), 4);
     const Real not_finite[] = {std::nan(""), std::numeric_limits<Real>::infinity()};
     for (const Real bad : not_finite) {

@@ -59,6 +59,17 @@ TEST(Select, IsLinearInTheWorstCaseToo) {
             }
 }
 
+TEST(Select, TakesAPivotWithThreeTenthsOnEitherSide) {
+    for (int n = 100; n < 200; ++n) {
+        std::vector<Counted> a = items(n, 1 << 30);
+        const Counted pivot = nequar::median_of_medians(a.data(), n);
+        const auto smaller =
+            std::count_if(a.begin(), a.end(), [&pivot](const Counted& x) { return x < pivot; });
+        EXPECT_GE(smaller, 3 * n / 10 - 6);
+        EXPECT_LE(smaller, 7 * n / 10 + 6);
+    }
+}
+
 TEST(Select, SurvivesAnInputMadeAgainstItsPivots) {
     // The sampled places hold the largest items, so every quick pivot cuts off next to nothing.
     constexpr int n = 20000;
