@@ -97,6 +97,7 @@ bool CNqClass::fail(const char* detail, const char* method) const {
     return false;
 }
 
+// The chain stays open, so that the record which follows continues it even when no scope is open.
 void CNqClass::adopt_failure_of(const CNqClass& inner) const {
     if (&inner == this || inner.record_ == nullptr) return;
     begin_chain_if_new();
@@ -107,8 +108,6 @@ void CNqClass::adopt_failure_of(const CNqClass& inner) const {
     } catch (const std::bad_alloc&) {
         // The trace stays as far as it fits; the detail still tells what failed.
     }
-    // What follows continues this chain even when no scope is open.
-    chain_is_open_ = true;
 }
 
 void CNqClass::end_process(const char* detail, const char* method) const {
@@ -127,6 +126,9 @@ void CNqClass::begin_chain_if_new() const {
 void CNqClass::record(const CNqString& method) const {
     begin_chain_if_new();
     if (call_depth_ == 0) chain_is_open_ = false;
+    if (trace_mode_)
+        std::fprintf(stderr, "%s::%s: %s\n", class_name_.c_str(), method.c_str(),
+                     error_detail_.c_str());
     if (record_ == nullptr) return;
     try {
         record_->message = class_name_.c_str();
@@ -140,5 +142,4 @@ void CNqClass::record(const CNqString& method) const {
     } catch (const std::bad_alloc&) {
         // Out of memory while telling of a failure: the detail, set before, still stands.
     }
-    if (trace_mode_) std::fprintf(stderr, "%s\n", record_->message.c_str());
 }

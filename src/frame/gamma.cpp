@@ -3,8 +3,8 @@
 //   1.5 <= x <= 2.5   ln Γ(2+z) = (1-γ) z + Σ_{k>=2} (ζ(k)-1) (-z)^k / k,   |z| <= 1/2
 //                     (Abramowitz and Stegun 6.1.33); the factor z is kept apart, so that the zero
 //                     at 2 keeps its relative accuracy
-//   0 < x < 1.5       ln Γ(x) = ln Γ(2+z) - ln x ..., the logarithms about 1 as log1p, so that the
-//                     zero at 1 keeps it too
+//   0.5 <= x < 1.5    ln Γ(x) = ln Γ(1+x) - ln x, both of which vanish at 1
+//   0 < x < 0.5       ln Γ(x) = ln Γ(2+x) - ln x - ln (1+x)
 //   2.5 < x < 10      ln Γ(x) = ln Γ(x-n) + ln ((x-1) ... (x-n))
 //   10 <= x           Stirling: (x-1/2)(ln x - 1) + (ln 2π - 1)/2 + Σ B_2k / (2k (2k-1) x^(2k-1))
 //   x < 0             reflection: ln |Γ(x)| = ln π - ln |sin πx| - ln Γ(1-x)
@@ -58,7 +58,7 @@ double gamma_log_of_large(double x) {
 
 double gamma_log_of_positive(double x) {
     if (x < 0.5) return gamma_log_about_two(x) - (std::log(x) + std::log1p(x));
-    if (x < 1.5) return gamma_log_about_two(x - 1.0) - std::log1p(x - 1.0);
+    if (x < 1.5) return gamma_log_about_two(x - 1.0) - std::log(x);
     if (x >= 10.0) return gamma_log_of_large(x);
     double product = 1.0;
     while (x > 2.5) {

@@ -211,13 +211,8 @@ bool GrowableMatrix<Real, growth>::ap_Append(const Matrix<Real>* matrix, int cou
     assert(matrix != nullptr);
     if (count < 0 || count > vectors_of(growth, *matrix)) return fail("1", "ap_Append");
     if (vector_size_of(growth, *matrix) != vs()) return fail("3", "ap_Append");
-    const bool is_own = matrix == &matrix_;
+    // Should the matrix be this container's own, its vectors come along when it grows.
     const Size total = Size(nee()) + count;
-    if (is_own && total > room()) {
-        // Growing would take the source away.
-        Matrix<Real> copy;
-        return copy.cp_Copy(matrix) != nullptr ? ap_Append(&copy, count) : fail("2", "ap_Append");
-    }
     if (!make_room(total)) return fail("2", "ap_Append");
     copy_vectors(growth, *matrix, count, matrix_, nee());
     count_ = static_cast<int>(total);

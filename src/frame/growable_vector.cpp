@@ -62,7 +62,7 @@ GrowableVector<Element>& GrowableVector<Element>::operator=(GrowableVector&& oth
     storage_.swap(other.storage_);
     count_ = std::exchange(other.count_, 0);
     room_ = std::exchange(other.room_, 0);
-    ZeroedStorage<Element>().swap(other.storage_);
+    GrowableStorage<Element>().swap(other.storage_);
     return *this;
 }
 
@@ -74,18 +74,20 @@ bool GrowableVector<Element>::cp_Copy(const GrowableVector* other) {
         return fail("2", "cp_Copy");
     change_count(other->count_);
     room_ = other->room_;
-    move_elements(other->p(), count_, p());
+    move_elements(other->p(), count_, storage_.data());
     return true;
 }
 
 // ---- room ---------------------------------------------------------------------------------------
 
-// A new block of `room` elements; the first `kept` come along, the rest is zero.
+// A new block of `room` elements; the first `kept` come along, as far as they hold something.
 template <class Element>
 bool GrowableVector<Element>::move_to(std::ptrdiff_t room, std::ptrdiff_t kept) {
-    ZeroedStorage<Element> fresh;
+    GrowableStorage<Element> fresh;
     if (!fresh.take(room)) return false;
-    move_elements(p(), kept, fresh.data());
+    kept = std::min(kept, std::max<Size>(count_, storage_.defined()));
+    move_elements(storage_.data(), kept, fresh.data());
+    fresh.set_defined(std::max(fresh.defined(), kept));
     storage_.swap(fresh);
     room_ = static_cast<int>(room);
     return true;
@@ -111,11 +113,23 @@ bool GrowableVector<Element>::make_room_for_one(const char* method) {
     return make_room(std::ptrdiff_t(count_) + 1) || fail("2", method);
 }
 
-// Needs room for `count`. Elements that go become zero.
+// Needs room for `count`, and elements in those that come in. Those that go become zero: now when
+// the blank space behind them is defined, else when it is cleared.
 template <class Element>
 void GrowableVector<Element>::change_count(std::ptrdiff_t count) noexcept {
-    if (count < count_) std::fill(p() + count, p() + count_, Element(0));
+    if (count < count_ && storage_.defined() >= count_)
+        std::fill(storage_.data() + count, storage_.data() + count_, Element(0));
+    else if (count < storage_.defined() && count < count_)
+        storage_.set_defined(count);
     count_ = static_cast<int>(count);
+}
+
+// Zero wherever the blank space before `end` is not defined yet.
+template <class Element>
+void GrowableVector<Element>::clear_blank_space_to(std::ptrdiff_t end) noexcept {
+    const Size defined = std::max<Size>(storage_.defined(), count_);
+    if (end > defined) std::fill(storage_.data() + defined, storage_.data() + end, Element(0));
+    storage_.set_defined(std::max(end, defined));
 }
 
 template <class Element>
@@ -157,6 +171,7 @@ template <class Element>
 bool GrowableVector<Element>::z_cne_Change_Number_of_Elements(int n) {
     if (n < 0) return fail("1", "z_cne_Change_Number_of_Elements");
     if (!make_room(n)) return fail("2", "z_cne_Change_Number_of_Elements");
+    if (n > count_) clear_blank_space_to(n);
     change_count(n);
     return true;
 }
@@ -180,10 +195,11 @@ bool GrowableVector<Element>::ap_Append(const GrowableVector* x, int count) {
 template <class Element>
 bool GrowableVector<Element>::ap_Append(const Element* elements, int count) {
     if (count < 0) return fail("1", "ap_Append");
-    const Detached<Element> detached(elements, count, p(), room_ * Size(sizeof(Element)));
+    const Detached<Element> detached(elements, count, storage_.data(),
+                                     room_ * Size(sizeof(Element)));
     const Size total = Size(count_) + count;
     if (!detached || !make_room(total)) return fail("2", "ap_Append");
-    move_elements(detached.data(), count, p() + count_);
+    move_elements(detached.data(), count, storage_.data() + count_);
     count_ = static_cast<int>(total);
     return true;
 }
@@ -219,11 +235,11 @@ bool GrowableVector<Element>::i_Insert(const Element* values, const int* positio
     if (count < 0 || !are_increasing(positions, count, Size(count_) + 1, false))
         return fail("1", "i_Insert");
     const Size bytes = room_ * Size(sizeof(Element));
-    const Detached<Element> new_values(values, count, p(), bytes);
-    const Detached<int> places(positions, count, p(), bytes);
+    const Detached<Element> new_values(values, count, storage_.data(), bytes);
+    const Detached<int> places(positions, count, storage_.data(), bytes);
     const Size total = Size(count_) + count;
     if (!new_values || !places || !make_room(total)) return fail("2", "i_Insert");
-    Element* const elements = p();
+    Element* const elements = storage_.data();
     Size end = count_;
     for (Size k = count - 1; k >= 0; --k) {
         const Size place = places.data()[k];
@@ -266,9 +282,9 @@ template <class Element>
 bool GrowableVector<Element>::d_Delete(const int* positions, int count) {
     if (count < 0 || !are_increasing(positions, count, count_, true)) return fail("1", "d_Delete");
     if (count == 0) return true;
-    const Detached<int> places(positions, count, p(), room_ * Size(sizeof(Element)));
+    const Detached<int> places(positions, count, storage_.data(), room_ * Size(sizeof(Element)));
     if (!places) return fail("2", "d_Delete");
-    Element* const elements = p();
+    Element* const elements = storage_.data();
     for (Size k = 0; k < count; ++k) {
         const Size first = Size(places.data()[k]) + 1;
         const Size next = k + 1 < count ? places.data()[k + 1] : count_;
@@ -296,7 +312,7 @@ void GrowableVector<Element>::replace_run(std::ptrdiff_t start, std::ptrdiff_t c
                                           const Element* values,
                                           std::ptrdiff_t number_of_values) noexcept {
     if (count == 0 && number_of_values == 0) return;
-    Element* const run = p() + start;
+    Element* const run = storage_.data() + start;
     move_elements(run + count, count_ - start - count, run + number_of_values);
     move_elements(values, number_of_values, run);
     change_count(count_ - count + number_of_values);
@@ -307,7 +323,8 @@ bool GrowableVector<Element>::r_Replace(int start, int count, const Element* val
                                         int number_of_values) {
     if (start < 0 || count < 0 || number_of_values < 0 || start > count_ || count > count_ - start)
         return fail("1", "r_Replace");
-    const Detached<Element> detached(values, number_of_values, p(), room_ * Size(sizeof(Element)));
+    const Detached<Element> detached(values, number_of_values, storage_.data(),
+                                     room_ * Size(sizeof(Element)));
     if (!detached || !make_room(Size(count_) - count + number_of_values))
         return fail("2", "r_Replace");
     replace_run(start, count, detached.data(), number_of_values);
@@ -328,7 +345,8 @@ bool GrowableVector<Element>::r_Replace(int start, int count, const GrowableVect
 
 template <class Element>
 bool GrowableVector<Element>::operator==(const GrowableVector& other) const noexcept {
-    return count_ == other.count_ && std::equal(p(), p() + count_, other.p());
+    return count_ == other.count_ &&
+           std::equal(storage_.data(), storage_.data() + count_, other.p());
 }
 
 template class GrowableVector<double>;

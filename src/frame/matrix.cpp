@@ -75,8 +75,16 @@ Matrix<Element>& Matrix<Element>::operator=(Matrix&& other) noexcept {
     CNqMatrix_Base::operator=(std::move(other));
     storage_ = std::move(other.storage_);
     rows_ = std::move(other.rows_);
-    other.resize(0, 0);
+    other.become_empty();
     return *this;
+}
+
+// Keeps the storage; no row pointer may be left that looks like a row.
+template <class Element>
+void Matrix<Element>::become_empty() noexcept {
+    width_ = 0;
+    height_ = 0;
+    if (rows_.data() != nullptr) rows_.data()[0] = nullptr;
 }
 
 // Needs checked sizes. Keeps the elements when the storage does not move.
@@ -87,6 +95,7 @@ bool Matrix<Element>::resize(std::ptrdiff_t height, std::ptrdiff_t width) noexce
     if (!storage_.reserve(std::max<std::ptrdiff_t>(height * width, 1))) {
         // The row pointers may have moved: they are made again for the old shape.
         for (std::ptrdiff_t y = 0; y < height_; ++y) rows_.data()[y] = before + y * width_;
+        if (height_ == 0 && rows_.data() != nullptr) rows_.data()[0] = nullptr;
         return false;
     }
     height_ = static_cast<int>(height);
@@ -134,7 +143,10 @@ void Matrix<Element>::gr_Get_Row(int row, int start, int count, Vector<Element>*
     if (height_ == 0 || !is_part(start, count, width_)) return report("1", "gr_Get_Row");
     mcr(row);
     Element* const elements = out->c_Create(count);
-    if (elements == nullptr) return report("2", "gr_Get_Row");
+    if (elements == nullptr) {
+        adopt_failure_of(*out);
+        return report("2", "gr_Get_Row");
+    }
     std::copy_n(p()[row] + start, count, elements);
 }
 
@@ -143,7 +155,10 @@ void Matrix<Element>::gc_Get_Column(int column, int start, int count, Vector<Ele
     if (width_ == 0 || !is_part(start, count, height_)) return report("1", "gc_Get_Column");
     mcc(column);
     Element* const elements = out->c_Create(count);
-    if (elements == nullptr) return report("2", "gc_Get_Column");
+    if (elements == nullptr) {
+        adopt_failure_of(*out);
+        return report("2", "gc_Get_Column");
+    }
     for (int i = 0; i < count; ++i) elements[i] = p()[start + i][column];
 }
 

@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
+#include <new>
 
 #include "frame/message_store.h"
 
@@ -16,7 +17,8 @@ struct LastMessage {
 
 // Never destroyed: objects with static storage may still report while the process ends.
 LastMessage& last_message() {
-    static LastMessage* const message = new LastMessage;
+    alignas(LastMessage) static unsigned char place[sizeof(LastMessage)];
+    static LastMessage* const message = new (place) LastMessage;
     return *message;
 }
 

@@ -33,6 +33,7 @@ std::ostream& print_matrix(std::ostream& out, int height, int width, const Eleme
     for (const int y : rows)
         for (const int x : columns) {
             std::ostringstream text;
+            text.flags(out.flags());
             text.precision(out.precision());
             if (y < 0 || x < 0)
                 text << "...";

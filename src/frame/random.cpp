@@ -37,8 +37,9 @@ Real RandomNumberGenerator<Real>::gu_Generate_Uniform(Real min, Real max) {
     }
     // As many bits as the type has digits, so that share < 1; the two products cannot overflow.
     constexpr int kDigits = std::numeric_limits<Real>::digits;
+    constexpr Real kUnit = Real(1) / static_cast<Real>(std::uint64_t(1) << kDigits);
     const std::uint64_t bits = hashed_bits(advance(state_), 0) >> (64 - kDigits);
-    const Real share = std::ldexp(static_cast<Real>(bits), -kDigits);
+    const Real share = static_cast<Real>(static_cast<std::int64_t>(bits)) * kUnit;
     const Real x = min * (Real(1) - share) + max * share;
     // Rounding may reach over the ends.
     if (!(x > min)) return min;

@@ -1,50 +1,8 @@
 #include "nequar_algebra/frame/ranker.h"
 
-#include <type_traits>
-
 #include "core/workspace.h"
 #include "frame/algorithm/rank_key.h"
 #include "frame/algorithm/select.h"
-
-namespace nequar {
-namespace {
-
-// A key and where it stands; equal keys order by position.
-struct Placed {
-    std::uint64_t key;
-    int position;
-
-    friend bool operator<(const Placed& a, const Placed& b) {
-        return bool(int(a.key < b.key) | (int(a.key == b.key) & int(a.position < b.position)));
-    }
-};
-
-// A float's key leaves room for the position in the same word.
-struct PackedPlaced {
-    std::uint64_t word;
-
-    friend bool operator<(const PackedPlaced& a, const PackedPlaced& b) { return a.word < b.word; }
-};
-
-template <class Real>
-using PlacedKey = std::conditional_t<std::is_same_v<Real, float>, PackedPlaced, Placed>;
-
-Placed placed(std::uint64_t key, int position) {
-    return {key, position};
-}
-PackedPlaced placed(std::uint32_t key, int position) {
-    return {std::uint64_t(key) << 32 | static_cast<std::uint32_t>(position)};
-}
-
-int position_of(const Placed& item) {
-    return item.position;
-}
-int position_of(const PackedPlaced& item) {
-    return static_cast<int>(item.word & 0xffffffffu);
-}
-
-}  // namespace
-}  // namespace nequar
 
 CNqRanker::CNqRanker() {
     set_class_name("CNqRanker");
@@ -59,28 +17,35 @@ bool CNqRanker::find(const nequar::Vector<Real>& v, int begin, int end, int rank
     const int count = end - begin;
     if (rank < 0 || rank >= count) return fail("2", kName);
 
-    if (index == nullptr && order == nullptr) {
-        Workspace<RankKey<Real>> keys(count);
-        if (!keys) return fail("3", kName);
-        for (int i = 0; i < count; ++i) keys.data()[i] = rank_key(v[begin + i]);
-        select(keys.data(), count, rank);
-        value = ranked_number<Real>(keys.data()[rank]);
-        return true;
-    }
+    Workspace<RankKey<Real>> keys(count);
+    if (!keys) return fail("3", kName);
+    for (int i = 0; i < count; ++i) keys.data()[i] = rank_key(v[begin + i]);
+    select(keys.data(), count, rank);
+    const RankKey<Real> selected = keys.data()[rank];
 
-    Workspace<PlacedKey<Real>> items(count);
-    if (!items) return fail("3", kName);
-    for (int i = 0; i < count; ++i) items.data()[i] = placed(rank_key(v[begin + i]), begin + i);
-    select(items.data(), count, rank);
-    const int found = position_of(items.data()[rank]);
+    // In descending order: the larger elements, those equal to the selected one, the smaller ones,
+    // each in the order of their positions.
+    int larger = 0;
+    int larger_or_equal = 0;
+    for (int i = 0; i < count; ++i) {
+        larger += keys.data()[i] < selected;
+        larger_or_equal += keys.data()[i] <= selected;
+    }
     if (order != nullptr) {
         int* const positions = order->c_Create(count);
         if (positions == nullptr) {
             adopt_failure_of(*order);
             return fail("3", kName);
         }
-        for (int i = 0; i < count; ++i) positions[i] = position_of(items.data()[i]);
+        int next[] = {0, larger, larger_or_equal};
+        for (int i = begin; i < end; ++i) {
+            const RankKey<Real> key = rank_key(v[i]);
+            positions[next[int(key >= selected) + int(key > selected)]++] = i;
+        }
     }
+    int found = begin;
+    for (int ties_before = rank - larger;; ++found)
+        if (rank_key(v[found]) == selected && ties_before-- == 0) break;
     if (index != nullptr) *index = found;
     value = v[found];
     return true;

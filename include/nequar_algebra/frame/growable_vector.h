@@ -1,8 +1,8 @@
 #pragma once
 
 #include "nequar_algebra/frame/class.h"
+#include "nequar_algebra/frame/growable_storage.h"
 #include "nequar_algebra/frame/vector.h"
-#include "nequar_algebra/frame/zeroed_storage.h"
 
 namespace nequar {
 
@@ -97,7 +97,7 @@ public:
     /// the blank space too; it holds until the vector is next changed.
     Element* z_vpne_Vector_Pointer_and_Number_of_Elements(int& count) noexcept {
         count = count_;
-        return storage_.data();
+        return p();
     }
     const Element* z_vpne_Vector_Pointer_and_Number_of_Elements(int& count) const noexcept {
         count = count_;
@@ -110,7 +110,10 @@ public:
         return z_vpne_Vector_Pointer_and_Number_of_Elements(count);
     }
     /// The elements, unchecked; null for a vector that never held any.
-    Element* p() noexcept { return storage_.data(); }
+    Element* p() noexcept {
+        if (storage_.defined() < room_) clear_blank_space_to(room_);
+        return storage_.data();
+    }
     const Element* p() const noexcept { return storage_.data(); }
     Element& operator[](int i) noexcept { return storage_.data()[i]; }
     const Element& operator[](int i) const noexcept { return storage_.data()[i]; }
@@ -124,12 +127,13 @@ private:
     bool make_room(std::ptrdiff_t needed);
     bool move_to(std::ptrdiff_t room, std::ptrdiff_t kept);
     void change_count(std::ptrdiff_t count) noexcept;
+    void clear_blank_space_to(std::ptrdiff_t end) noexcept;
     void replace_run(std::ptrdiff_t start, std::ptrdiff_t count, const Element* values,
                      std::ptrdiff_t number_of_values) noexcept;
 
-    ZeroedStorage<Element> storage_;
+    GrowableStorage<Element> storage_;
     int count_ = 0;
-    int room_ = 0;  // <= capacity of the storage; what lies beyond `count_` is zero unless written
+    int room_ = 0;  // at most the capacity of the storage
 };
 
 }  // namespace nequar

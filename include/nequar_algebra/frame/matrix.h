@@ -85,6 +85,7 @@ public:
 
 private:
     bool resize(std::ptrdiff_t height, std::ptrdiff_t width) noexcept;
+    void become_empty() noexcept;
 
     Storage<Element> storage_;
     Storage<Element*> rows_;

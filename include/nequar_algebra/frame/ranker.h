@@ -12,13 +12,12 @@ public:
     /// stand at v[begin + rank] if the range were sorted in descending order. v is not changed.
     ///
     /// `index` (may be null) receives the position in v of that element. `order` (may be null)
-    /// receives the end - begin positions of the range, arranged so that order[rank] is that
-    /// element, larger or equal ones stand before it and smaller or equal ones after it, otherwise
-    /// in no particular order.
+    /// receives the end - begin positions of the range, partitioned: first those of the elements
+    /// above that element, then those of all elements equal to it, then the rest, each part in the
+    /// order of the positions. order[rank] is the position that `index` receives.
     ///
-    /// Equal elements rank in the order of their positions, so that index and order[rank] do not
-    /// depend on how the selection runs; 0.0 and -0.0 are equal. A NaN ranks below every number,
-    /// -infinity included.
+    /// Equal elements rank in the order of their positions; 0.0 and -0.0 are equal. A NaN ranks
+    /// below every number, -infinity included, and equals another NaN here.
     ///
     /// False, with outputs untouched, for a range that is empty or not within v ("1"), a rank that
     /// is not in 0 … end-begin-1 ("2"), or memory that cannot be had ("3").

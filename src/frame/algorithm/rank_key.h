@@ -25,13 +25,4 @@ inline RankKey<Real> rank_key(Real x) {
     return x == x ? key : std::numeric_limits<Key>::max();
 }
 
-// The number of a key, a zero without its sign and a NaN without its payload.
-template <class Real>
-inline Real ranked_number(RankKey<Real> key) {
-    using Key = RankKey<Real>;
-    constexpr Key kSign = Key(1) << (std::numeric_limits<Key>::digits - 1);
-    if (key == std::numeric_limits<Key>::max()) return std::numeric_limits<Real>::quiet_NaN();
-    return std::bit_cast<Real>((key & kSign) != 0 ? key : Key(~key & ~kSign));
-}
-
 }  // namespace nequar

@@ -1,0 +1,168 @@
+#include "nequar_algebra/frame/class.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "nequar_algebra/frame/message.h"
+
+namespace {
+
+// A class with methods that fail in every way that a class of the library does.
+class Probe : public CNqClass {
+public:
+    explicit Probe(const char* name = "Probe") { set_class_name(name); }
+
+    void reports() { report("1", "reports_By_pme"); }
+    bool fails() { return fail("singular", "fails_By_zsm"); }
+    void saves() {
+        set_error_detail("saved");
+        zsm_Save_Message("saves_Message");
+    }
+    // A method that calls another one of the same object.
+    bool outer() {
+        const CallScope scope(this);
+        return fails() || fail("2", "outer_Calls_fails");
+    }
+    // A method that calls a member object.
+    bool around(Probe& inner) {
+        if (inner.outer()) return true;
+        adopt_failure_of(inner);
+        return fail("3", "around_Calls_inner");
+    }
+    [[noreturn]] void ends() { end_process("2", "ps_Product_Scalar"); }
+};
+
+TEST(Class, RecordsNameDetailAndMethod) {
+    Probe probe;
+    EXPECT_EQ(probe.gcn_Get_Class_Name(), "Probe");
+    EXPECT_EQ(probe.ged_Get_Error_Detail(), "");
+    EXPECT_EQ(probe.grm_Get_Recorded_Message(), "");
+
+    probe.reports();
+    EXPECT_EQ(probe.ged_Get_Error_Detail(), "1");
+    EXPECT_EQ(probe.grm_Get_Recorded_Message(), "Probe::reports_By_pme: 1");
+    EXPECT_FALSE(probe.fails());
+    EXPECT_EQ(probe.grm_Get_Recorded_Message(), "Probe::fails_By_zsm: singular");
+    EXPECT_EQ(Nq_Last_Message(), "Probe::fails_By_zsm: singular");
+    probe.saves();
+    EXPECT_EQ(Nq_Last_Message(), "Probe::saves_Message: saved");
+
+    probe.cr_Clear_Record();
+    EXPECT_EQ(probe.grm_Get_Recorded_Message(), "");
+    EXPECT_EQ(probe.gft_Get_Failure_Trace(), "");
+    EXPECT_EQ(probe.ged_Get_Error_Detail(), "saved");
+}
+
+TEST(Class, ChainsTheRecordsOfOneCallInnermostFirst) {
+    Probe probe;
+    probe.reports();
+    EXPECT_FALSE(probe.outer());
+    EXPECT_EQ(probe.gft_Get_Failure_Trace(),
+              "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2");
+    EXPECT_EQ(probe.grm_Get_Recorded_Message(), "Probe::outer_Calls_fails: 2");
+
+    Probe user("User");
+    user.reports();
+    for (int again = 0; again < 2; ++again) {
+        EXPECT_FALSE(user.around(probe));
+        EXPECT_EQ(user.gft_Get_Failure_Trace(),
+                  "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2\n"
+                  "User::around_Calls_inner: 3");
+    }
+    // The next call starts a chain of its own.
+    user.reports();
+    EXPECT_EQ(user.gft_Get_Failure_Trace(), "User::reports_By_pme: 1");
+}
+
+TEST(Class, CopiesNameDetailAndFlagButNotTheRecord) {
+    Probe source("Source");
+    source.fails();
+    source.zet_s(true);
+    const Probe copy = source;
+    Probe assigned;
+    assigned = source;
+    Probe through_pointer;
+    through_pointer.cp_Copy(&source);
+    for (const Probe* p : {&copy, &std::as_const(assigned), &std::as_const(through_pointer)}) {
+        EXPECT_EQ(p->gcn_Get_Class_Name(), "Source");
+        EXPECT_EQ(p->ged_Get_Error_Detail(), "singular");
+        EXPECT_TRUE(p->get_Get_Error_Trace_mode());
+        EXPECT_EQ(p->grm_Get_Recorded_Message(), "");
+    }
+    EXPECT_EQ(source.grm_Get_Recorded_Message(), "Source::fails_By_zsm: singular");
+}
+
+TEST(Class, HandsTheTraceFlagOn) {
+    Probe owner, a, b, c, d, e;
+    owner.zet_s(true);
+    owner.zet_x(&a);
+    EXPECT_TRUE(a.get_Get_Error_Trace_mode());
+    owner.zet_x(&a, &b, &c, &d, &e);
+    EXPECT_TRUE(b.get_Get_Error_Trace_mode() && c.get_Get_Error_Trace_mode() &&
+                d.get_Get_Error_Trace_mode() && e.get_Get_Error_Trace_mode());
+    owner.zet_s(false);
+    owner.zet_x(&b, &c, &d);
+    EXPECT_FALSE(b.get_Get_Error_Trace_mode() || c.get_Get_Error_Trace_mode() ||
+                 d.get_Get_Error_Trace_mode());
+    EXPECT_TRUE(e.get_Get_Error_Trace_mode());
+}
+
+TEST(Class, PrintsRecordsOnlyWhileTheTraceFlagIsSet) {
+    Probe probe;
+    testing::internal::CaptureStderr();
+    probe.outer();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    probe.zet_s(true);
+    testing::internal::CaptureStderr();
+    probe.outer();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2\n");
+}
+
+TEST(ClassDeathTest, TheFatalFormPrintsAndEndsWithStatusZero) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(Probe().ends(), testing::ExitedWithCode(0), "^Probe::ps_Product_Scalar: 2\n$");
+}
+
+TEST(Message, TheLastMessageIsWholeUnderConcurrentUse) {
+    // Long enough for a message to be read while it is half written.
+    const std::string as(20000, 'a');
+    const std::string bs(20000, 'b');
+    const std::vector<const char*> names = {as.c_str(), bs.c_str()};
+    Probe(names[0]).fails();
+    std::atomic<bool> all_read = false;
+    std::vector<std::thread> threads;
+    for (const char* const name : names)
+        threads.emplace_back([name, &all_read] {
+            Probe probe(name);
+            while (!all_read) probe.fails();
+        });
+    int torn = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const CNqString message = Nq_Last_Message();
+        torn += std::none_of(names.begin(), names.end(), [&message](const char* name) {
+            return message == (std::string(name) + "::fails_By_zsm: singular").c_str();
+        });
+    }
+    all_read = true;
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(torn, 0);
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(Nq_Print_Message());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              Nq_Last_Message().c_str() + std::string("\n"));
+}
+
+TEST(Message, PrintfPrintsALine) {
+    testing::internal::CaptureStdout();
+    Nq_Printf("dim= %d, %d", 3, 4);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "dim= 3, 4\n");
+}
+
+}  // namespace

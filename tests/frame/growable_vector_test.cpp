@@ -1,0 +1,308 @@
+#include "nequar_algebra/frame/growable_vector.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <numeric>
+#include <random>
+#include <utility>
+#include <vector>
+
+namespace {
+
+template <class Element>
+nequar::GrowableVector<Element> growable(const std::vector<Element>& values) {
+    nequar::GrowableVector<Element> x;
+    x.ap_Append(values.data(), static_cast<int>(values.size()));
+    return x;
+}
+
+template <class Element>
+std::vector<Element> stored(const nequar::GrowableVector<Element>& x) {
+    int count = 0;
+    const Element* const p = x.z_vpne(count);
+    return {p, p + count};
+}
+
+template <class Element>
+class GrowableVectorOf : public testing::Test {};
+using Elements = testing::Types<double, float, int>;
+TYPED_TEST_SUITE(GrowableVectorOf, Elements);
+
+// Random operations, valid and refused, beside the same on a std::vector.
+TYPED_TEST(GrowableVectorOf, DoesWhatTheModelDoes) {
+    using Element = TypeParam;
+    std::mt19937 random(7);
+    const auto below = [&random](std::size_t n) {
+        return static_cast<int>(random() % std::max<std::size_t>(n, 1));
+    };
+    nequar::GrowableVector<Element> x;
+    std::vector<Element> model;
+    Element next = 1;
+    for (int step = 0; step < 20000; ++step) {
+        const int size = static_cast<int>(model.size());
+        const int many = below(7);
+        std::vector<Element> values;
+        for (int k = 0; k < many; ++k) values.push_back(next++);
+        std::vector<int> places;
+        for (int k = 0; k < many; ++k) places.push_back(below(model.size() + 1));
+        std::sort(places.begin(), places.end());
+        switch (below(12)) {
+            case 0: {
+                ASSERT_TRUE(x.ae_Append_Element(next));
+                model.push_back(next++);
+                break;
+            }
+            case 1: {
+                ASSERT_TRUE(x.ap_Append(values.data(), many));
+                model.insert(model.end(), values.begin(), values.end());
+                break;
+            }
+            case 2: {  // from its own elements
+                const int count = below(model.size() + 1);
+                ASSERT_TRUE(x.ap_Append(&x, count));
+                model.reserve(model.size() * 2);
+                model.insert(model.end(), model.begin(), model.begin() + count);
+                break;
+            }
+            case 3: {
+                const int place = below(model.size() + 1);
+                ASSERT_TRUE(x.i_Insert(place, next));
+                model.insert(model.begin() + place, next++);
+                break;
+            }
+            case 4:
+            case 5: {
+                ASSERT_TRUE(x.i_Insert(values.data(), places.data(), many));
+                for (int k = many - 1; k >= 0; --k)
+                    model.insert(model.begin() + places[static_cast<std::size_t>(k)],
+                                 values[static_cast<std::size_t>(k)]);
+                break;
+            }
+            case 6:
+            case 7: {
+                places.erase(std::unique(places.begin(), places.end()), places.end());
+                if (!places.empty() && places.back() == size) places.pop_back();
+                ASSERT_TRUE(x.d_Delete(places.data(), static_cast<int>(places.size())));
+                for (std::size_t k = places.size(); k-- > 0;)
+                    model.erase(model.begin() + places[k]);
+                break;
+            }
+            case 8: {
+                const int start = below(model.size() + 1);
+                const int count = below(model.size() - static_cast<std::size_t>(start) + 1);
+                ASSERT_TRUE(x.r_Replace(start, count, values.data(), many));
+                model.erase(model.begin() + start, model.begin() + start + count);
+                model.insert(model.begin() + start, values.begin(), values.end());
+                break;
+            }
+            case 9: {
+                const int count = below(model.size() + 9);
+                ASSERT_TRUE(x.z_cne(count));
+                model.resize(static_cast<std::size_t>(count));
+                break;
+            }
+            case 10: {
+                ASSERT_TRUE(below(2) == 0 ? x.mbs(many) && x.sbs() == many
+                                          : x.is_Initialize_Space(many * 20));
+                break;
+            }
+            default: {
+                ASSERT_FALSE(x.i_Insert(-1, next) || x.i_Insert(size + 1, next) ||
+                             x.d_Delete(size) || x.d_Delete(-1) || x.se_Set_Element(size, next) ||
+                             x.r_Replace(size, 1, values.data(), 0) || x.z_cne(-1));
+                if (size > 60) {
+                    x.in_Initialize(many);
+                    model.clear();
+                }
+            }
+        }
+        ASSERT_EQ(stored(x), model) << "step " << step;
+    }
+}
+
+// A vector of values and one of indices that are treated alike keep the same blank space.
+TEST(GrowableVector, BlankSpaceDependsOnTheOperationsAlone) {
+    CNqXvector values;
+    CNqXvectorInt indices;
+    indices.in_Initialize(1000);
+    indices.in_Initialize(3);
+    values.in_Initialize(3);
+    EXPECT_EQ(values.sbs(), 3);
+    for (int i = 0; i < 100; ++i) {
+        values.ae_Append_Element(i);
+        indices.ae_Append_Element(i);
+        ASSERT_EQ(values.sbs(), indices.sbs()) << i;
+        if (i % 7 == 0) {
+            values.i_Insert(i / 2, 1.0);
+            indices.i_Insert(i / 2, 1);
+        }
+        if (i == 50) {
+            values = CNqXvector(values);
+            CNqXvectorInt other;
+            other.in_Initialize(5000);
+            other = indices;
+            indices = std::move(other);
+        }
+    }
+    EXPECT_EQ(values.nee() + values.sbs(), indices.nee() + indices.sbs());
+}
+
+TYPED_TEST(GrowableVectorOf, ElementsThatComeInAreZeroOrWhatWasWrittenThere) {
+    nequar::GrowableVector<TypeParam> x;
+    ASSERT_TRUE(x.in_Initialize(6));
+    int count = -1;
+    TypeParam* const p = x.z_vpne(count);
+    EXPECT_EQ(count, 0);
+    p[0] = 5;
+    p[1] = 6;
+    ASSERT_TRUE(x.z_cne(3));
+    EXPECT_EQ(stored(x), (std::vector<TypeParam>{5, 6, 0}));
+    x.z_cne(1);
+    x.z_cne(40);
+    std::vector<TypeParam> expected(40);
+    expected[0] = 5;
+    EXPECT_EQ(stored(x), expected);
+    // Written, given up and taken back again, across a move to a larger block.
+    for (int i = 0; i < 40; ++i) x[i] = 1;
+    x.in_Initialize(2);
+    x.z_cne(50);
+    EXPECT_EQ(stored(x), std::vector<TypeParam>(50));
+}
+
+TEST(GrowableVector, TakesListsFromItsOwnStorage) {
+    for (const bool has_room : {false, true}) {
+        CNqXvectorInt x = growable<int>({0, 1, 1, 3});
+        x.mbs(has_room ? 100 : 0);
+        int count = 0;
+        int* p = x.z_vpne(count);
+        ASSERT_TRUE(x.i_Insert(p, p, 4));  // its elements are values and positions at once
+        EXPECT_EQ(stored(x), (std::vector<int>{0, 0, 1, 1, 1, 1, 3, 3}));
+        p = x.z_vpne(count);
+        ASSERT_TRUE(x.r_Replace(1, 2, p + 2, 6));
+        EXPECT_EQ(stored(x), (std::vector<int>{0, 1, 1, 1, 1, 3, 3, 1, 1, 1, 3, 3}));
+        x = growable<int>({0, 2, 3, 9});
+        ASSERT_TRUE(x.d_Delete(x.z_vpne(count), 3));
+        EXPECT_EQ(stored(x), (std::vector<int>{2}));
+        ASSERT_TRUE(x.r_Replace(0, 1, &x));
+        ASSERT_TRUE(x.i_Insert(&x, &x) == false);  // position 2 of one element
+        EXPECT_EQ(stored(x), (std::vector<int>{2}));
+    }
+}
+
+TEST(GrowableVector, RefusesBadListsWithNothingChanged) {
+    CNqXvector x = growable<double>({1, 2, 3});
+    const CNqXvector before = x;
+    CNqVector values;
+    values.c_Create(2, 9.0);
+    for (const auto& [a, b] : {std::pair(1, 0), {-1, 0}, {0, 4}, {INT_MIN, INT_MAX}, {3, -3}}) {
+        CNqVectorInt positions;
+        positions.c_Create(2);
+        positions[0] = a;
+        positions[1] = b;
+        EXPECT_FALSE(x.i_Insert(&values, &positions)) << a << ' ' << b;
+        EXPECT_EQ(x.grm_Get_Recorded_Message(), "CNqXvector::i_Insert: 1");
+        EXPECT_FALSE(x.d_Delete(&positions)) << a << ' ' << b;
+    }
+    const int twice[] = {1, 1};
+    EXPECT_FALSE(x.d_Delete(twice, 2));
+    EXPECT_FALSE(x.d_Delete(twice, -1));
+    CNqVectorInt one;
+    one.c_Create(1, 0);
+    EXPECT_FALSE(x.i_Insert(&values, &one));
+    EXPECT_FALSE(x.r_Replace(INT_MAX, INT_MAX, &values));
+    EXPECT_FALSE(x.r_Replace(1, INT_MAX, &values));
+    EXPECT_FALSE(x.r_Replace(0, -1, &values));
+    EXPECT_FALSE(x.ap_Append(&values, 3));
+    EXPECT_FALSE(x.ap_Append(&values, -1));
+    EXPECT_FALSE(x.in_Initialize(-1));
+    EXPECT_FALSE(x.is_Initialize_Space(-1));
+    EXPECT_FALSE(x.mbs(-1));
+    EXPECT_FALSE(x.mbs(INT_MAX));
+    EXPECT_EQ(x.ged_Get_Error_Detail(), "2");
+    EXPECT_TRUE(x == before);
+    EXPECT_EQ(x.sbs(), before.sbs());
+}
+
+TEST(GrowableVector, ReadsOutsideAsZeroAndReportsIt) {
+    CNqXvectorFloat x = growable<float>({4.0f});
+    EXPECT_EQ(x.ge_Get_Element(0), 4.0f);
+    for (const int i : {1, -1, INT_MIN, INT_MAX}) {
+        x.cr_Clear_Record();
+        EXPECT_EQ(x.ge_Get_Element(i), 0.0f);
+        EXPECT_EQ(x.grm_Get_Recorded_Message(), "CNqXvectorFloat::ge_Get_Element: 1");
+        EXPECT_FALSE(x.se_Set_Element(i, 1.0f));
+    }
+    EXPECT_TRUE(x.se_Set_Element(0, 2.0f));
+    EXPECT_EQ(x[0], 2.0f);
+}
+
+TEST(GrowableVector, CopiesAndMoves) {
+    CNqXvectorInt x = growable<int>({1, 2, 3});
+    CNqXvectorInt copy = x;
+    copy.se_Set_Element(0, 7);
+    EXPECT_EQ(stored(x), (std::vector<int>{1, 2, 3}));
+    CNqXvectorInt moved = std::move(copy);
+    EXPECT_EQ(moved.nee(), 3);
+    EXPECT_EQ(copy.nee() + copy.sbs(), 0);
+    copy.ae_Append_Element(4);
+    EXPECT_EQ(stored(copy), (std::vector<int>{4}));
+    moved = std::move(copy);
+    EXPECT_EQ(stored(moved), (std::vector<int>{4}));
+    EXPECT_TRUE(copy == CNqXvectorInt());
+    EXPECT_TRUE(copy.z_cne(3));
+    EXPECT_EQ(stored(copy), std::vector<int>(3));
+    const CNqXvectorInt& same = moved;
+    moved = same;
+    EXPECT_TRUE(moved.cp_Copy(&moved));
+    EXPECT_EQ(stored(moved), (std::vector<int>{4}));
+}
+
+TEST(GrowableVector, MovesItsElementsOnlyOftenEnough) {
+    CNqXvectorInt x;
+    int moves = 0;
+    for (int i = 0; i < 100000; ++i) {
+        moves += x.sbs() == 0;
+        x.ae_Append_Element(i);
+    }
+    EXPECT_LT(moves, 20);
+    EXPECT_EQ(x[99999], 99999);
+}
+
+// A large reserved room costs nothing until it is used, and one that cannot be had is refused.
+TEST(GrowableVector, ReservesWithoutTouching) {
+    const auto most_resident_kib = [] {
+        struct rusage usage {};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    const long before = most_resident_kib();
+    CNqXvector x = growable<double>({1, 2});
+    ASSERT_TRUE(x.is_Initialize_Space(200 << 20));
+    EXPECT_EQ(stored(x), (std::vector<double>{1, 2}));
+    x.z_cne(3);
+    EXPECT_EQ(x[2], 0.0);
+    EXPECT_LT(most_resident_kib() - before, 1 << 20);
+}
+
+#if !defined(__SANITIZE_ADDRESS__)  // the sanitizer needs the address space that is taken away here
+TEST(GrowableVectorDeathTest, RefusesRoomThatCannotBeHad) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto within_one_gigabyte = [] {
+        const rlimit limit{rlim_t(1) << 30, rlim_t(1) << 30};
+        setrlimit(RLIMIT_AS, &limit);
+        CNqXvector x = growable<double>({1, 2});
+        const CNqXvector before = x;
+        const bool refused = !x.in_Initialize(INT_MAX) && !x.is_Initialize_Space(INT_MAX) &&
+                             !x.z_cne(INT_MAX) && !x.mbs(INT_MAX - 2);
+        const bool unchanged = x == before && x.sbs() == before.sbs();
+        std::exit(refused && unchanged && x.ged_Get_Error_Detail() == "2" ? 0 : 1);
+    };
+    EXPECT_EXIT(within_one_gigabyte(), testing::ExitedWithCode(0), "");
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,170 @@
+#include "nequar_algebra/frame/random.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace {
+
+constexpr int kSamples = 1000000;
+
+std::vector<double> gaussians(int seed, int count = kSamples) {
+    std::vector<double> x(static_cast<std::size_t>(count));
+    for (double& sample : x) sample = static_cast<double>(Nq_Rand_Gaussianf(seed));
+    return x;
+}
+
+// The p-th moment of the samples, in standard errors off its expectation. The variance of x^p is
+// E x^2p - (E x^p)^2, with E x^2k = (2k-1)!!.
+double moment_deviation(const std::vector<double>& x, int p) {
+    const auto expected = [](int k) {
+        double product = k % 2 == 0 ? 1.0 : 0.0;
+        for (int i = k - 1; i > 1; i -= 2) product *= i;
+        return product;
+    };
+    double sum = 0.0;
+    for (const double sample : x) sum += std::pow(sample, p);
+    const double n = static_cast<double>(x.size());
+    const double variance = expected(2 * p) - expected(p) * expected(p);
+    return std::fabs(sum / n - expected(p)) / std::sqrt(variance / n);
+}
+
+// Kolmogorov and Smirnov's statistic, sqrt(n) times the largest distance to the normal
+// distribution.
+double kolmogorov_smirnov(std::vector<double> x) {
+    std::sort(x.begin(), x.end());
+    const double n = static_cast<double>(x.size());
+    double distance = 0.0;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const double normal = 0.5 * std::erfc(-x[i] / std::sqrt(2.0));
+        const double below = static_cast<double>(i);
+        distance = std::max({distance, normal - below / n, (below + 1.0) / n - normal});
+    }
+    return distance * std::sqrt(n);
+}
+
+// sqrt(n) times the correlation of x with y shifted by `lag`: standard normal when independent.
+double correlation(const std::vector<double>& x, const std::vector<double>& y, int lag) {
+    double sum = 0.0;
+    const std::size_t count = x.size() - static_cast<std::size_t>(lag);
+    for (std::size_t i = 0; i < count; ++i) sum += x[i + static_cast<std::size_t>(lag)] * y[i];
+    return std::fabs(sum) / std::sqrt(static_cast<double>(count));
+}
+
+class GaussianSeed : public testing::TestWithParam<int> {};
+
+TEST_P(GaussianSeed, GivesIndependentNormalSamples) {
+    const std::vector<double> x = gaussians(GetParam());
+    for (int p = 1; p <= 8; ++p) EXPECT_LT(moment_deviation(x, p), 4.5) << p;
+    EXPECT_LT(kolmogorov_smirnov(x), 1.95);  // 0.1 %
+    for (const int lag : {1, 2, 3, 4, 5, 10, 100, 1000, 65536})
+        EXPECT_LT(correlation(x, x, lag), 4.5) << lag;
+    std::vector<double> squares = x;
+    for (double& s : squares) s = (s * s - 1.0) / std::sqrt(2.0);
+    for (const int lag : {1, 2, 3, 64}) EXPECT_LT(correlation(squares, squares, lag), 4.5) << lag;
+    // Beyond 4.5 one expects 6.8 of 10^6, on both sides; beyond 3.6541, where the tail begins, 258.
+    const auto beyond = [&x](double limit) {
+        return std::count_if(x.begin(), x.end(), [=](double s) { return std::fabs(s) > limit; });
+    };
+    EXPECT_GT(beyond(4.5), 0);
+    EXPECT_LT(beyond(4.5), 25);
+    EXPECT_NEAR(static_cast<double>(beyond(3.6541528853610088)), 258.0, 80.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, GaussianSeed, testing::Values(0, 1, -1, 1700000000, INT_MIN));
+
+TEST(Gaussian, NeighbouringSeedsAreUncorrelated) {
+    constexpr int kShort = 100000;
+    for (const int seed : {0, -3, 1700000000, INT_MAX - 8}) {
+        const std::vector<double> x = gaussians(seed, kShort);
+        for (const int step : {1, 2, 7})
+            for (const int lag : {0, 1, 2}) {
+                const std::vector<double> y = gaussians(seed + step, kShort);
+                EXPECT_LT(correlation(x, y, lag), 4.5) << seed << ' ' << step;
+                EXPECT_LT(correlation(y, x, lag), 4.5) << seed << ' ' << step;
+            }
+    }
+    // The first samples of successive seeds are a sample of their own.
+    std::vector<double> firsts;
+    for (int seed = -kShort; seed < kShort; ++seed) firsts.push_back(gaussians(seed, 1)[0]);
+    EXPECT_LT(kolmogorov_smirnov(firsts), 1.95);
+    EXPECT_LT(correlation(firsts, firsts, 1), 4.5);
+}
+
+TEST(Gaussian, AdvancesTheStateOncePerSample) {
+    int a = 5;
+    int b = 5;
+    std::vector<int> states;
+    for (int i = 0; i < kSamples; ++i) {
+        EXPECT_EQ(Nq_Rand_Gaussianf(a), Nq_Rand_Gaussianf(b));
+        states.push_back(a);
+    }
+    std::sort(states.begin(), states.end());
+    EXPECT_EQ(std::adjacent_find(states.begin(), states.end()), states.end());
+}
+
+template <class Generator>
+class GeneratorOf : public testing::Test {};
+using Generators = testing::Types<CNqRandom_Number_Generator, CNqRandomFloat_Number_Generator>;
+TYPED_TEST_SUITE(GeneratorOf, Generators);
+
+TYPED_TEST(GeneratorOf, IsUniformWithinItsBounds) {
+    using Real = decltype(TypeParam().gu(0, 1));
+    constexpr Real kMost = std::numeric_limits<Real>::max();
+    TypeParam generator;
+    std::vector<int> cells(100);
+    for (int i = 0; i < kSamples; ++i) {
+        const Real x = generator.gu(-2, 3);
+        ASSERT_TRUE(x >= -2 && x < 3);
+        ++cells[static_cast<std::size_t>((x + 2) * 20)];
+    }
+    double chi_squared = 0.0;
+    for (const int count : cells) chi_squared += std::pow(count - 1e4, 2) / 1e4;
+    EXPECT_LT(chi_squared, 160.0);  // 99 degrees of freedom: 0.01 %
+
+    int negative = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const Real wide = generator.gu(-kMost, kMost);
+        ASSERT_TRUE(std::isfinite(wide) && wide < kMost);
+        negative += wide < 0;
+        const Real next = std::nextafter(Real(1), Real(2));
+        ASSERT_EQ(generator.gu(1, next), 1);
+        ASSERT_EQ(generator.gu(-next, -1), -next);
+    }
+    EXPECT_NEAR(negative, 500, 80);
+    EXPECT_EQ(generator.gu(4, 4), 4);
+    const Real not_finite[] = {std::nan(""), std::numeric_limits<Real>::infinity()};
+    for (const Real bad : not_finite) {
+        EXPECT_EQ(generator.gu(1, bad), 0);
+        EXPECT_EQ(generator.gu(-bad, 1), 0);
+    }
+    EXPECT_EQ(generator.gu(2, 1), 0);
+    EXPECT_EQ(generator.ged_Get_Error_Detail(), "1");
+}
+
+TYPED_TEST(GeneratorOf, IsGaussianAndResumesFromItsSeed) {
+    using Real = decltype(TypeParam().gg(0, 1));
+    TypeParam generator;
+    generator.ss_Set_Seed(-7);
+    std::vector<double> x;
+    for (int i = 0; i < kSamples; ++i)
+        x.push_back((static_cast<double>(generator.gg(10, 4)) - 10.0) / 2.0);
+    EXPECT_LT(moment_deviation(x, 1), 4.5);
+    EXPECT_LT(moment_deviation(x, 2), 4.5);
+    EXPECT_LT(kolmogorov_smirnov(x), 1.95);
+
+    TypeParam resumed;
+    resumed.ss_Set_Seed(generator.gs_Get_Seed());
+    EXPECT_EQ(resumed.gg(0, 1), generator.gg(0, 1));
+    EXPECT_EQ(generator.gg(3, 0), 3);
+    for (const Real bad : {Real(-1), std::numeric_limits<Real>::quiet_NaN()}) {
+        EXPECT_EQ(generator.gg(3, bad), 0);
+        EXPECT_EQ(generator.ged_Get_Error_Detail(), "negative variance");
+    }
+}
+
+}  // namespace

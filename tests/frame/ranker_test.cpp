@@ -1,0 +1,116 @@
+#include "nequar_algebra/frame/ranker.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <numeric>
+#include <random>
+#include <vector>
+
+namespace {
+
+template <class Real>
+class RankerOf : public testing::Test {};
+using Reals = testing::Types<double, float>;
+TYPED_TEST_SUITE(RankerOf, Reals);
+
+// Positions begin … end-1 in descending order of their elements, NaN last, equal ones in order.
+template <class Real>
+std::vector<int> ranked(const nequar::Vector<Real>& v, int begin, int end) {
+    std::vector<int> order(static_cast<std::size_t>(end - begin));
+    std::iota(order.begin(), order.end(), begin);
+    std::stable_sort(order.begin(), order.end(), [&v](int a, int b) {
+        return std::isnan(v[a]) ? false : std::isnan(v[b]) || v[a] > v[b];
+    });
+    return order;
+}
+
+template <class Real>
+void expect_ranks(const nequar::Vector<Real>& v, int begin, int end, int rank) {
+    const std::vector<int> sorted = ranked(v, begin, end);
+    const Real expected = v[sorted[static_cast<std::size_t>(rank)]];
+    const auto same = [](Real a, Real b) { return a == b || (std::isnan(a) && std::isnan(b)); };
+    CNqRanker ranker;
+    Real value = -77;
+    ASSERT_TRUE(ranker.fklbp(v, begin, end, rank, value, nullptr, nullptr));
+    EXPECT_TRUE(same(value, expected)) << value << " for " << expected;
+    int index = -1;
+    CNqVectorInt order;
+    value = -77;
+    ASSERT_TRUE(ranker.fklbp(v, begin, end, rank, value, &index, &order));
+    EXPECT_TRUE(same(value, expected));
+    ASSERT_EQ(index, sorted[static_cast<std::size_t>(rank)]);
+    ASSERT_EQ(order.vs(), end - begin);
+    EXPECT_EQ(order[rank], index);
+    // The parts before and after hold the positions that the sorted order has there.
+    const int* const o = order.p();
+    const auto middle = sorted.begin() + rank;
+    EXPECT_TRUE(std::is_permutation(o, o + rank, sorted.begin(), middle));
+    EXPECT_TRUE(std::is_permutation(o + rank, o + order.vs(), middle, sorted.end()));
+}
+
+TYPED_TEST(RankerOf, FindsEveryRankOfDistinctRepeatedAndSpecialValues) {
+    std::mt19937 random(3);
+    constexpr TypeParam kInfinity = std::numeric_limits<TypeParam>::infinity();
+    constexpr TypeParam kNaN = std::numeric_limits<TypeParam>::quiet_NaN();
+    const TypeParam special[] = {0,
+                                 TypeParam(-0.0),
+                                 kInfinity,
+                                 -kInfinity,
+                                 kNaN,
+                                 -kNaN,
+                                 std::numeric_limits<TypeParam>::denorm_min(),
+                                 -std::numeric_limits<TypeParam>::max(),
+                                 1};
+    for (const int n : {1, 2, 23, 24, 25, 26, 100, 1000}) {
+        for (int kind = 0; kind < 5; ++kind) {
+            nequar::Vector<TypeParam> v;
+            v.c_Create(n + 2, kInfinity);  // nothing outside the range may be looked at
+            for (int i = 0; i < n; ++i) {
+                const auto k = static_cast<TypeParam>(i);
+                const TypeParam choices[] = {static_cast<TypeParam>(random()) - TypeParam(2e9), k,
+                                             -k, static_cast<TypeParam>(random() % 3),
+                                             special[random() % std::size(special)]};
+                v[i + 1] = choices[kind];
+            }
+            const nequar::Vector<TypeParam> before = v;
+            for (int rank = 0; rank < n; rank += n < 30 ? 1 : n / 9)
+                expect_ranks(v, 1, n + 1, rank);
+            expect_ranks(v, 1, n + 1, n - 1);
+            if (kind < 4) {
+                EXPECT_TRUE(v == before);
+            }
+        }
+    }
+}
+
+TYPED_TEST(RankerOf, RefusesBadRangesAndRanksWithOutputsUntouched) {
+    nequar::Vector<TypeParam> v;
+    v.c_Create(5, 2);
+    CNqRanker ranker;
+    TypeParam value = 7;
+    int index = 7;
+    CNqVectorInt order;
+    for (const auto& [begin, end, rank, detail] : {std::tuple(-1, 3, 0, "1"),
+                                                   {0, 6, 0, "1"},
+                                                   {2, 2, 0, "1"},
+                                                   {3, 2, 0, "1"},
+                                                   {INT_MIN, INT_MAX, 0, "1"},
+                                                   {0, 5, 5, "2"},
+                                                   {0, 5, -1, "2"},
+                                                   {2, 4, 2, "2"}}) {
+        EXPECT_FALSE(ranker.fklbp(v, begin, end, rank, value, &index, &order));
+        EXPECT_EQ(ranker.ged_Get_Error_Detail(), detail);
+    }
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(index, 7);
+    EXPECT_EQ(order.vs(), 0);
+    EXPECT_EQ(ranker.grm_Get_Recorded_Message(),
+              "CNqRanker::fklbp_Find_k_th_Largest_value_by_Binary_Partitioning: 2");
+}
+
+}  // namespace
