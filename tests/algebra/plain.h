@@ -1,0 +1,155 @@
+// Matrices and vectors for tests, and what they should come to: plain loops in double.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <initializer_list>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "nequar_algebra/algebra.h"
+
+namespace plain {
+
+using Reals = ::testing::Types<double, float>;
+
+template <class Real>
+nequar::Matrix<Real> matrix(int h, int w, std::initializer_list<double> elements) {
+    nequar::Matrix<Real> A;
+    A.c_Create(h, w);
+    int i = 0;
+    for (const double x : elements) A[0][i++] = static_cast<Real>(x);
+    return A;
+}
+
+template <class Real>
+nequar::Vector<Real> vector(std::initializer_list<double> elements) {
+    nequar::Vector<Real> v;
+    v.c_Create(static_cast<int>(elements.size()));
+    int i = 0;
+    for (const double x : elements) v[i++] = static_cast<Real>(x);
+    return v;
+}
+
+inline CNqVectorInt indices(std::initializer_list<int> elements) {
+    CNqVectorInt v;
+    v.c_Create(static_cast<int>(elements.size()));
+    int i = 0;
+    for (const int x : elements) v[i++] = x;
+    return v;
+}
+
+template <class Real>
+void randomize(Real* x, int n, unsigned seed) {
+    std::mt19937 engine(seed);
+    std::uniform_real_distribution<double> uniform(-1, 1);
+    for (int i = 0; i < n; ++i) x[i] = static_cast<Real>(uniform(engine));
+}
+
+template <class Real>
+nequar::Matrix<Real> random_matrix(int h, int w, unsigned seed) {
+    nequar::Matrix<Real> A;
+    A.c_Create(h, w);
+    randomize(A.p()[0], h * w, seed);
+    return A;
+}
+
+template <class Real>
+nequar::Vector<Real> random_vector(int n, unsigned seed) {
+    nequar::Vector<Real> v;
+    v.c_Create(n);
+    randomize(v.p(), n, seed);
+    return v;
+}
+
+// largest = max(largest, x), where a NaN stays.
+inline void raise(double& largest, double x) {
+    if (!std::isnan(largest) && !(x <= largest)) largest = x;
+}
+
+// A matrix of doubles, element by element from a function.
+using Element = std::function<double(int, int)>;
+
+template <class Real>
+double largest_difference(const nequar::Matrix<Real>& A, int h, int w, const Element& expected) {
+    if (A.mh() != h || A.mw() != w) return std::numeric_limits<double>::quiet_NaN();
+    double largest = 0;
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) raise(largest, std::abs(double(A[y][x]) - expected(y, x)));
+    return largest;
+}
+
+template <class Real>
+double largest_difference(const nequar::Vector<Real>& v, int n,
+                          const std::function<double(int)>& expected) {
+    if (v.vs() != n) return std::numeric_limits<double>::quiet_NaN();
+    double largest = 0;
+    for (int i = 0; i < n; ++i) raise(largest, std::abs(double(v[i]) - expected(i)));
+    return largest;
+}
+
+// What n operations on numbers up to one may lose.
+template <class Real>
+double bound(int n) {
+    return (8.0 + n) * std::numeric_limits<Real>::epsilon();
+}
+
+// sum of left(y, k) right(k, x), k < inner
+inline Element product(const Element& left, const Element& right, int inner) {
+    return [=](int y, int x) {
+        double sum = 0;
+        for (int k = 0; k < inner; ++k) sum += left(y, k) * right(k, x);
+        return sum;
+    };
+}
+
+template <class Real>
+Element of(const nequar::Matrix<Real>& A) {
+    return [A](int y, int x) { return double(A[y][x]); };
+}
+
+template <class Real>
+Element transpose_of(const nequar::Matrix<Real>& A) {
+    return [A](int y, int x) { return double(A[x][y]); };
+}
+
+template <class Real>
+Element column_of(const nequar::Vector<Real>& v) {
+    return [v](int y, int) { return double(v[y]); };
+}
+
+template <class Real>
+Element row_of(const nequar::Vector<Real>& v) {
+    return [v](int, int x) { return double(v[x]); };
+}
+
+template <class Real>
+Element diagonal_of(const nequar::Vector<Real>& d) {
+    return [d](int y, int x) { return y == x ? double(d[x]) : 0.0; };
+}
+
+// The record of one failure: "Class::method: detail", and nothing before it.
+template <class Object>
+::testing::AssertionResult failed_with(const Object& object, const std::string& method,
+                                       const std::string& detail) {
+    const std::string expected =
+        std::string(object.gcn_Get_Class_Name().c_str()) + "::" + method + ": " + detail;
+    const std::string recorded = object.grm_Get_Recorded_Message().c_str();
+    const std::string trace = object.gft_Get_Failure_Trace().c_str();
+    if (recorded != expected || trace != expected ||
+        !(object.ged_Get_Error_Detail() == detail.c_str()))
+        return ::testing::AssertionFailure() << "recorded \"" << recorded << "\", trace \"" << trace
+                                             << "\", expected \"" << expected << '"';
+    return ::testing::AssertionSuccess();
+}
+
+template <class Object>
+bool never_failed(const Object& object) {
+    return object.grm_Get_Recorded_Message().size() == 0;
+}
+
+}  // namespace plain
