@@ -15,12 +15,16 @@ std::span<const Row> row_table() {
         {"mmt", "C = A B', objects", NEQUAR_PATTERN(make_object_product, nt)},
         {"mtm", "C = A' B, objects", NEQUAR_PATTERN(make_object_product, tn)},
         {"LU", "P A = L U in place, u_dluc", NEQUAR_BOTH(make_lu)},
+        {"LUP", "P A = L U in place, partial pivoting, u_dlup", NEQUAR_BOTH(make_lup)},
         {"Cholesky", "A = L L' in place, u_dch", NEQUAR_BOTH(make_cholesky)},
         {"solve LU 1", "one right-hand side, slu", NEQUAR_BOTH(make_solve_lu_vector)},
         {"solve LU n", "n right-hand sides, slu", NEQUAR_BOTH(make_solve_lu_matrix)},
+        {"solve LUP 1", "one right-hand side, slup", NEQUAR_BOTH(make_solve_lup_vector)},
+        {"solve LUP n", "n right-hand sides, slup", NEQUAR_BOTH(make_solve_lup_matrix)},
         {"solve LL' 1", "one right-hand side, sll", NEQUAR_BOTH(make_solve_cholesky_vector)},
         {"solve LL' n", "n right-hand sides, sll", NEQUAR_BOTH(make_solve_cholesky_matrix)},
-        {"inverse", "by LU, ilu", NEQUAR_BOTH(make_inverse)},
+        {"inverse LU", "ilu", NEQUAR_BOTH(make_inverse_lu)},
+        {"inverse LUP", "ilup", NEQUAR_BOTH(make_inverse_lup)},
     };
     return rows;
 }

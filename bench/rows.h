@@ -15,7 +15,9 @@ template <class Real, Pattern pattern>
 Case make_object_product(Size n);
 
 template <class Real>
-Case make_lu(Size n);  // in place, u_dluc_
+Case make_lu(Size n);  // in place, pivots before the update, u_dluc_
+template <class Real>
+Case make_lup(Size n);  // in place, partial pivoting, u_dlup_
 template <class Real>
 Case make_cholesky(Size n);  // in place, u_dch_
 template <class Real>
@@ -23,10 +25,16 @@ Case make_solve_lu_vector(Size n);  // slu_, one right-hand side
 template <class Real>
 Case make_solve_lu_matrix(Size n);  // slu_, n right-hand sides
 template <class Real>
+Case make_solve_lup_vector(Size n);  // slup_
+template <class Real>
+Case make_solve_lup_matrix(Size n);
+template <class Real>
 Case make_solve_cholesky_vector(Size n);  // sll_
 template <class Real>
 Case make_solve_cholesky_matrix(Size n);
 template <class Real>
-Case make_inverse(Size n);  // ilu_
+Case make_inverse_lu(Size n);  // ilu_
+template <class Real>
+Case make_inverse_lup(Size n);  // ilup_
 
 }  // namespace bench

@@ -23,32 +23,49 @@ struct State {
 
 constexpr double kWrong = std::numeric_limits<double>::infinity();
 
-}  // namespace
-
-template <class Real>
-Case make_lu(Size size) {
+// Ours is factor(state).
+template <class Real, class Factor>
+Case make_any_lu(Size size, Factor factor) {
     const auto s = std::make_shared<State<Real>>(dominant_matrix<Real>(size));
     const auto n = static_cast<double>(size);
     Case one{2.0 / 3 * n * n * n, {}};
-    const auto run = [s] {
+    const auto run = [s, factor] {
         s->work.cp_Copy(&s->a);
-        s->good = s->solver.u_dluc_Decompose_into_LU_matrices_by_Crout(&s->work, &s->perm,
-                                                                       s->interchanges);
+        s->good = factor(*s);
     };
-    one.contenders.push_back({Who::nequar, run, [s] {
-                                  if (!s->good) return kWrong;
-                                  const std::vector<int> perm(s->perm.p(),
-                                                              s->perm.p() + s->perm.vs());
-                                  return error_of_lu(s->problem, rows_of(s->work), perm);
-                              }});
+    const auto error = [s] {
+        if (!s->good) return kWrong;
+        const std::vector<int> perm(s->perm.p(), s->perm.p() + s->perm.vs());
+        return error_of_lu(s->problem, rows_of(s->work), perm);
+    };
+    one.contenders.push_back({Who::nequar, run, error});
     for (const auto& [who, peer] : peers<Real>()) {
         const PeerTask<Real> task = peer->lu(s->problem);
-        one.contenders.push_back({who, task.run, [s, task] {
-                                      const PeerResult<Real> result = task.result();
-                                      return error_of_lu(s->problem, result.rows, result.perm);
-                                  }});
+        const auto error_of_peer = [s, task] {
+            const PeerResult<Real> result = task.result();
+            return error_of_lu(s->problem, result.rows, result.perm);
+        };
+        one.contenders.push_back({who, task.run, error_of_peer});
     }
     return one;
+}
+
+}  // namespace
+
+template <class Real>
+Case make_lu(Size n) {
+    return make_any_lu<Real>(n, [](State<Real>& s) {
+        return s.solver.u_dluc_Decompose_into_LU_matrices_by_Crout(&s.work, &s.perm,
+                                                                   s.interchanges);
+    });
+}
+
+template <class Real>
+Case make_lup(Size n) {
+    return make_any_lu<Real>(n, [](State<Real>& s) {
+        return s.solver.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&s.work, &s.perm,
+                                                                                s.interchanges);
+    });
 }
 
 template <class Real>
@@ -77,6 +94,7 @@ Case make_cholesky(Size size) {
     template Case make<double>(Size); \
     template Case make<float>(Size);
 NEQUAR_BOTH(make_lu)
+NEQUAR_BOTH(make_lup)
 NEQUAR_BOTH(make_cholesky)
 
 }  // namespace bench

@@ -69,6 +69,19 @@ Case make_solve_lu(Size size, Size k) {
 }
 
 template <class Real>
+Case make_solve_lup(Size size, Size k) {
+    const auto n = static_cast<double>(size);
+    const double flops = 2.0 / 3 * n * n * n + 2 * n * n * static_cast<double>(k);
+    const auto s = std::make_shared<State<Real>>(dominant_matrix<Real>(size), k);
+    const auto run = [](State<Real>& state) {
+        return state.right.width == 1
+                   ? state.solver.slup_Solve_based_on_LUP(&state.a, &state.b1, &state.x1)
+                   : state.solver.slup_Solve_based_on_LUP(&state.a, &state.b, &state.x);
+    };
+    return make_solve<Real>(s, flops, run, &Peer<Real>::solve_lu);
+}
+
+template <class Real>
 Case make_solve_cholesky(Size size, Size k) {
     const auto n = static_cast<double>(size);
     const double flops = 1.0 / 3 * n * n * n + 2 * n * n * static_cast<double>(k);
@@ -90,6 +103,25 @@ Problem<Real> identity(Size n) {
     return one;
 }
 
+// Ours is invert(state).
+template <class Real, class Invert>
+Case make_inverse(Size size, Invert invert) {
+    const auto s = std::make_shared<State<Real>>(dominant_matrix<Real>(size), 1);
+    s->right = identity<Real>(size);
+    const auto n = static_cast<double>(size);
+    Case one{2 * n * n * n, {}};
+    one.contenders.push_back({Who::nequar, [s, invert] { s->good = invert(*s); },
+                              [s] { return s->error(rows_of(s->x)); }});
+    for (const auto& [who, peer] : peers<Real>()) {
+        const PeerTask<Real> task = peer->inverse(s->problem);
+        const auto error = [s, task] {
+            return error_of_solution(s->problem, task.result().rows, s->right.rows, s->right.width);
+        };
+        one.contenders.push_back({who, task.run, error});
+    }
+    return one;
+}
+
 }  // namespace
 
 template <class Real>
@@ -103,6 +135,16 @@ Case make_solve_lu_matrix(Size n) {
 }
 
 template <class Real>
+Case make_solve_lup_vector(Size n) {
+    return make_solve_lup<Real>(n, 1);
+}
+
+template <class Real>
+Case make_solve_lup_matrix(Size n) {
+    return make_solve_lup<Real>(n, n);
+}
+
+template <class Real>
 Case make_solve_cholesky_vector(Size n) {
     return make_solve_cholesky<Real>(n, 1);
 }
@@ -113,22 +155,15 @@ Case make_solve_cholesky_matrix(Size n) {
 }
 
 template <class Real>
-Case make_inverse(Size size) {
-    const auto s = std::make_shared<State<Real>>(dominant_matrix<Real>(size), 1);
-    s->right = identity<Real>(size);
-    const auto n = static_cast<double>(size);
-    Case one{2 * n * n * n, {}};
-    one.contenders.push_back(
-        {Who::nequar, [s] { s->good = s->solver.ilu_Inverse_matrix_based_on_LUD(&s->a, &s->x); },
-         [s] { return s->error(rows_of(s->x)); }});
-    for (const auto& [who, peer] : peers<Real>()) {
-        const PeerTask<Real> task = peer->inverse(s->problem);
-        one.contenders.push_back({who, task.run, [s, task] {
-                                      return error_of_solution(s->problem, task.result().rows,
-                                                               s->right.rows, s->right.width);
-                                  }});
-    }
-    return one;
+Case make_inverse_lu(Size n) {
+    return make_inverse<Real>(
+        n, [](State<Real>& s) { return s.solver.ilu_Inverse_matrix_based_on_LUD(&s.a, &s.x); });
+}
+
+template <class Real>
+Case make_inverse_lup(Size n) {
+    return make_inverse<Real>(
+        n, [](State<Real>& s) { return s.solver.ilup_Inverse_matrix_based_on_LUP(&s.a, &s.x); });
 }
 
 #define NEQUAR_BOTH(make)             \
@@ -136,8 +171,11 @@ Case make_inverse(Size size) {
     template Case make<float>(Size);
 NEQUAR_BOTH(make_solve_lu_vector)
 NEQUAR_BOTH(make_solve_lu_matrix)
+NEQUAR_BOTH(make_solve_lup_vector)
+NEQUAR_BOTH(make_solve_lup_matrix)
 NEQUAR_BOTH(make_solve_cholesky_vector)
 NEQUAR_BOTH(make_solve_cholesky_matrix)
-NEQUAR_BOTH(make_inverse)
+NEQUAR_BOTH(make_inverse_lu)
+NEQUAR_BOTH(make_inverse_lup)
 
 }  // namespace bench

@@ -1,5 +1,5 @@
-// nequar determinant A.mtx: from the LU factorization; where the determinant leaves the range of
-// double, its logarithm is shown.
+// nequar determinant A.mtx: from the LU factorization with partial pivoting; where the determinant
+// leaves the range of double, its logarithm is shown.
 #include <fmt/core.h>
 
 #include <CLI/CLI.hpp>
@@ -55,11 +55,13 @@ void determinant(const std::string& path) {
     LCNqUtility_for_Linear_Equation solver;
     CNqVectorInt perm;
     int interchanges = 0;
-    if (!solver.u_dluc_Decompose_into_LU_matrices_by_Crout(&a, &perm, interchanges))
-        throw Failure(std::string("the determinant cannot be computed:\n") +
-                      solver.gft_Get_Failure_Trace().c_str() +
-                      "\nAn exact zero pivot of this LU's rule does not prove that the determinant "
-                      "is zero.");
+    if (!solver.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&a, &perm, interchanges)) {
+        if (!(solver.ged_Get_Error_Detail() == "singular"))
+            throw Failure(std::string("the determinant cannot be computed:\n") +
+                          solver.gft_Get_Failure_Trace().c_str());
+        print_line("determinant", "0, a pivot is exactly zero");
+        return;
+    }
     ScaledProduct product;
     for (int i = 0; i < a.mh(); ++i) product.multiply(a[i][i]);
     if (interchanges % 2 != 0) product.mantissa = -product.mantissa;

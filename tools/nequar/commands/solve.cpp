@@ -86,25 +86,43 @@ void print_how_well(const Solution<Real>& solution, int n, double residual) {
     if (is_bad)
         print_warning(
             fmt::format("the residual is bad: x does not solve this system to working "
-                        "precision; use an orthogonal factorization (qrd) instead of {}",
+                        "precision; use --method lup or an orthogonal factorization (qrd)"
+                        " instead of {}",
                         solution.method->name));
     else if (is_large_growth)
         print_warning(
-            "the factors grew by much and digits may be lost; an orthogonal "
-            "factorization (qrd) has no growth");
+            "the factors grew by much and digits may be lost; partial pivoting (--method "
+            "lup) rarely lets them, an orthogonal factorization (qrd) never");
+}
+
+// Of a solution's digits about log10(condition x backward error) are lost.
+template <class Real>
+void print_condition(double condition, double residual) {
+    constexpr int all = std::numeric_limits<Real>::digits10;
+    const double unit = static_cast<double>(std::numeric_limits<Real>::epsilon());
+    const double relative_error = condition * std::max(residual, unit);
+    const int digits =
+        relative_error < 1 ? std::min(all, static_cast<int>(-std::log10(relative_error))) : 0;
+    print_line("condition", fmt::format("{:.3g} (1-norm, estimate): about {} of {} digits of x are "
+                                        "right",
+                                        condition, digits, all));
+    if (!(condition * unit < 1))
+        print_warning("the matrix is singular to working precision: x may have no right digit");
+    else if (digits < all / 2)
+        print_warning("the matrix is nearly singular: small changes of A or b change x by much");
 }
 
 // Rows of x, beside the known ones when there are any.
 template <class Real>
 void print_solution(const typename Twin<Real>::Matrix& x,
                     const std::optional<typename Twin<Real>::Matrix>& known) {
-    constexpr int digits = std::numeric_limits<Real>::max_digits10;
+    constexpr int width = std::numeric_limits<Real>::max_digits10 + 8;
     constexpr int shown_columns = 4;
     const int n = x.mh(), columns = std::min(x.mw(), shown_columns);
     std::string head = fmt::format("\n{:>8}", "");
     for (int c = 0; c < columns; ++c) {
-        head += fmt::format("{:>{}}", x.mw() == 1 ? "x" : fmt::format("x{}", c + 1), digits + 8);
-        if (known) head += fmt::format("{:>{}}{:>12}", "known", digits + 8, "difference");
+        head += fmt::format("{:>{}}", x.mw() == 1 ? "x" : fmt::format("x{}", c + 1), width);
+        if (known) head += fmt::format("{:>{}}{:>12}", "known", width, "difference");
     }
     fmt::print("{}\n", head);
     for (int i = 0; i < n; ++i) {
@@ -114,9 +132,9 @@ void print_solution(const typename Twin<Real>::Matrix& x,
         }
         std::string line = fmt::format("{:>8}", i + 1);
         for (int c = 0; c < columns; ++c) {
-            line += fmt::format("{:>{}.{}g}", x[i][c], digits + 8, digits);
+            line += fmt::format("{:>{}}", x[i][c], width);
             if (known)
-                line += fmt::format("{:>{}.{}g}{:>12.1e}", (*known)[i][c], digits + 8, digits,
+                line += fmt::format("{:>{}}{:>12.1e}", (*known)[i][c], width,
                                     static_cast<double>(x[i][c]) - (*known)[i][c]);
         }
         fmt::print("{}\n", line);
@@ -193,6 +211,7 @@ void solve(const SolveOptions& options) {
         residual = relative_residual(file, solution.x.p()[0], b.p()[0], b.mw());
     }
     print_how_well(solution, n, residual);
+    print_condition<Real>(estimate_condition<Real>(a), residual);
 
     if (output) {
         const LongStep step("writing " + options.output);
@@ -216,7 +235,7 @@ void solve(const SolveOptions& options) {
 
 std::string describe_methods() {
     std::string text =
-        "Methods:\n  auto   llt for a symmetric positive definite matrix, otherwise lud\n";
+        "Methods:\n  auto   llt for a symmetric positive definite matrix, otherwise lup\n";
     for (const Method& method : method_table())
         text += fmt::format("  {:<6} {}: {}\n", method.name, method.equation, method.summary);
     return text;
@@ -229,15 +248,20 @@ Action declare_solve(CLI::App& arguments) {
     std::vector<std::string> names{"auto"};
     for (const Method& method : method_table()) names.emplace_back(method.name);
 
+    const auto not_empty = [](const std::string& name) {
+        return name.empty() ? "the name of the file is empty" : "";
+    };
     arguments.add_option("A.mtx", options->a, "the square matrix")->required();
     arguments.add_option("b.mtx", options->b, "right-hand sides, one a column; without them, ones");
     arguments.add_option("--method", options->method, "how to solve, see below")
         ->check(CLI::IsMember(names))
         ->capture_default_str();
     arguments.add_flag("--float", options->in_float, "compute in single precision");
-    arguments.add_option("-o,--output", options->output, "write x to this file");
-    arguments.add_option("--expect", options->expected,
-                         "compare x with the known solution in this file; status 1 if they differ");
+    arguments.add_option("-o,--output", options->output, "write x to this file")->check(not_empty);
+    arguments
+        .add_option("--expect", options->expected,
+                    "compare x with the known solution in this file; status 1 if they differ")
+        ->check(not_empty);
     arguments.footer(describe_methods());
     return [options] { options->in_float ? solve<float>(*options) : solve<double>(*options); };
 }

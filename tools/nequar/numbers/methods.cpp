@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <type_traits>
 
 #include "long_step.h"
@@ -49,10 +50,11 @@ bool solve_columns(const typename Twin<Real>::Matrix& b, Solution<Real>& solutio
     return true;
 }
 
+// P A = L U with the factors of `factor(solver, a, l, u, perm, interchanges)`.
 // growth = max |U| / max |A|
-template <class Real>
-void solve_by_lud(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
-                  Solution<Real>& solution) {
+template <class Real, class Factor>
+void solve_by_lu(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                 Solution<Real>& solution, Factor factor, const std::string& hint) {
     typename Twin<Real>::Solver solver;
     typename Twin<Real>::Lower l;
     typename Twin<Real>::Upper u;
@@ -60,10 +62,7 @@ void solve_by_lud(const typename Twin<Real>::Matrix& a, const typename Twin<Real
     int interchanges = 0;
     const LongStep step("factoring P A = L U");
     auto start = std::chrono::steady_clock::now();
-    if (!solver.dluc_Decompose_into_LU_matrices_by_Crout(&a, &l, &u, &perm, interchanges))
-        fail(solver, *solution.method,
-             "An exact zero pivot of this rule does not prove that the matrix is singular: "
-             "an orthogonal factorization (qrd) decides, and --method gje may solve it.");
+    if (!factor(solver, &a, &l, &u, &perm, interchanges)) fail(solver, *solution.method, hint);
     solution.factor_seconds = seconds_since(start);
     solution.growth = largest_magnitude(u.p(), u.vs()) / largest_magnitude<Real>(a);
     solution.growth_is = "max|U| / max|A|";
@@ -75,8 +74,32 @@ void solve_by_lud(const typename Twin<Real>::Matrix& a, const typename Twin<Real
     solution.solve_seconds = seconds_since(start);
 }
 
+template <class Real>
+void solve_by_lud(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                  Solution<Real>& solution) {
+    solve_by_lu<Real>(
+        a, b, solution,
+        [](auto& solver, auto* of, auto* l, auto* u, auto* perm, int& interchanges) {
+            return solver.dluc_Decompose_into_LU_matrices_by_Crout(of, l, u, perm, interchanges);
+        },
+        "An exact zero pivot of this rule does not prove that the matrix is singular: partial "
+        "pivoting (--method lup) or an orthogonal factorization (qrd) may solve it.");
+}
+
+template <class Real>
+void solve_by_lup(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+                  Solution<Real>& solution) {
+    solve_by_lu<Real>(
+        a, b, solution,
+        [](auto& solver, auto* of, auto* l, auto* u, auto* perm, int& interchanges) {
+            return solver.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(of, l, u, perm,
+                                                                                interchanges);
+        },
+        "The matrix is singular to working precision.");
+}
+
 // growth = max |factor|^2 / max |A|. The squares of a row of the factor sum up to the diagonal
-// element of A, so it is one.
+// element of A, so it is at most one.
 template <class Real, class Factor, class SolveByFactor>
 void solve_by_cholesky(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
                        Solution<Real>& solution, SolveByFactor solve_by_factor) {
@@ -134,9 +157,11 @@ void solve_by_gje(const typename Twin<Real>::Matrix& a, const typename Twin<Real
 }
 
 constexpr Method kMethods[] = {
+    {"lup", "P A = L U", "LU with partial pivoting, for any regular matrix", false,
+     solve_by_lup<double>, solve_by_lup<float>},
     {"lud", "P A = L U",
      "LU by Crout's scheme, which chooses each pivot before its column is updated: it refuses "
-     "many regular matrices and its factors can grow without bound",
+     "many regular matrices, and its factors can grow without bound",
      false, solve_by_lud<double>, solve_by_lud<float>},
     {"llt", "A = L L'", "Cholesky with a lower factor, for symmetric positive definite matrices",
      true, solve_by_llt<double>, solve_by_llt<float>},
@@ -181,7 +206,7 @@ void solve_by_auto(const typename Twin<Real>::Matrix& a, const typename Twin<Rea
     }
     solution.reason = symmetric ? "the matrix is symmetric but not positive definite"
                                 : "the matrix is not symmetric";
-    run(*find_method("lud"), a, b, solution);
+    run(*find_method("lup"), a, b, solution);
 }
 
 }  // namespace
@@ -207,8 +232,20 @@ Solution<Real> solve_by(const std::string& name, const typename Twin<Real>::Matr
     return solution;
 }
 
+template <class Real>
+double estimate_condition(const typename Twin<Real>::Matrix& a) {
+    const LongStep step("estimating the condition");
+    const typename Twin<Real>::Solver solver;
+    Real condition = 0;
+    if (!solver.ecn_Estimate_Condition_Number(&a, condition))
+        return std::numeric_limits<double>::infinity();
+    return static_cast<double>(condition);
+}
+
 template Solution<double> solve_by<double>(const std::string&, const CNqMatrix&, const CNqMatrix&);
 template Solution<float> solve_by<float>(const std::string&, const CNqMatrixFloat&,
                                          const CNqMatrixFloat&);
+template double estimate_condition<double>(const CNqMatrix&);
+template double estimate_condition<float>(const CNqMatrixFloat&);
 
 }  // namespace program

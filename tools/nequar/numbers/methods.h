@@ -48,7 +48,7 @@ std::span<const Method> method_table();
 const Method* find_method(const std::string& name);
 
 // Solves by the named method, or by "auto": Cholesky for a symmetric positive definite matrix, LU
-// otherwise. Throws MethodFailed.
+// with partial pivoting otherwise. Throws MethodFailed.
 template <class Real>
 Solution<Real> solve_by(const std::string& name, const typename Twin<Real>::Matrix& a,
                         const typename Twin<Real>::Matrix& b);
@@ -57,5 +57,13 @@ extern template Solution<double> solve_by<double>(const std::string&, const CNqM
                                                   const CNqMatrix&);
 extern template Solution<float> solve_by<float>(const std::string&, const CNqMatrixFloat&,
                                                 const CNqMatrixFloat&);
+
+// An estimate of ||A|| ||A^-1|| in the 1-norm; infinite for a matrix that is singular to working
+// precision. It takes an LU factorization of its own.
+template <class Real>
+double estimate_condition(const typename Twin<Real>::Matrix& a);
+
+extern template double estimate_condition<double>(const CNqMatrix&);
+extern template double estimate_condition<float>(const CNqMatrixFloat&);
 
 }  // namespace program
