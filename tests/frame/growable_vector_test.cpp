@@ -288,7 +288,8 @@ TEST(GrowableVector, ReservesWithoutTouching) {
     EXPECT_LT(most_resident_kib() - before, 1 << 20);
 }
 
-#if !defined(__SANITIZE_ADDRESS__)  // the sanitizer needs the address space that is taken away here
+// A sanitizer needs the address space that is taken away here.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 TEST(GrowableVectorDeathTest, RefusesRoomThatCannotBeHad) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto within_one_gigabyte = [] {

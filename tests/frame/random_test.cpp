@@ -137,7 +137,8 @@ TYPED_TEST(GeneratorOf, IsUniformWithinItsBounds) {
     }
     EXPECT_NEAR(negative, 500, 80);
     EXPECT_EQ(generator.gu(4, 4), 4);
-    const Real not_finite[] = {std::nan(""), std::numeric_limits<Real>::infinity()};
+    const Real not_finite[] = {std::numeric_limits<Real>::quiet_NaN(),
+                               std::numeric_limits<Real>::infinity()};
     for (const Real bad : not_finite) {
         EXPECT_EQ(generator.gu(1, bad), 0);
         EXPECT_EQ(generator.gu(-bad, 1), 0);

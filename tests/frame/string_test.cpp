@@ -34,7 +34,8 @@ TEST(String, AssignsFromItselfAndFromAPartOfItself) {
     EXPECT_EQ(s, "0123456789");
     s = s.c_str() + 4;
     EXPECT_EQ(s, "456789");
-    s = std::move(s);
+    CNqString& alias = s;
+    s = std::move(alias);
     EXPECT_EQ(s, "456789");
 
     CNqString taken = std::move(s);

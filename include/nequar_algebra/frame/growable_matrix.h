@@ -6,7 +6,7 @@
 
 namespace nequar {
 
-enum class Growth { columns, rows };
+enum class NEQUAR_API Growth { columns, rows };
 
 /// A collection of vectors of one size that grows: the columns (the rows) of a matrix, of which
 /// the first `count` are stored and the rest is blank space, reserved for more.
