@@ -6,7 +6,7 @@
 
 namespace nequar {
 
-enum class TriangleSide { lower, upper };
+enum class NEQUAR_API TriangleSide { lower, upper };
 
 /// What matrices that keep their elements packed in a vector share: their shape and the rules of
 /// their coordinates.
