@@ -99,18 +99,20 @@ TEST(Class, CopiesNameDetailAndFlagButNotTheRecord) {
 }
 
 TEST(Class, HandsTheTraceFlagOn) {
-    Probe owner, a, b, c, d, e;
+    Probe owner, one, others[5];
+    const auto flags = [&others] {
+        std::string text;
+        for (const Probe& p : others) text += p.get_Get_Error_Trace_mode() ? '1' : '0';
+        return text;
+    };
     owner.zet_s(true);
-    owner.zet_x(&a);
-    EXPECT_TRUE(a.get_Get_Error_Trace_mode());
-    owner.zet_x(&a, &b, &c, &d, &e);
-    EXPECT_TRUE(b.get_Get_Error_Trace_mode() && c.get_Get_Error_Trace_mode() &&
-                d.get_Get_Error_Trace_mode() && e.get_Get_Error_Trace_mode());
+    owner.zet_x(&one);
+    EXPECT_TRUE(one.get_Get_Error_Trace_mode());
+    owner.zet_x(others, others + 1, others + 2, others + 3, others + 4);
+    EXPECT_EQ(flags(), "11111");
     owner.zet_s(false);
-    owner.zet_x(&b, &c, &d);
-    EXPECT_FALSE(b.get_Get_Error_Trace_mode() || c.get_Get_Error_Trace_mode() ||
-                 d.get_Get_Error_Trace_mode());
-    EXPECT_TRUE(e.get_Get_Error_Trace_mode());
+    owner.zet_x(others, others + 2, others + 3);
+    EXPECT_EQ(flags(), "01001");
 }
 
 TEST(Class, PrintsRecordsOnlyWhileTheTraceFlagIsSet) {
