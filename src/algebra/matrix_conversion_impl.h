@@ -14,13 +14,17 @@ namespace nequar {
 template <class Real>
 void AlgebraForMatrix<Real>::tpm_Transpose_Matrix(const MatrixReal* A, MatrixReal* out) const {
     constexpr const char* kName = "tpm_Transpose_Matrix";
-    if (out == A && A->mh() == A->mw()) return kernel::transpose_in_place(view_of(out));
     const int height = A->mw();
     const int width = A->mh();
-    const KeptMatrix<Real> a(A, out);
-    if (!a) return this->report(kOutOfMemory, kName);
-    if (out->c_Create(height, width) == nullptr) return this->report_sizing(*out, kName);
-    kernel::transpose(a.view(), view_of(out));
+    if (out == A) {
+        if (height == width) return kernel::transpose_in_place(view_of(out));
+        const KeptMatrix<Real> a(A, out);
+        if (!a) return this->report(kOutOfMemory, kName);
+        if (!size_to(height, width, out)) return this->report_sizing(*out, kName);
+        return kernel::transpose(a.view(), view_of(out));
+    }
+    if (!size_to(height, width, out)) return this->report_sizing(*out, kName);
+    kernel::transpose(view_of(A), view_of(out));
 }
 
 template <class Real>

@@ -4,6 +4,7 @@
 
 #include "algebra/algorithm/lines.h"
 #include "algebra/algorithm/permutations.h"
+#include "core/wrap.h"
 #include "frame/views.h"
 #include "kernel/kernel.h"
 #include "nequar_algebra/algebra/matrix_algebra.h"
@@ -14,15 +15,13 @@ namespace nequar {
 template <class Real>
 Strided<Real> column_of(Matrix<Real>* A, int x) {
     const View<Real> view = view_of(A);
-    A->mcc(x);
-    return view.is_empty() ? Strided<Real>() : view.column(x);
+    return view.is_empty() ? Strided<Real>() : view.column(wrapped(x, A->mw()));
 }
 
 template <class Real>
 Strided<Real> row_of(Matrix<Real>* A, int y) {
     const View<Real> view = view_of(A);
-    A->mcr(y);
-    return view.is_empty() ? Strided<Real>() : view.row(y);
+    return view.is_empty() ? Strided<Real>() : view.row(wrapped(y, A->mh()));
 }
 
 // The kernels must not see one line as two.

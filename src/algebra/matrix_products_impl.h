@@ -7,6 +7,7 @@
 
 #include "algebra/details.h"
 #include "algebra/product_names.h"
+#include "algebra/set_product.h"
 #include "algebra/temporary.h"
 #include "frame/algorithm/bilinear_form.h"
 #include "frame/views.h"
@@ -118,94 +119,74 @@ void AlgebraForMatrix<Real>::mvmva_Multiply_Vector_Matrix_Vector_and_Accumulate(
 // ---- setting ----
 
 template <class Real>
-void AlgebraForMatrix<Real>::refuse_product(const ProductName& name, int height, int width,
-                                            MatrixReal* out) const {
-    if (out->c_Create(height, width, Real(0)) == nullptr)
-        return this->report_sizing(*out, name.set);
-    this->report(name.mismatch, name.accumulate);
-}
-
-template <class Real>
-void AlgebraForMatrix<Real>::refuse_product(const ProductName& name, int size,
-                                            VectorReal* out) const {
-    if (out->c_Create(size, Real(0)) == nullptr) return this->report_sizing(*out, name.set);
-    this->report(name.mismatch, name.accumulate);
-}
-
-template <class Real>
-void AlgebraForMatrix<Real>::set_product(const ProductName& name, View<const Real> a,
-                                         View<const Real> b, MatrixReal* out) const {
-    const int height = static_cast<int>(a.height);
-    const int width = static_cast<int>(b.width);
-    if (a.width != b.height) return refuse_product(name, height, width, out);
-    if (out->c_Create(height, width) == nullptr) return this->report_sizing(*out, name.set);
-    kernel::gemm(Real(1), a, b, kernel::Update::set, view_of(out));
-}
-
-template <class Real>
-void AlgebraForMatrix<Real>::set_product(const ProductName& name, View<const Real> a,
-                                         Strided<const Real> x, VectorReal* out) const {
-    const int size = static_cast<int>(a.height);
-    if (a.width != x.size) return refuse_product(name, size, out);
-    if (out->c_Create(size) == nullptr) return this->report_sizing(*out, name.set);
-    kernel::gemv(Real(1), a, x, kernel::Update::set, view_of(out));
+void AlgebraForMatrix<Real>::report_product(const ProductName& name, ProductFault fault,
+                                            const CNqClass& output) const {
+    switch (fault) {
+        case ProductFault::none:
+            return;
+        case ProductFault::mismatch:
+            return this->report(name.mismatch, name.accumulate);
+        case ProductFault::not_sized:
+            return this->report_sizing(output, name.set);
+        case ProductFault::no_memory:
+            return this->report(kOutOfMemory, name.set);
+    }
 }
 
 template <class Real>
 void AlgebraForMatrix<Real>::mmm_Multiply_Matrix_Matrix(const MatrixReal* A, const MatrixReal* B,
                                                         MatrixReal* C) const {
-    const KeptMatrix<Real> a(A, C);
-    const KeptMatrix<Real> b(B, C);
-    if (!a || !b) return this->report(kOutOfMemory, kMatrixMatrix.set);
-    set_product(kMatrixMatrix, a.view(), b.view(), C);
+    const ProductFault fault = C == A || C == B ? set_product_of_copies(A, false, B, false, C)
+                                                : set_product(view_of(A), view_of(B), C);
+    if (fault != ProductFault::none) report_product(kMatrixMatrix, fault, *C);
 }
 
 template <class Real>
 void AlgebraForMatrix<Real>::mmt_Multiply_Matrix_Tmatrix(const MatrixReal* A, const MatrixReal* B,
                                                          MatrixReal* C) const {
-    const KeptMatrix<Real> a(A, C);
-    const KeptMatrix<Real> b(B, C);
-    if (!a || !b) return this->report(kOutOfMemory, kMatrixTmatrix.set);
-    set_product(kMatrixTmatrix, a.view(), b.view().transposed(), C);
+    const ProductFault fault = C == A || C == B
+                                   ? set_product_of_copies(A, false, B, true, C)
+                                   : set_product(view_of(A), view_of(B).transposed(), C);
+    if (fault != ProductFault::none) report_product(kMatrixTmatrix, fault, *C);
 }
 
 template <class Real>
 void AlgebraForMatrix<Real>::mtm_Multiply_Tmatrix_Matrix(const MatrixReal* A, const MatrixReal* B,
                                                          MatrixReal* C) const {
-    const KeptMatrix<Real> a(A, C);
-    const KeptMatrix<Real> b(B, C);
-    if (!a || !b) return this->report(kOutOfMemory, kTmatrixMatrix.set);
-    set_product(kTmatrixMatrix, a.view().transposed(), b.view(), C);
+    const ProductFault fault = C == A || C == B
+                                   ? set_product_of_copies(A, true, B, false, C)
+                                   : set_product(view_of(A).transposed(), view_of(B), C);
+    if (fault != ProductFault::none) report_product(kTmatrixMatrix, fault, *C);
 }
 
 template <class Real>
 void AlgebraForMatrix<Real>::mmv_Multiply_Matrix_Vector(const MatrixReal* A, const VectorReal* x,
                                                         VectorReal* y) const {
-    const KeptVector<Real> kept(x, y);
-    if (!kept) return this->report(kOutOfMemory, kMatrixVector.set);
-    set_product(kMatrixVector, view_of(A), kept.view(), y);
+    const ProductFault fault =
+        y == x ? set_product_of_copy(view_of(A), y) : set_product(view_of(A), view_of(x), y);
+    if (fault != ProductFault::none) report_product(kMatrixVector, fault, *y);
 }
 
 template <class Real>
 void AlgebraForMatrix<Real>::mvm_Multiply_Vector_Matrix(const VectorReal* x, const MatrixReal* A,
                                                         VectorReal* y) const {
-    const KeptVector<Real> kept(x, y);
-    if (!kept) return this->report(kOutOfMemory, kVectorMatrix.set);
-    set_product(kVectorMatrix, view_of(A).transposed(), kept.view(), y);
+    const ProductFault fault = y == x ? set_product_of_copy(view_of(A).transposed(), y)
+                                      : set_product(view_of(A).transposed(), view_of(x), y);
+    if (fault != ProductFault::none) report_product(kVectorMatrix, fault, *y);
 }
 
 template <class Real>
 void AlgebraForMatrix<Real>::mvt_Multiply_Vector_Tmatrix(const VectorReal* x, const MatrixReal* A,
                                                          VectorReal* y) const {
-    const KeptVector<Real> kept(x, y);
-    if (!kept) return this->report(kOutOfMemory, kVectorTmatrix.set);
-    set_product(kVectorTmatrix, view_of(A), kept.view(), y);
+    const ProductFault fault =
+        y == x ? set_product_of_copy(view_of(A), y) : set_product(view_of(A), view_of(x), y);
+    if (fault != ProductFault::none) report_product(kVectorTmatrix, fault, *y);
 }
 
 template <class Real>
 void AlgebraForMatrix<Real>::mvv_Multiply_Vector_Vector(const VectorReal* x, const VectorReal* y,
                                                         MatrixReal* M) const {
-    if (M->c_Create(x->vs(), y->vs()) == nullptr) return this->report_sizing(*M, kVectorVector.set);
+    if (!size_to(x->vs(), y->vs(), M)) return this->report_sizing(*M, kVectorVector.set);
     // M(i, :) = x_i y^T
     for (int i = 0; i < x->vs(); ++i) kernel::scale(Size(y->vs()), y->p(), (*x)[i], (*M)[i]);
 }

@@ -68,11 +68,21 @@ private:
     Strided<const Real> view_;
 };
 
-// out gets the shape of A; nothing is done to an object that has it already.
+// Sizes an output; nothing is done to an object that has the shape already.
+template <class Real>
+bool size_to(int height, int width, Matrix<Real>* out) {
+    if (out->mh() == height && out->mw() == width) return true;
+    return out->c_Create(height, width) != nullptr;
+}
+
+template <class Real>
+bool size_to(int size, Vector<Real>* out) {
+    return out->vs() == size || out->c_Create(size) != nullptr;
+}
+
 template <class Real>
 bool size_as(const Matrix<Real>* A, Matrix<Real>* out) {
-    if (out->mh() == A->mh() && out->mw() == A->mw()) return true;
-    return out->c_Create(A->mh(), A->mw()) != nullptr;
+    return size_to(A->mh(), A->mw(), out);
 }
 
 }  // namespace nequar

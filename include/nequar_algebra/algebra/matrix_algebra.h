@@ -6,11 +6,8 @@
 
 namespace nequar {
 
-template <class Real>
-struct View;
-template <class Real>
-struct Strided;
 struct ProductName;
+enum class ProductFault;
 
 /// Matrix arithmetic: weighted sums, products in every pattern of transposition and with diagonal
 /// matrices, operations on rows and columns, permutations, transposition, raw arrays, Gram-Schmidt
@@ -323,17 +320,7 @@ public:
     void gso_Gram_Schmidt_Orthogonalization(const MatrixReal* A, MatrixReal* Q) const;
 
 private:
-    // The set forms on views that do not overlap the output: sizing, check, product.
-    void set_product(const ProductName& name, View<const Real> a, View<const Real> b,
-                     MatrixReal* out) const;
-    void set_product(const ProductName& name, View<const Real> a, Strided<const Real> x,
-                     VectorReal* out) const;
-    // out = F_0 (F_1 (… x)); out may be x.
-    void set_chain(const ProductName& name, const View<const Real>* factors, int count,
-                   const VectorReal* x, VectorReal* out) const;
-    // What a set form leaves when its sizes do not fit.
-    void refuse_product(const ProductName& name, int height, int width, MatrixReal* out) const;
-    void refuse_product(const ProductName& name, int size, VectorReal* out) const;
+    void report_product(const ProductName& name, ProductFault fault, const CNqClass& output) const;
 };
 
 }  // namespace nequar

@@ -6,7 +6,7 @@ namespace nequar {
 namespace {
 
 constexpr Size kChunk = 256;
-constexpr Size kShortRow = 16;  // shorter rows cost less than the call of a kernel
+constexpr Size kShortRow = 8;  // shorter rows cost less than the call of a kernel
 
 using kernel::Update;
 
@@ -30,13 +30,32 @@ void multiply(Size n, const Real* a, const Real* b, Update update, Real* out) {
     }
 }
 
+// Narrow rows without gaps: d is written down several times in a row, so that one call of a kernel
+// serves as many rows.
+template <class Real>
+void multiply_narrow(Size height, Size width, const Real* a, const Real* d, Update update,
+                     Real* c) {
+    const Size rows = std::min(height, kChunk / width);
+    Real repeated[kChunk];
+    for (Size i = 0; i < rows; ++i) std::copy_n(d, width, repeated + i * width);
+    for (Size i = 0; i < height; i += rows) {
+        const Size count = std::min(rows, height - i) * width;
+        multiply(count, a + i * width, repeated, update, c + i * width);
+    }
+}
+
 }  // namespace
 
 template <class Real>
 void multiply_by_diagonal(View<const Real> a, const Real* d, Update update, View<Real> c) {
     const Size common = std::min(a.width, c.width);
-    if (update == Update::set) kernel::fill(Real(0), c.columns(common, c.width - common));
+    if (c.is_empty()) return;
+    if (update == Update::set && common < c.width)
+        kernel::fill(Real(0), c.columns(common, c.width - common));
     if (a.column_stride == 1 && c.column_stride == 1) {
+        const bool has_no_gaps = a.row_stride == common && c.row_stride == common;
+        if (has_no_gaps && common > 0 && common <= kChunk / 4)
+            return multiply_narrow(c.height, common, a.data, d, update, c.data);
         for (Size i = 0; i < c.height; ++i)
             multiply(common, a.row(i).data, d, update, c.row(i).data);
         return;
