@@ -84,4 +84,15 @@ template <class Real> void fill(Real value, View<Real> a);
 // Rows i and perm[i] ... : B(i, :) := A(perm[i], :), no overlap
 template <class Real> void gather_rows(View<const Real> a, const int* perm, View<Real> b);
 
+// ---- packed by diagonals ------------------------------------------------------------------------
+// A lower trapezoid of the shape of A with its diagonals one after another, the main one first, each from
+// its top: a(r, c), c <= r, follows a(r - 1, c - 1). What is above the diagonal is neither read nor written.
+
+template <class Real> void unpack_lower(const Real* packed, View<Real> a);
+template <class Real> void pack_lower(View<const Real> a, Real* packed);
+// A square symmetric matrix kept as its lower triangle: both triangles are written.
+template <class Real> void unpack_symmetric(const Real* packed, View<Real> a);
+// packed (r, c) := (a(r, c) + a(c, r)) * 0.5
+template <class Real> void pack_symmetric(View<const Real> a, Real* packed);
+
 }  // namespace nequar::kernel

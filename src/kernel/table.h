@@ -74,6 +74,14 @@ struct Table {
     void (*copy_matrix)(std::ptrdiff_t m, std::ptrdiff_t n, Block<const Real> a, Block<Real> b);
     void (*transpose_in_place)(std::ptrdiff_t n, Block<Real> a);
     void (*fill_matrix)(std::ptrdiff_t m, std::ptrdiff_t n, Real value, Block<Real> a);
+
+    // ---- packed by diagonals: the lower trapezoid of a height x width A ----
+    void (*unpack_lower)(std::ptrdiff_t height, std::ptrdiff_t width, const Real* packed,
+                         Block<Real> a);
+    void (*pack_lower)(std::ptrdiff_t height, std::ptrdiff_t width, Block<const Real> a,
+                       Real* packed);
+    void (*unpack_symmetric)(std::ptrdiff_t n, const Real* packed, Block<Real> a);
+    void (*pack_symmetric)(std::ptrdiff_t n, Block<const Real> a, Real* packed);
 };
 
 // The tables of the variants that were compiled in. Reading one is safe on every CPU; calling its

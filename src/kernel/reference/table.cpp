@@ -1,6 +1,7 @@
 // The table of the plain loops.
 #include "kernel/table.h"
 
+#include "kernel/reference/bands.h"
 #include "kernel/reference/level1.h"
 #include "kernel/reference/level2.h"
 #include "kernel/reference/level3.h"
@@ -40,6 +41,10 @@ constexpr Table<Real> kTable = {
     .copy_matrix = copy_matrix<Real>,
     .transpose_in_place = transpose_in_place<Real>,
     .fill_matrix = fill_matrix<Real>,
+    .unpack_lower = unpack_lower<Real>,
+    .pack_lower = pack_lower<Real>,
+    .unpack_symmetric = unpack_symmetric<Real>,
+    .pack_symmetric = pack_symmetric<Real>,
 };
 
 }  // namespace

@@ -49,14 +49,23 @@ NEQUAR_INLINE void store_pack(Real* p, PackOf<Real, N> v) {
     *reinterpret_cast<typename Pack<Real, N>::Unaligned*>(p) = v;
 }
 
-// Pieces of 128 bits from p, p + step, p + 2 step, ... put together.
-template <class Real, unsigned N>
-NEQUAR_INLINE PackOf<Real, N> gather_pieces(const Real* p, Size step) {
+// Row k of a block at rows(k): evenly apart, or wherever `rows` says.
+template <class Real>
+struct EvenRows {
+    const Real* first;
+    Size step;
+
+    NEQUAR_INLINE const Real* operator()(unsigned k) const { return first + Size(k) * step; }
+};
+
+// Pieces of 128 bits at `column` of the rows k, k + E, k + 2 E, ... put together.
+template <class Real, unsigned N, class Rows>
+NEQUAR_INLINE PackOf<Real, N> gather_pieces(const Rows& rows, unsigned k, Size column) {
     if constexpr (N == kPiece<Real>) {
-        return load_pack<N>(p);
+        return load_pack<N>(rows(k) + column);
     } else {
-        const auto low = gather_pieces<Real, N / 2>(p, step);
-        const auto high = gather_pieces<Real, N / 2>(p + Size(N / 2 / kPiece<Real>) * step, step);
+        const auto low = gather_pieces<Real, N / 2>(rows, k, column);
+        const auto high = gather_pieces<Real, N / 2>(rows, k + N / 2, column);
         if constexpr (N == 4) {
             return __builtin_shufflevector(low, high, 0, 1, 2, 3);
         } else if constexpr (N == 8) {
@@ -123,18 +132,22 @@ NEQUAR_INLINE void transpose_lanes(PackOf<float, 16> (&v)[4]) {
                                    15, 30, 31);
 }
 
-// columns(g E + q) = column g E + q of the N x N block at p, whose rows are `step` apart.
-template <unsigned N, class Real>
-NEQUAR_INLINE void load_transposed(const Real* p, Size step, PackOf<Real, N> (&columns)[N]) {
+// columns(g E + q) = column g E + q of the N x N block of the given rows.
+template <unsigned N, class Real, class Rows>
+NEQUAR_INLINE void load_transposed(const Rows& rows, PackOf<Real, N> (&columns)[N]) {
     constexpr unsigned piece = kPiece<Real>;
     NEQUAR_UNROLL for (unsigned g = 0; g < N / piece; ++g) {
         PackOf<Real, N> v[piece];
         NEQUAR_UNROLL for (unsigned e = 0; e < piece; ++e) {
-            v[e] = gather_pieces<Real, N>(p + e * step + g * piece, Size(piece) * step);
+            v[e] = gather_pieces<Real, N>(rows, e, Size(g * piece));
         }
         transpose_lanes(v);
         NEQUAR_UNROLL for (unsigned e = 0; e < piece; ++e) columns[g * piece + e] = v[e];
     }
+}
+template <unsigned N, class Real>
+NEQUAR_INLINE void load_transposed(const Real* p, Size step, PackOf<Real, N> (&columns)[N]) {
+    load_transposed<N, Real>(EvenRows<Real>{p, step}, columns);
 }
 
 // out(j, i) = in(i, j) for an N x N block; rows of `in` are in_row apart, rows of `out` out_row.

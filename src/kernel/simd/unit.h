@@ -1,6 +1,7 @@
 // The table of one unit: every kernel compiled for its instruction set.
 #pragma once
 
+#include "kernel/simd/bands.h"
 #include "kernel/simd/elementwise.h"
 #include "kernel/simd/gemm.h"
 #include "kernel/simd/level2.h"
@@ -41,6 +42,10 @@ constexpr Table<Real> table_named(const char* name) {
         .copy_matrix = copy_matrix<Real>,
         .transpose_in_place = transpose_in_place<Real>,
         .fill_matrix = fill_matrix<Real>,
+        .unpack_lower = unpack_lower<Real>,
+        .pack_lower = pack_lower<Real>,
+        .unpack_symmetric = unpack_symmetric<Real>,
+        .pack_symmetric = pack_symmetric<Real>,
     };
 }
 

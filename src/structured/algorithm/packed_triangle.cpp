@@ -1,46 +1,41 @@
 #include "structured/algorithm/packed_triangle.h"
 
+#include "kernel/kernel.h"
+
 namespace nequar {
 
 template <class Real>
 void unpack_lower(const Real* packed, View<Real> a) {
-    const PackedShape shape = PackedShape::lower(a.height, a.width);
-    for (Size d = 0; d < shape.height; ++d) {
-        const Size length = shape.length(d);
-        for (Size p = 0; p < length; ++p) a(p + d, p) = packed[p];
-        packed += length;
-    }
+    kernel::unpack_lower(packed, a);
 }
 
 template <class Real>
 void pack_lower(View<const Real> a, Real* packed) {
-    const PackedShape shape = PackedShape::lower(a.height, a.width);
-    for (Size d = 0; d < shape.height; ++d) {
-        const Size length = shape.length(d);
-        for (Size p = 0; p < length; ++p) packed[p] = a(p + d, p);
-        packed += length;
-    }
+    kernel::pack_lower(a, packed);
 }
 
 template <class Real>
 void unpack_symmetric(const Real* packed, View<Real> a) {
-    unpack_lower(packed, a);
-    unpack_lower(packed, a.transposed());
+    kernel::unpack_symmetric(packed, a);
 }
 
 template <class Real>
 void pack_symmetric_average(View<const Real> a, Real* packed) {
-    for (Size d = 0; d < a.height; ++d) {
-        const Size length = a.height - d;
-        for (Size p = 0; p < length; ++p) packed[p] = (a(p + d, p) + a(p, p + d)) * Real(0.5);
-        packed += length;
-    }
+    kernel::pack_symmetric(a, packed);
 }
 
+// Row by row, or column by column where these are contiguous.
 template <class Real>
 void fill_above_diagonal(Real value, View<Real> a) {
-    for (Size i = 0; i < a.height && i < a.width; ++i) {
-        for (Size j = i + 1; j < a.width; ++j) a(i, j) = value;
+    if (a.row_stride == 1 && a.column_stride != 1) {
+        for (Size j = 1; j < a.width; ++j) {
+            const Size count = j < a.height ? j : a.height;
+            kernel::fill(count, value, a.data + j * a.column_stride);
+        }
+        return;
+    }
+    for (Size i = 0; i < a.height && i + 1 < a.width; ++i) {
+        kernel::fill(value, a.block(i, i + 1, 1, a.width - i - 1));
     }
 }
 
