@@ -150,6 +150,21 @@ NEQUAR_INLINE bool has_strips(const Bands<Real>& bands) {
     return bands.width >= kLanes<Real> && bands.height >= 2 * kLanes<Real>;
 }
 
+// The first `count` elements of a vector to (from) every stride-th element of an array. Called for
+// the few vectors at the ends of strips, so it stays out of their loops.
+template <class Real>
+__attribute__((noinline)) void scatter(const Vector<Real>& v, Size count, Real* out, Size stride) {
+    alignas(64) Real elements[kLaneCount<Real>];
+    store(elements, v);
+    for (Size q = 0; q < count; ++q) out[q * stride] = elements[q];
+}
+template <class Real>
+__attribute__((noinline)) void gather(const Real* in, Size stride, Size count, Vector<Real>& v) {
+    alignas(64) Real elements[kLaneCount<Real>] = {};
+    for (Size q = 0; q < count; ++q) elements[q] = in[q * stride];
+    v = load(static_cast<const Real*>(elements));
+}
+
 // ---- bands to dense rows ------------------------------------------------------------------------
 
 template <bool mirror, class Real>
@@ -187,11 +202,7 @@ struct UnpackedStrip {
 
     NEQUAR_INLINE void put(Vector<Real> v) {
         store(row(r), v);
-        if constexpr (mirror) {
-            NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) {
-                a.data[(j + q) * a.row_stride + r] = v[q];
-            }
-        }
+        if constexpr (mirror) scatter<Real>(v, lanes, a.data + j * a.row_stride + r, a.row_stride);
         ++r;
     }
 
@@ -234,19 +245,17 @@ void unpack_strip(const Bands<const Real>& bands, Size j, Size r, Size end, cons
                                          length_of_band(bands, first_band),
                                          {}};
     if (r == j) {
-        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+        for (Size i = 0; i < lanes; ++i) {
             const Vector<Real> v = strip.next(load(strip.in), 0);
             strip.length = length_of_band(bands, i + 1);
             store(strip.row(r + i), v, first_lanes<Real>(i + 1));
             if constexpr (mirror) {
-                NEQUAR_UNROLL for (Size q = 0; q < i; ++q) {
-                    a.data[(j + q) * a.row_stride + r + i] = v[q];
-                }
+                scatter<Real>(v, i, a.data + j * a.row_stride + r + i, a.row_stride);
             }
         }
         strip.r += lanes;
     } else {
-        NEQUAR_UNROLL for (Size i = 1; i < lanes; ++i) {
+        for (Size i = 1; i < lanes; ++i) {
             strip.next(strip.load_up_to_end(), 0);
             strip.length = length_of_band(bands, first_band + i);
         }
@@ -318,10 +327,8 @@ struct PackedStrip {
     }
     // The mirrored elements of `count` positions of band d.
     NEQUAR_INLINE Vector<Real> mirrored(Size count) const {
-        Vector<Real> v = {};
-        NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) {
-            if (q < count) v[q] = a.data[(j + q) * (a.row_stride + 1) + d];
-        }
+        Vector<Real> v;
+        gather(a.data + j * (a.row_stride + 1) + d, a.row_stride + 1, count, v);
         return v;
     }
     NEQUAR_INLINE void advance(Size shrink) {
@@ -354,7 +361,7 @@ struct PackedStrip {
     }
     // The triangle with which the bands end: `lanes` positions of this band, one less of the next.
     NEQUAR_INLINE void triangle() {
-        NEQUAR_UNROLL for (Size count = lanes; count > 0; --count) {
+        for (Size count = lanes; count > 0; --count) {
             Vector<Real> v = count == lanes ? next_row() : shear.next(Vector<Real>{});
             if constexpr (average) v = (v + mirrored(count)) * broadcast(Real(0.5));
             store(out, v, first_lanes<Real>(count));
@@ -370,7 +377,7 @@ void pack_strip(const Bands<Real>& bands, Size j, Size d, Size end, const Block<
     PackedStrip<average, Real> strip = {
         a, j, d, a.data + (j + d) * a.row_stride + j, band(bands, d) + j, length_of_band(bands, d),
         {}};
-    NEQUAR_UNROLL for (Size i = 1; i < lanes; ++i) strip.next_row();
+    for (Size i = 1; i < lanes; ++i) strip.next_row();
     const Size whole = smaller(end, triangle);
     strip.bands(smaller(whole, bands.height - bands.width), 0);
     strip.bands(whole, 1);
