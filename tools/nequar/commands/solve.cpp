@@ -83,16 +83,17 @@ void print_how_well(const Solution<Real>& solution, int n, double residual) {
                                          is_large_growth ? ", LARGE" : ""));
     print_line("residual", fmt::format("{:.3g} = |Ax - b| / (|A| |x| + |b|), {}", residual,
                                        is_bad ? "BAD" : "good"));
+    const bool is_pivoted = solution.method->name == std::string("lup");
+    const char* better = is_pivoted ? "an orthogonal factorization (qrd)"
+                                    : "partial pivoting (lup) or an orthogonal factorization (qrd)";
     if (is_bad)
         print_warning(
             fmt::format("the residual is bad: x does not solve this system to working "
-                        "precision; use --method lup or an orthogonal factorization (qrd)"
-                        " instead of {}",
-                        solution.method->name));
+                        "precision; {} may",
+                        better));
     else if (is_large_growth)
         print_warning(
-            "the factors grew by much and digits may be lost; partial pivoting (--method "
-            "lup) rarely lets them, an orthogonal factorization (qrd) never");
+            fmt::format("the factors grew by much and digits may be lost; {} is safer", better));
 }
 
 // Of a solution's digits about log10(condition x backward error) are lost.
