@@ -1,6 +1,7 @@
 // The table of the plain loops.
 #include "kernel/table.h"
 
+#include "kernel/reference/factor.h"
 #include "kernel/reference/level1.h"
 #include "kernel/reference/level2.h"
 #include "kernel/reference/level3.h"
@@ -40,6 +41,11 @@ constexpr Table<Real> kTable = {
     .copy_matrix = copy_matrix<Real>,
     .transpose_in_place = transpose_in_place<Real>,
     .fill_matrix = fill_matrix<Real>,
+    .lu_small = lu_small<Real>,
+    .cholesky_small = cholesky_small<Real>,
+    .lu_panel = lu_panel<Real>,
+    .last_largest_of_columns = last_largest_of_columns<Real>,
+    .eliminate_column = eliminate_column<Real>,
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "kernel/simd/elementwise.h"
+#include "kernel/simd/factor.h"
 #include "kernel/simd/gemm.h"
 #include "kernel/simd/level2.h"
 #include "kernel/simd/reduction.h"
@@ -41,6 +42,11 @@ constexpr Table<Real> table_named(const char* name) {
         .copy_matrix = copy_matrix<Real>,
         .transpose_in_place = transpose_in_place<Real>,
         .fill_matrix = fill_matrix<Real>,
+        .lu_small = lu_small<Real>,
+        .cholesky_small = cholesky_small<Real>,
+        .lu_panel = lu_panel<Real>,
+        .last_largest_of_columns = last_largest_of_columns<Real>,
+        .eliminate_column = eliminate_column<Real>,
     };
 }
 
