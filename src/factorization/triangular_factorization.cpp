@@ -32,11 +32,14 @@ View<Real> square_view(Real* elements, Size n) {
     return {elements, n, n, n};
 }
 
-// The reversed view of an upper triangle is a lower one, and so is its transpose: packed bands of U
-// go to and from the lower triangle of the reversed matrix through this view.
+constexpr kernel::Triangle triangle_of(bool upper) {
+    return upper ? kernel::Triangle::upper : kernel::Triangle::lower;
+}
+
+// The view in which the named triangle is a lower one, as packed bands have it.
 template <class Real>
-View<Real> reversed_upper(const View<Real>& a) {
-    return a.reversed().transposed();
+View<Real> as_lower(bool upper, const View<Real>& a) {
+    return upper ? a.transposed() : a;
 }
 
 }  // namespace
@@ -216,7 +219,7 @@ template <class Real>
 bool TriangularFactorization<Real>::u_dch_Decompose_matrix_by_Cholesky_algorithm(
     bool lower, Matrix<Real>* a) const {
     if (!is_square(a)) return this->fail("non-square matrix", kCholeskyInPlace);
-    const Outcome outcome = cholesky_from_upper(lower ? view_of(a) : view_of(a).reversed());
+    const Outcome outcome = cholesky_from_opposite(triangle_of(!lower), view_of(a));
     return outcome ? true : fail_with(outcome, kCholeskyInPlace);
 }
 
@@ -227,13 +230,11 @@ bool TriangularFactorization<Real>::can_begin_cholesky(const MatrixSymmetric<Rea
     return true;
 }
 
-// The symmetric matrix reversed is J A J; its lower triangle is written through the same view
-// through which its factor is read.
 template <class Real>
 bool TriangularFactorization<Real>::find_cholesky(bool upper, const MatrixSymmetric<Real>* a,
                                                   const View<Real>& factor) const {
-    unpack_lower(a->p(), upper ? reversed_upper(factor) : factor);
-    const Outcome outcome = cholesky_lower(factor);
+    unpack_lower(a->p(), as_lower(upper, factor));
+    const Outcome outcome = cholesky(triangle_of(upper), factor);
     if (outcome) return true;
     fail_with(outcome, kCholeskyInPlace);
     return this->fail("1", kCholesky);
@@ -254,7 +255,7 @@ bool TriangularFactorization<Real>::decompose_packed(bool upper, const MatrixSym
     const View<Real> dense = square_view(work.data(), n);
     if (!find_cholesky(upper, a, dense)) return false;
     if (!size_packed(factor, n, n)) return this->fail(text::kCannotSize, kCholesky);
-    pack_lower(reading(upper ? reversed_upper(dense) : dense), factor->p());
+    pack_lower(reading(as_lower(upper, dense)), factor->p());
     return true;
 }
 
@@ -336,7 +337,7 @@ bool TriangularFactorization<Real>::
     if (!work || !holds_its_elements(a)) return false;
     const View<Real> dense = square_view(work.data(), n);
     unpack_lower(a->p(), dense);
-    return bool(cholesky_lower(dense));
+    return bool(cholesky(kernel::Triangle::lower, dense));
 }
 
 template <class Real>

@@ -12,6 +12,7 @@
 #pragma once
 
 #include "core/view.h"
+#include "kernel/orders.h"
 
 namespace nequar::kernel {
 
@@ -94,5 +95,31 @@ template <class Real> void pack_lower(View<const Real> a, Real* packed);
 template <class Real> void unpack_symmetric(const Real* packed, View<Real> a);
 // packed (r, c) := (a(r, c) + a(c, r)) * 0.5
 template <class Real> void pack_symmetric(View<const Real> a, Real* packed);
+
+// ---- eliminations of what is small, or a step ----------------------------------------------------
+
+// Whether a product and its difference may be fused into one rounding, or are rounded one by one as in
+// plain loops, to the last bit; products are subtracted in the order of the pivots either way.
+enum class Rounding { fused, separate };
+
+// to := the packed factors L U of `from` with row rows[i] as row i (null: rows as they stand), no
+// search; order up to kSmallOrder; `to` may be `from`. Answers -1, or, with `to` untouched, the first
+// pivot that is zero or whose reciprocal overflows.
+template <class Real> Size lu_small(Rounding rounding, View<const Real> from, const int* rows, View<Real> to);
+// Upper triangle of to := U of A = U^T U, from the upper triangle of A; order up to kSmallOrder; `to`
+// may be `from`; the strict lower triangles are neither read nor written. Answers -1, or, with `to`
+// untouched, the first pivot that is not above zero.
+template <class Real> Size cholesky_small(Rounding rounding, View<const Real> from, View<Real> to);
+// P A = L U of an m x w panel with partial pivoting, m >= w: row c of t (w x m, contiguous rows with
+// kPanelPadding elements behind each) is column c of the panel. pivots[k] >= k is the row exchanged with
+// row k, the first of the largest; NaN is never chosen. A column without a pivot is passed over. Answers
+// the first such column, or -1.
+template <class Real> Size lu_panel(Rounding rounding, View<Real> t, int* pivots);
+// For each column of a (contiguous rows), over the rows rows[0 ... m-1]: the largest magnitude, and the
+// last i at which row rows[i] has it. NaN never counts; 0 and -1 when there is nothing else.
+template <class Real> void last_largest_of_columns(View<const Real> a, const int* rows, Size m, Real* largest, Real* place);
+// For each row r of a (contiguous): factors[r] := a(r, column), a(r, :) -= factors[r] pivot_row, and then
+// largest[r] := max |a(r, j)| weight[j], NaN left out.
+template <class Real> void eliminate_column(Size column, const Real* pivot_row, const Real* weight, View<Real> a, Real* factors, Real* largest);
 
 }  // namespace nequar::kernel

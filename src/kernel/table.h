@@ -11,6 +11,8 @@
 
 #include <cstddef>
 
+#include "kernel/orders.h"
+
 namespace nequar::kernel {
 
 // A matrix operand without its sizes: element (i, j) is data[i * row_stride + j * column_stride].
@@ -82,6 +84,20 @@ struct Table {
                        Real* packed);
     void (*unpack_symmetric)(std::ptrdiff_t n, const Real* packed, Block<Real> a);
     void (*pack_symmetric)(std::ptrdiff_t n, Block<const Real> a, Real* packed);
+
+    // ---- eliminations of what is small, or a step: see kernel.h ----
+    std::ptrdiff_t (*lu_small)(bool fused, std::ptrdiff_t n, Block<const Real> from,
+                               const int* rows, Block<Real> to);
+    std::ptrdiff_t (*cholesky_small)(bool fused, std::ptrdiff_t n, Block<const Real> from,
+                                     Block<Real> to);
+    std::ptrdiff_t (*lu_panel)(bool fused, std::ptrdiff_t w, std::ptrdiff_t m, Real* t,
+                               std::ptrdiff_t stride, int* pivots);
+    void (*last_largest_of_columns)(std::ptrdiff_t m, std::ptrdiff_t w, const Real* a,
+                                    std::ptrdiff_t row_stride, const int* rows, Real* largest,
+                                    Real* place);
+    void (*eliminate_column)(std::ptrdiff_t m, std::ptrdiff_t n, std::ptrdiff_t column,
+                             const Real* pivot_row, const Real* weight, Real* a,
+                             std::ptrdiff_t row_stride, Real* factors, Real* largest);
 };
 
 // The tables of the variants that were compiled in. Reading one is safe on every CPU; calling its

@@ -20,13 +20,6 @@ View<const Real> columns_of(const Vector<Real>* b) {
     return {b->p(), b->vs(), 1, 1, 1};
 }
 
-// The rows backwards.
-template <class Real>
-View<Real> with_rows_reversed(const View<Real>& x) {
-    if (x.is_empty()) return x;
-    return {&x(x.height - 1, 0), x.height, x.width, -x.row_stride, x.column_stride};
-}
-
 // Calls solve(b, x), which fills x from b, two arrays that do not overlap, and gives the solution
 // its shape. Answers the detail of the failure, null when there is none.
 template <class Real, class Solve>

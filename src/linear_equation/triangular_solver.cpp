@@ -33,16 +33,13 @@ bool has_zero_on_diagonal(const Packed* factor, Size n) {
     return false;
 }
 
-// The upper forms work on the reversed matrix, in which U is a lower triangle: packed bands of U go
-// there through the transposed reversed view, and right-hand sides run backwards.
-template <class Real, class Triangular>
-void unpack_as_lower(bool upper, const Triangular* factor, const View<Real>& dense) {
-    unpack_lower(factor->p(), upper ? dense.reversed().transposed() : dense);
+constexpr kernel::Triangle triangle_of(bool upper) {
+    return upper ? kernel::Triangle::upper : kernel::Triangle::lower;
 }
 
-template <class Real>
-void solve_from_cholesky_of(bool upper, const View<const Real>& l, const View<Real>& x) {
-    solve_from_cholesky(l, upper ? with_rows_reversed(x) : x);
+template <class Real, class Triangular>
+void unpack_triangle(bool upper, const Triangular* factor, const View<Real>& dense) {
+    unpack_lower(factor->p(), upper ? dense.transposed() : dense);
 }
 
 }  // namespace
@@ -258,7 +255,7 @@ bool TriangularSolver<Real>::solve_cholesky(bool upper, const MatrixSymmetric<Re
     if (columns_of(b).height == n)
         detail = deliver(b, x, [&](const View<const Real>& from, const View<Real>& to) {
             kernel::copy(from, to);
-            solve_from_cholesky_of(upper, reading(factor), to);
+            solve_from_cholesky(triangle_of(upper), reading(factor), to);
         });
     if (detail == nullptr) return true;
     this->fail(detail, solve_with_cholesky_name(upper));
@@ -281,8 +278,8 @@ bool TriangularSolver<Real>::invert_cholesky(bool upper, const MatrixSymmetric<R
         this->fail("1", invert_with_cholesky_name(upper));
         return this->fail("2", method);
     }
-    invert_from_cholesky(factor);
-    kernel::copy(reading(upper ? factor.reversed() : factor), view_of(inverse));
+    invert_from_cholesky(triangle_of(upper), factor);
+    kernel::copy(reading(factor), view_of(inverse));
     return true;
 }
 
@@ -341,8 +338,8 @@ bool TriangularSolver<Real>::solve_with_cholesky(bool upper, const Triangular* f
     Workspace<Real, kSquareBytes> work(x.height * x.height);
     if (!work) return false;
     const View<Real> dense = square_view(work.data(), x.height);
-    unpack_as_lower(upper, factor, dense);
-    solve_from_cholesky_of(upper, reading(dense), x);
+    unpack_triangle(upper, factor, dense);
+    solve_from_cholesky(triangle_of(upper), reading(dense), x);
     return true;
 }
 
@@ -370,9 +367,9 @@ bool TriangularSolver<Real>::invert_with_cholesky(bool upper, const Triangular* 
     const Size n = factor->mh();
     if (!can_solve_with(upper, factor, n)) return this->fail("2", method);
     if (inverse->c_Create(factor->mh(), factor->mh()) == nullptr) return this->fail("1", method);
-    const View<Real> dense = upper ? view_of(inverse).reversed() : view_of(inverse);
-    unpack_as_lower(upper, factor, dense);
-    invert_from_cholesky(dense);
+    const View<Real> dense = view_of(inverse);
+    unpack_triangle(upper, factor, dense);
+    invert_from_cholesky(triangle_of(upper), dense);
     return true;
 }
 

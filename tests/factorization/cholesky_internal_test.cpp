@@ -15,6 +15,8 @@
 namespace nequar {
 namespace {
 
+using kernel::Triangle;
+
 template <class Real>
 class CholeskyAlgorithm : public testing::Test {};
 using Reals = testing::Types<double, float>;
@@ -44,8 +46,8 @@ TYPED_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
             for (int i = 0; i < n; ++i)
                 for (int j = 0; j < i; ++j) f[i][j] = nan;
             Matrix<Real> g = reversed(f);
-            ASSERT_TRUE(cholesky_from_upper(view_of(&f), {base}));
-            ASSERT_TRUE(cholesky_from_upper(view_of(&g).reversed(), {base}));
+            ASSERT_TRUE(cholesky_from_opposite(Triangle::lower, view_of(&f), {base, base}));
+            ASSERT_TRUE(cholesky_from_opposite(Triangle::upper, view_of(&g), {base, base}));
             const Matrix<Real> l = lower_of(f);
             EXPECT_LT(test::componentwise_product_error(a, l, test::transposed(l)), 1.0)
                 << "n = " << n << ", base " << base;
@@ -75,7 +77,8 @@ TYPED_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
                     }
                     a[at][at] = bad;  // its row is zero, so nothing changes it before its turn
                     const Matrix<Real> input = a;
-                    const Outcome outcome = cholesky_from_upper(view_of(&a), {base});
+                    const Outcome outcome =
+                        cholesky_from_opposite(Triangle::lower, view_of(&a), {base, base});
                     EXPECT_EQ(outcome.kind, OutcomeKind::not_positive_definite);
                     EXPECT_EQ(outcome.index, at) << "n = " << n << ", base " << base;
                     for (int i = 0; i < n; ++i)

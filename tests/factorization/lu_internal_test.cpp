@@ -107,7 +107,7 @@ TYPED_TEST(LuAlgorithm, PivotOrderIsKnownFromTheInput) {
             std::vector<int> perm(static_cast<std::size_t>(n), -1);
             int interchanges = -1;
             const Matrix<Real>& input = a;
-            ASSERT_TRUE(choose_pivots_before_update(view_of(&input), perm.data(), interchanges));
+            choose_pivots_before_update(view_of(&input), perm.data(), interchanges);
             EXPECT_EQ(perm, expected) << "n = " << n << ", kind " << kind;
             EXPECT_EQ(interchanges, exchanges) << "n = " << n << ", kind " << kind;
         }

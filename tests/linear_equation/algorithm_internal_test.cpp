@@ -18,6 +18,8 @@
 namespace nequar {
 namespace {
 
+using kernel::Triangle;
+
 template <class Real>
 class SolveAlgorithm : public testing::Test {};
 using Reals = testing::Types<double, float>;
@@ -45,19 +47,27 @@ TYPED_TEST(SolveAlgorithm, FactorsSolveAndInvert) {
         ASSERT_TRUE(lu_partial_in_place(view_of(&lu), perm.data(), interchanges));
         const Matrix<Real> spd = test::positive_definite_matrix<Real>(n, 100, 5);
         Matrix<Real> l = spd;
-        ASSERT_TRUE(cholesky_lower(view_of(&l)));
+        Matrix<Real> u = spd;
+        ASSERT_TRUE(cholesky(Triangle::lower, view_of(&l)));
+        ASSERT_TRUE(cholesky(Triangle::upper, view_of(&u)));
         for (const int k : {0, 1, 2, 9, n}) {
             const Matrix<Real> b = test::random_matrix<Real>(n, k, 3);
             Matrix<Real> x = b;
             solve_from_lu(reading(view_of(&lu)), perm.data(), view_of(&b), view_of(&x));
             EXPECT_LT(test::solution_residual(a, x, b), 1.0) << n << ' ' << k;
             Matrix<Real> y = b;
-            solve_from_cholesky(reading(view_of(&l)), view_of(&y));
+            solve_from_cholesky(Triangle::lower, reading(view_of(&l)), view_of(&y));
+            EXPECT_LT(test::solution_residual(spd, y, b), 1.0) << n << ' ' << k;
+            y = b;
+            solve_from_cholesky(Triangle::upper, reading(view_of(&u)), view_of(&y));
             EXPECT_LT(test::solution_residual(spd, y, b), 1.0) << n << ' ' << k;
         }
         EXPECT_LT(test::solution_residual(a, inverse_of(a), test::identity_of<Real>(n)), 1.0) << n;
-        invert_from_cholesky(view_of(&l), 5);
-        EXPECT_LT(test::solution_residual(spd, l, test::identity_of<Real>(n)), 1.0) << n;
+        for (const Triangle triangle : {Triangle::lower, Triangle::upper}) {
+            Matrix<Real>& factor = triangle == Triangle::lower ? l : u;
+            invert_from_cholesky(triangle, view_of(&factor), 5);
+            EXPECT_LT(test::solution_residual(spd, factor, test::identity_of<Real>(n)), 1.0) << n;
+        }
     }
 }
 

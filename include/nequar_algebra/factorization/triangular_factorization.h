@@ -182,8 +182,7 @@ protected:
                  int& interchanges) const;
     /// Likewise for `dch_…`.
     bool can_begin_cholesky(const MatrixSymmetric<Real>* a) const;
-    /// The lower triangle of `factor` := L, or with `upper` the reversed U, which is a lower
-    /// triangle as well: element (i, j) is U(n-1-i, n-1-j).
+    /// The lower triangle of `factor` := L of A = L L^T, or the upper one := U of A = U U^T.
     bool find_cholesky(bool upper, const MatrixSymmetric<Real>* a, const View<Real>& factor) const;
 
 private:

@@ -1,14 +1,18 @@
-// A = L L^T, A n x n symmetric positive definite, L lower triangular with a positive diagonal.
+// Cholesky factorizations of a symmetric positive definite A, n x n.
 //
-//   [A11    ]   [L11    ] [L11^T L21^T]     A11 = L11 L11^T          recursion
-//   [A21 A22] = [L21 L22] [      L22^T]     L21 = A21 L11^-T         trsm on the transposes
-//                                           A22 := A22 - L21 L21^T   syrk
-//                                           A22 = L22 L22^T          recursion
+//   lower: A = L L^T                                 upper: A = U U^T (from the bottom right
+//   corner)
 //
-// A = U U^T is the same on the reversed view: with J the reversal, J A J = (J U J)(J U J)^T and
-// J U J is lower triangular.
+//   [A11    ]   [L11    ] [L11^T L21^T]              [A11 A12]   [U11 U12] [U11^T      ]
+//   [A21 A22] = [L21 L22] [      L22^T]              [    A22] = [    U22] [U12^T U22^T]
 //
-// A matrix no larger than the base is factored in exactly the operations of the plain scheme
+//   A11 = L11 L11^T          recursion               A22 = U22 U22^T          recursion
+//   L21 = A21 L11^-T         trsm                    U12 = A12 U22^-T         trsm
+//   A22 := A22 - L21 L21^T   syrk                    A11 := A11 - U12 U12^T   syrk
+//   A22 = L22 L22^T          recursion               A11 = U11 U11^T          recursion
+//
+// The diagonal blocks at the ends of the recursion, and small matrices, are factored row by row. A
+// matrix no larger than `plain` is factored in exactly the operations of the plain scheme
 //   s = a(i, j) - l(i, 0) l(j, 0) - l(i, 1) l(j, 1) - ...,  l(j, i) = s / l(i, i)
 // (product, then difference; no fused operation). A pivot that is not above zero, NaN included, is
 // the end.
@@ -18,22 +22,26 @@
 
 #include "core/outcome.h"
 #include "core/view.h"
+#include "kernel/kernel.h"
 
 namespace nequar {
 
 struct CholeskyBlocking {
-    Size base = 32;  // the order at which the recursion ends, at most 64
+    Size plain = 32;  // the largest order that is factored by the stated operations alone
+    Size base = 32;   // the order of the diagonal blocks at which the recursion ends
+    // Neither may exceed kernel::kSmallOrder.
 };
 
-// In place on the lower triangle; the strict upper one is neither read nor written. On failure
-// columns before the failing block are factored, what follows is partly updated.
+// In place on the named triangle; the other one is neither read nor written. On failure the index
+// is that of the pivot, and the triangle is partly factored and updated.
 template <class Real>
-Outcome cholesky_lower(View<Real> a, CholeskyBlocking blocking = {});
+Outcome cholesky(kernel::Triangle triangle, View<Real> a, CholeskyBlocking blocking = {});
 
-// Reads the diagonal and the strict upper triangle, which keeps its input; writes L into the
-// strict lower triangle and, when it succeeds, onto the diagonal. On failure the diagonal is that
-// of the input and the strict lower triangle is partly overwritten.
+// Reads the diagonal and the triangle opposite to the named one, which keeps its input; writes the
+// factor into the named triangle and, when it succeeds, onto the diagonal. On failure the diagonal
+// is that of the input and the named triangle is partly overwritten.
 template <class Real>
-Outcome cholesky_from_upper(View<Real> a, CholeskyBlocking blocking = {});
+Outcome cholesky_from_opposite(kernel::Triangle triangle, View<Real> a,
+                               CholeskyBlocking blocking = {});
 
 }  // namespace nequar

@@ -12,6 +12,7 @@ namespace nequar {
 namespace {
 
 using kernel::Diagonal;
+using kernel::Rounding;
 using kernel::Triangle;
 using kernel::Update;
 
@@ -41,7 +42,7 @@ void update_column(View<Real> a, Size j) {
 template <class Real>
 bool lu_without_search(View<Real> a, Size base) {
     const Size n = a.height;
-    if (n <= base) return eliminate_rows_without_search(a);
+    if (n <= base) return kernel::lu_small(Rounding::fused, reading(a), nullptr, a) < 0;
     const Size n1 = split_of(n, base);
     const Size n2 = n - n1;
     const View<Real> a11 = a.block(0, 0, n1, n1);
@@ -83,12 +84,13 @@ Outcome lu_by_columns(View<Real> a, int* perm, int& interchanges, Size plain) {
 template <class Real>
 Outcome lu_before_update(View<const Real> input, View<Real> lu, int* perm, int& interchanges,
                          LuBlocking blocking) {
-    const Outcome order = choose_pivots_before_update(input, perm, interchanges);
-    if (!order) return order;
-    kernel::gather_rows(input, perm, lu);
-    const bool is_factored = lu.height <= blocking.plain ? eliminate_rows_without_search(lu)
-                                                         : lu_without_search(lu, blocking.base);
-    if (is_factored) return Outcome::success();
+    choose_pivots_before_update(input, perm, interchanges);
+    if (input.height <= blocking.plain) {
+        if (kernel::lu_small(Rounding::separate, input, perm, lu) < 0) return Outcome::success();
+    } else {
+        kernel::gather_rows(input, perm, lu);
+        if (lu_without_search(lu, blocking.base)) return Outcome::success();
+    }
     kernel::copy(input, lu);
     return lu_by_columns(lu, perm, interchanges, blocking.plain);
 }
@@ -96,7 +98,13 @@ Outcome lu_before_update(View<const Real> input, View<Real> lu, int* perm, int& 
 template <class Real>
 Outcome lu_before_update_in_place(View<Real> a, int* perm, int& interchanges, LuBlocking blocking) {
     const Size n = a.height;
-    Workspace<Real, 8192> copy(n * n);
+    if (n <= blocking.plain) {
+        choose_pivots_before_update(reading(a), perm, interchanges);
+        if (kernel::lu_small(Rounding::separate, reading(a), perm, a) < 0)
+            return Outcome::success();
+        return lu_by_columns(a, perm, interchanges, blocking.plain);  // nothing was written
+    }
+    Workspace<Real> copy(n * n);
     if (!copy) return {OutcomeKind::no_memory};
     const View<Real> input(copy.data(), n, n, n);
     kernel::copy(reading(a), input);

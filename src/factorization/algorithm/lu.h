@@ -12,9 +12,9 @@
 //                                        A22 := A22 - L21 U12      gemm
 //                                        A22 = L22 U22             recursion
 //
-// Small matrices and the diagonal blocks go row by row. A matrix no larger than `plain` is
-// eliminated in exactly the operations, and their order, of the column scheme (product, then
-// difference; no fused operation), so both find the same exact zeros.
+// The diagonal blocks at the ends of the recursion, and small matrices, go row by row. A matrix no
+// larger than `plain` is eliminated in exactly the operations, and their order, of the column
+// scheme (product, then difference; no fused operation), so both find the same exact zeros.
 //
 // When a pivot is exactly zero, or so small that its reciprocal overflows, the column scheme is run
 // on the untouched input; what it leaves, and what it answers, stands.
@@ -30,6 +30,7 @@ namespace nequar {
 struct LuBlocking {
     Size plain = 32;  // the largest order that is eliminated by the stated operations alone
     Size base = 32;   // the order of the diagonal blocks at which the recursion ends
+    // Neither may exceed kernel::kSmallOrder.
 };
 
 // The column scheme, in place, pivots included: step j chooses the pivot on the column as it

@@ -14,73 +14,33 @@ using kernel::Diagonal;
 using kernel::Triangle;
 using kernel::Update;
 
-// A small square matrix, row by row. While the rows are updated, the next column's largest element
-// is found.
+// A row of a panel and the padding behind it: an odd number of cache lines, so that the rows do not
+// meet in the same sets of the cache.
 template <class Real>
-Size eliminate_small(View<Real> a, int* pivots) {
-    const Size n = a.height;
-    Size zero = -1;
-    for (Size k = 0; k < n; ++k) {
-        const Size r = k + kernel::index_of_largest_magnitude(reading(a.column(k).part(k, n - k)));
-        pivots[k] = static_cast<int>(r);
-        if (r != k) kernel::swap(a.row(r), a.row(k));
-        const Real pivot = a(k, k);
-        if (pivot == 0) {
-            if (zero < 0) zero = k;
-            continue;
-        }
-        divide_by_pivot(pivot, a.column(k).part(k + 1, n - k - 1));
-        const Strided<const Real> pivot_row = reading(a.row(k).part(k + 1, n - k - 1));
-        for (Size i = k + 1; i < n; ++i)
-            subtract_multiple(a(i, k), pivot_row, a.row(i).part(k + 1, n - k - 1));
-    }
-    return zero;
-}
-
-// An m x w panel, m >= w, held transposed: row c of t is column c of the panel.
-template <class Real>
-Size eliminate_panel(View<Real> t, int* pivots) {
-    const Size w = t.height;
-    const Size m = t.width;
-    Size zero = -1;
-    for (Size k = 0; k < w; ++k) {
-        const Size r = k + kernel::index_of_largest_magnitude(reading(t.row(k).part(k, m - k)));
-        pivots[k] = static_cast<int>(r);
-        if (r != k) kernel::swap(t.column(r), t.column(k));
-        const Real pivot = t(k, k);
-        if (pivot == 0) {
-            if (zero < 0) zero = k;
-            continue;
-        }
-        const Strided<Real> multipliers = t.row(k).part(k + 1, m - k - 1);
-        if (reciprocal_overflows(pivot))
-            divide_by_pivot(pivot, multipliers);
-        else
-            kernel::scale(1 / pivot, multipliers);
-        kernel::ger(Real(-1), reading(t.column(k).part(k + 1, w - k - 1)), reading(multipliers),
-                    t.block(k + 1, k + 1, w - k - 1, m - k - 1));
-    }
-    return zero;
+Size panel_stride(Size m) {
+    constexpr Size kLine = 64 / Size(sizeof(Real));
+    return ((m + kernel::kPanelPadding + kLine - 1) / kLine | 1) * kLine;
 }
 
 template <class Real>
 class Factorization {
 public:
-    Factorization(LuPartialBlocking blocking, Real* panel) : blocking_(blocking), panel_(panel) {}
+    Factorization(kernel::Rounding rounding, Size panel_width, Real* panel)
+        : rounding_(rounding), panel_width_(panel_width), panel_(panel) {}
 
     // Factors the m x n view, m >= n; pivots[k] >= k is the row exchanged with row k. Answers the
     // first column without a pivot, or -1.
     Size factor(View<Real> a, int* pivots) {
         const Size m = a.height;
         const Size n = a.width;
-        if (n <= blocking_.panel) {
-            const View<Real> t(panel_, n, m, m);
+        if (n <= panel_width_) {
+            const View<Real> t(panel_, n, m, panel_stride<Real>(m));
             kernel::transpose(reading(a), t);
-            const Size zero = eliminate_panel(t, pivots);
+            const Size zero = kernel::lu_panel(rounding_, t, pivots);
             kernel::transpose(reading(t), a);
             return zero;
         }
-        const Size n1 = split_of(n, blocking_.panel);
+        const Size n1 = split_of(n, panel_width_);
         const Size n2 = n - n1;
         const View<Real> left = a.columns(0, n1);
         const View<Real> right = a.columns(n1, n2);
@@ -104,7 +64,8 @@ private:
             if (pivots[k] != k) kernel::swap(a.row(k), a.row(pivots[k]));
     }
 
-    LuPartialBlocking blocking_;
+    kernel::Rounding rounding_;
+    Size panel_width_;
     Real* panel_;
 };
 
@@ -116,14 +77,12 @@ Outcome lu_partial_in_place(View<Real> a, int* perm, int& interchanges,
     const Size n = a.height;
     Workspace<int, 1024> pivots(n);
     if (!pivots) return {OutcomeKind::no_memory};
-    Size zero = -1;
-    if (n <= blocking.plain) {
-        zero = eliminate_small(a, pivots.data());
-    } else {
-        Workspace<Real> panel(std::min(n, blocking.panel) * n);
-        if (!panel) return {OutcomeKind::no_memory};
-        zero = Factorization<Real>(blocking, panel.data()).factor(a, pivots.data());
-    }
+    const bool is_plain = n <= blocking.plain;
+    const Size width = is_plain ? n : std::min(n, blocking.panel);
+    Workspace<Real, 16384> panel(width * panel_stride<Real>(n));
+    if (!panel) return {OutcomeKind::no_memory};
+    const auto rounding = is_plain ? kernel::Rounding::separate : kernel::Rounding::fused;
+    const Size zero = Factorization<Real>(rounding, width, panel.data()).factor(a, pivots.data());
     interchanges = 0;
     for (Size i = 0; i < n; ++i) perm[i] = static_cast<int>(i);
     for (Size k = 0; k < n; ++k) {

@@ -15,9 +15,9 @@
 // It ends at narrow panels, which are factored on a transposed copy, so that columns are
 // contiguous.
 //
-// A column without a pivot (all zero where it is sought, or zero beside what is not a number) is
-// passed over: its multipliers are left as they are and the elimination goes on, so that on failure
-// too P A = L U holds for finite input, with a zero on the diagonal of U.
+// What is not a number is never chosen. A column without a pivot, all zero where it is sought, is
+// passed over: its multipliers stay zero and the elimination goes on, so that on failure too
+// P A = L U holds for finite input, with a zero on the diagonal of U.
 //
 // Source: Toledo, Locality of reference in LU decomposition with partial pivoting, SIAM J. Matrix
 // Anal. Appl. 18 (1997); Gustavson, IBM J. Res. Dev. 41 (1997).
@@ -29,7 +29,7 @@
 namespace nequar {
 
 struct LuPartialBlocking {
-    Size plain = 32;  // the largest order that is eliminated row by row in one go
+    Size plain = 32;  // the largest order that is one panel, eliminated without fused operations
     Size panel = 16;  // the width at which the recursion ends
 };
 

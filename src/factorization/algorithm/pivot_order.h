@@ -9,7 +9,6 @@
 // is nothing else, the row stays where it is.
 #pragma once
 
-#include "core/outcome.h"
 #include "core/view.h"
 
 namespace nequar {
@@ -21,6 +20,6 @@ Size last_largest_magnitude(Strided<const Real> candidates);
 // The row order of all n columns of the square view: row i of P A is row perm[i] of A.
 // `interchanges` counts the steps that moved a row.
 template <class Real>
-Outcome choose_pivots_before_update(View<const Real> a, int* perm, int& interchanges);
+void choose_pivots_before_update(View<const Real> a, int* perm, int& interchanges);
 
 }  // namespace nequar

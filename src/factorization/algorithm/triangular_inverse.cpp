@@ -39,9 +39,9 @@ void invert_small(Diagonal diagonal, View<Real> t) {
     }
 }
 
-// c(i, j) = sum_{k >= i} x(k, i) x(k, j), j <= i: row k of X adds to the rows 0 ... k of C.
+// c(i, j) = sum_{k >= i} x(k, i) x(k, j), j <= i
 template <class Real>
-void multiply_small(View<Real> x) {
+void multiply_transpose_by_small(View<Real> x) {
     const Size n = x.height;
     alignas(64) Real square[kLargestBase * kLargestBase];
     for (Size i = 0; i < n; ++i)
@@ -51,6 +51,22 @@ void multiply_small(View<Real> x) {
         std::fill_n(row, i + 1, Real(0));
         for (Size k = i; k < n; ++k) add_multiple(square[k * n + i], square + k * n, row, i + 1);
         for (Size j = 0; j <= i; ++j) x(i, j) = row[j];
+    }
+}
+
+// c(i, j) = sum_{k <= j} x(i, k) x(j, k), j <= i
+template <class Real>
+void multiply_small_by_transpose(View<Real> x) {
+    const Size n = x.height;
+    alignas(64) Real columns[kLargestBase * kLargestBase];  // row k is column k of X
+    for (Size i = 0; i < n; ++i)
+        for (Size k = 0; k <= i; ++k) columns[k * n + i] = x(i, k);
+    for (Size j = 0; j < n; ++j) {
+        alignas(64) Real column[kLargestBase];
+        std::fill_n(column, n, Real(0));
+        for (Size k = 0; k <= j; ++k)
+            add_multiple(columns[k * n + j], columns + k * n + j, column + j, n - j);
+        for (Size i = j; i < n; ++i) x(i, j) = column[i];
     }
 }
 
@@ -86,7 +102,7 @@ void invert_lower_triangle(Diagonal diagonal, View<Real> t, Size base) {
 template <class Real>
 void multiply_transpose_by_lower(View<Real> x, Size base) {
     const Size n = x.height;
-    if (n <= std::min(base, kLargestBase)) return multiply_small(x);
+    if (n <= std::min(base, kLargestBase)) return multiply_transpose_by_small(x);
     const Size n1 = split_of(n, base);
     const Size n2 = n - n1;
     const View<Real> x11 = x.block(0, 0, n1, n1);
@@ -96,6 +112,21 @@ void multiply_transpose_by_lower(View<Real> x, Size base) {
     kernel::syrk(Triangle::lower, Real(1), reading(x21.transposed()), Update::accumulate, x11);
     kernel::trmm(Triangle::upper, Diagonal::stored, reading(x22.transposed()), x21);
     multiply_transpose_by_lower(x22, base);
+}
+
+template <class Real>
+void multiply_lower_by_transpose(View<Real> x, Size base) {
+    const Size n = x.height;
+    if (n <= std::min(base, kLargestBase)) return multiply_small_by_transpose(x);
+    const Size n1 = split_of(n, base);
+    const Size n2 = n - n1;
+    const View<Real> x11 = x.block(0, 0, n1, n1);
+    const View<Real> x21 = x.block(n1, 0, n2, n1);
+    const View<Real> x22 = x.block(n1, n1, n2, n2);
+    multiply_lower_by_transpose(x22, base);
+    kernel::syrk(Triangle::lower, Real(1), reading(x21), Update::accumulate, x22);
+    kernel::trmm(Triangle::lower, Diagonal::stored, reading(x11), x21.transposed());
+    multiply_lower_by_transpose(x11, base);
 }
 
 template <class Real>
@@ -121,11 +152,15 @@ Outcome invert_from_lu(View<const Real> lu, const int* perm, View<Real> inverse,
     return invert_from_lu_in_place(Diagonal::unit, lu, perm, inverse, base);
 }
 
+// (L L^T)^-1 = L^-T L^-1. With X = U^-T, the lower triangle of the transposed view,
+// (U U^T)^-1 = X X^T, of which that view gets the lower triangle.
 template <class Real>
-void invert_from_cholesky(View<Real> l, Size base) {
-    invert_lower_triangle(Diagonal::stored, l, base);
-    multiply_transpose_by_lower(l, base);
-    mirror_lower_to_upper(l);
+void invert_from_cholesky(Triangle triangle, View<Real> factor, Size base) {
+    const bool lower = triangle == Triangle::lower;
+    const View<Real> x = lower ? factor : factor.transposed();
+    invert_lower_triangle(Diagonal::stored, x, base);
+    lower ? multiply_transpose_by_lower(x, base) : multiply_lower_by_transpose(x, base);
+    mirror_lower_to_upper(x);
 }
 
 template <class Real>
@@ -146,7 +181,8 @@ void mirror_lower_to_upper(View<Real> a, Size tile) {
     template Outcome invert_from_lu_in_place(Diagonal, View<const Real>, const int*, View<Real>, \
                                              Size);                                              \
     template Outcome invert_from_lu(View<const Real>, const int*, View<Real>, Size);             \
-    template void invert_from_cholesky(View<Real>, Size);                                        \
+    template void multiply_lower_by_transpose(View<Real>, Size);                                 \
+    template void invert_from_cholesky(Triangle, View<Real>, Size);                              \
     template void mirror_lower_to_upper(View<Real>, Size);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

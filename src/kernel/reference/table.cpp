@@ -2,6 +2,7 @@
 #include "kernel/table.h"
 
 #include "kernel/reference/bands.h"
+#include "kernel/reference/factor.h"
 #include "kernel/reference/level1.h"
 #include "kernel/reference/level2.h"
 #include "kernel/reference/level3.h"
@@ -45,6 +46,11 @@ constexpr Table<Real> kTable = {
     .pack_lower = pack_lower<Real>,
     .unpack_symmetric = unpack_symmetric<Real>,
     .pack_symmetric = pack_symmetric<Real>,
+    .lu_small = lu_small<Real>,
+    .cholesky_small = cholesky_small<Real>,
+    .lu_panel = lu_panel<Real>,
+    .last_largest_of_columns = last_largest_of_columns<Real>,
+    .eliminate_column = eliminate_column<Real>,
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "kernel/simd/bands.h"
 #include "kernel/simd/elementwise.h"
+#include "kernel/simd/factor.h"
 #include "kernel/simd/gemm.h"
 #include "kernel/simd/level2.h"
 #include "kernel/simd/reduction.h"
@@ -46,6 +47,11 @@ constexpr Table<Real> table_named(const char* name) {
         .pack_lower = pack_lower<Real>,
         .unpack_symmetric = unpack_symmetric<Real>,
         .pack_symmetric = pack_symmetric<Real>,
+        .lu_small = lu_small<Real>,
+        .cholesky_small = cholesky_small<Real>,
+        .lu_panel = lu_panel<Real>,
+        .last_largest_of_columns = last_largest_of_columns<Real>,
+        .eliminate_column = eliminate_column<Real>,
     };
 }
 

@@ -28,16 +28,17 @@ void solve_from_lu(View<const Real> lu, const int* perm, View<const Real> b, Vie
 }
 
 template <class Real>
-void solve_from_cholesky(View<const Real> l, View<Real> x) {
-    solve_triangle(Triangle::lower, Diagonal::stored, l, x);
-    solve_triangle(Triangle::upper, Diagonal::stored, l.transposed(), x);
+void solve_from_cholesky(Triangle triangle, View<const Real> factor, View<Real> x) {
+    const Triangle opposite = triangle == Triangle::lower ? Triangle::upper : Triangle::lower;
+    solve_triangle(triangle, Diagonal::stored, factor, x);
+    solve_triangle(opposite, Diagonal::stored, factor.transposed(), x);
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                             \
     template void gather_right_hand_sides(View<const Real>, const int*, View<Real>);         \
     template void solve_triangle(Triangle, Diagonal, View<const Real>, View<Real>);          \
     template void solve_from_lu(View<const Real>, const int*, View<const Real>, View<Real>); \
-    template void solve_from_cholesky(View<const Real>, View<Real>);
+    template void solve_from_cholesky(Triangle, View<const Real>, View<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

@@ -1,7 +1,8 @@
 // Solving with factors that are already there, one or many right-hand sides.
 //
 //   lu: packed L and U of P A            X = U^-1 L^-1 P B        gather, trsm, trsm
-//   l:  lower triangle, A = L L^T        X = L^-T L^-1 B          trsm, trsm
+//   factor: L of A = L L^T               X = L^-T L^-1 B          trsm, trsm
+//           U of A = U U^T               X = U^-T U^-1 B          trsm, trsm
 //
 // A single right-hand side goes through trsv.
 #pragma once
@@ -24,9 +25,8 @@ void solve_triangle(kernel::Triangle triangle, kernel::Diagonal diagonal, View<c
 template <class Real>
 void solve_from_lu(View<const Real> lu, const int* perm, View<const Real> b, View<Real> x);
 
-// X := (L L^T)^-1 X in place. For A = U U^T pass the reversed views: the reversed U is lower
-// triangular, and the rows of X run backwards.
+// X := (L L^T)^-1 X with L the lower triangle, or X := (U U^T)^-1 X with U the upper one, in place.
 template <class Real>
-void solve_from_cholesky(View<const Real> l, View<Real> x);
+void solve_from_cholesky(kernel::Triangle triangle, View<const Real> factor, View<Real> x);
 
 }  // namespace nequar

@@ -15,17 +15,10 @@ struct Pivot {
     Size row = -1;
 };
 
-// The largest |row[j]| w[j]; w is one where the column is not used and zero where it is (zero times
-// infinity is NaN, which never wins).
-template <class Real>
-Real largest_unused(Size n, const Real* row, const Real* weight) {
-    Real largest = 0;
-    for (Size j = 0; j < n; ++j) {
-        const Real magnitude = std::abs(row[j]) * weight[j];
-        if (magnitude > largest) largest = magnitude;
-    }
-    return largest;
-}
+struct Rows {
+    Size first;
+    Size count;
+};
 
 template <class Real>
 void divide_row(Real magnitude, Strided<Real> row) {
@@ -44,12 +37,17 @@ Outcome gauss_jordan(View<Real> a, View<Real> b) {
     const Size n = a.height;
     Workspace<Real> work(3 * n);
     if (!work) return {OutcomeKind::no_memory};
-    Real* const weight = work.data();      // by column: 1 not used, 0 used
-    Real* const factor = work.data() + n;  // a(r, pc) before the step
-    Real* const largest = work.data() + 2 * n;
-    for (Size i = 0; i < n; ++i) weight[i] = 1;
+    // By column: one where it is not used and zero where it is (zero times infinity is NaN, which
+    // never wins).
+    Real* const weight = work.data();
+    Real* const factors = work.data() + n;      // a(r, pc) before the step
+    Real* const largest = work.data() + 2 * n;  // by row, after the step, in columns not used
+    kernel::fill(n, Real(1), weight);
 
-    for (Size r = 0; r < n; ++r) largest[r] = largest_unused(n, &a(r, 0), weight);
+    for (Size r = 0; r < n; ++r) {
+        const Size at = kernel::index_of_largest_magnitude(reading(a.row(r)));
+        largest[r] = std::abs(a(r, at));
+    }
     for (Size step = 0; step < n; ++step) {
         Pivot<Real> pivot;
         for (Size r = 0; r < n; ++r) {
@@ -66,18 +64,15 @@ Outcome gauss_jordan(View<Real> a, View<Real> b) {
         }
         divide_row(pivot.magnitude, a.row(pc));
         divide_row(pivot.magnitude, b.row(pc));
-        for (Size r = 0; r < n; ++r) {
-            factor[r] = a(r, pc);
-            if (r == pc) continue;
-            kernel::axpy(-factor[r], reading(a.row(pc)), a.row(r));
-            largest[r] = largest_unused(n, &a(r, 0), weight);
-        }
         // Row pc itself is left out, not multiplied by zero: it may hold infinities.
-        const Strided<const Real> factors(factor, n);
         const Strided<const Real> pivot_row = reading(b.row(pc));
-        kernel::ger(Real(-1), factors.part(0, pc), pivot_row, b.rows(0, pc));
-        kernel::ger(Real(-1), factors.part(pc + 1, n - pc - 1), pivot_row,
-                    b.rows(pc + 1, n - pc - 1));
+        const Rows others[] = {{0, pc}, {pc + 1, n - pc - 1}};
+        for (const auto& [first, count] : others) {
+            kernel::eliminate_column(pc, &a(pc, 0), weight, a.rows(first, count), factors + first,
+                                     largest + first);
+            kernel::ger(Real(-1), Strided<const Real>(factors + first, count), pivot_row,
+                        b.rows(first, count));
+        }
     }
     return Outcome::success();
 }
