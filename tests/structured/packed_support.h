@@ -32,6 +32,62 @@ std::string failures_of(Object& object) {
 
 inline const std::string kRefused = "zivs_Initialize_and_Vector_Size: 1\nc_Create: 1";
 
+// The packed classes as type parameters.
+struct AnyDiagonal {
+    static constexpr const char* element_failure = "ge_Get_Element: 1";
+    static constexpr const char* setting_failure = "se_Set_Element: 2";
+    static constexpr const char* getting_band_failure = "gb_Get_Band: 2";
+    static constexpr const char* setting_band_failure = "sb_Set_Band: 2";
+};
+struct AnyPacked {
+    static constexpr const char* element_failure = "fi_Find_Index_of_element: 2";
+    static constexpr const char* setting_failure = "fi_Find_Index_of_element: 2";
+    static constexpr const char* getting_band_failure = "fib_Find_Index_range_of_a_Band: 2";
+    static constexpr const char* setting_band_failure = "fib_Find_Index_range_of_a_Band: 2";
+};
+
+#define NEQUAR_PACKED_KIND(Kind, Base, Number, Class) \
+    struct Kind : Base {                              \
+        using Real = Number;                          \
+        using Packed = Class;                         \
+        static constexpr const char* name = #Class;   \
+    };
+NEQUAR_PACKED_KIND(Diagonal, AnyDiagonal, double, CNqMatrix_Diagonal)
+NEQUAR_PACKED_KIND(DiagonalFloat, AnyDiagonal, float, CNqMatrixFloat_Diagonal)
+NEQUAR_PACKED_KIND(Symmetric, AnyPacked, double, CNqMatrix_Symmetric)
+NEQUAR_PACKED_KIND(SymmetricFloat, AnyPacked, float, CNqMatrixFloat_Symmetric)
+NEQUAR_PACKED_KIND(Lower, AnyPacked, double, CNqMatrix_TriangularLower)
+NEQUAR_PACKED_KIND(LowerFloat, AnyPacked, float, CNqMatrixFloat_TriangularLower)
+NEQUAR_PACKED_KIND(Upper, AnyPacked, double, CNqMatrix_TriangularUpper)
+NEQUAR_PACKED_KIND(UpperFloat, AnyPacked, float, CNqMatrixFloat_TriangularUpper)
+#undef NEQUAR_PACKED_KIND
+
+template <class Kind>
+inline constexpr bool is_lower = std::is_same_v<Kind, Lower> || std::is_same_v<Kind, LowerFloat>;
+template <class Kind>
+inline constexpr bool is_diagonal = std::is_base_of_v<AnyDiagonal, Kind>;
+template <class Kind>
+inline constexpr bool is_symmetric =
+    std::is_same_v<Kind, Symmetric> || std::is_same_v<Kind, SymmetricFloat>;
+
+// The forms of import and export that differ in their arguments.
+template <class Kind>
+void import_square(typename Kind::Packed& packed, int n, const typename Kind::Real* elements) {
+    if constexpr (is_symmetric<Kind>) {
+        packed.i_Import(true, n, elements);
+    } else {
+        packed.i_Import(true, n, n, elements);
+    }
+}
+template <class Kind>
+void export_to(const typename Kind::Packed& packed, nequar::Matrix<typename Kind::Real>& dense) {
+    if constexpr (is_symmetric<Kind>) {
+        packed.e_Export(&dense);
+    } else {
+        packed.e_Export(&dense, true);
+    }
+}
+
 struct Position {
     int x;
     int y;

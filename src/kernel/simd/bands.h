@@ -88,11 +88,11 @@ struct FirstLanesOf<0, Lane...> {
     using Type = Lanes<Lane...>;
 };
 template <unsigned mask, class AnyVector, unsigned... Lane>
-NEQUAR_INLINE AnyVector blend_lanes(AnyVector a, AnyVector b, Lanes<Lane...>) {
+NEQUAR_INLINE AnyVector blend_lanes(const AnyVector& a, const AnyVector& b, Lanes<Lane...>) {
     return __builtin_shufflevector(a, b, ((mask >> Lane) % 2 ? sizeof...(Lane) + Lane : Lane)...);
 }
 template <unsigned mask, class AnyVector>
-NEQUAR_INLINE AnyVector blend(AnyVector a, AnyVector b) {
+NEQUAR_INLINE AnyVector blend(const AnyVector& a, const AnyVector& b) {
     constexpr unsigned lanes = sizeof(AnyVector) / sizeof(a[0]);
     return blend_lanes<mask>(a, b, typename FirstLanesOf<lanes>::Type{});
 }
@@ -120,7 +120,7 @@ struct Shear {
     Vector<Real> earlier[lanes - 1];
 
     template <unsigned part = 1>
-    NEQUAR_INLINE Vector<Real> next(Vector<Real> v) {
+    NEQUAR_INLINE Vector<Real> next(const Vector<Real>& v) {
         if constexpr (part == lanes) {
             return v;
         } else {
@@ -194,13 +194,13 @@ struct UnpackedStrip {
 
     NEQUAR_INLINE Real* row(Size i) const { return a.data + i * a.row_stride + j; }
 
-    NEQUAR_INLINE Vector<Real> next(Vector<Real> v, Size shrink) {
+    NEQUAR_INLINE Vector<Real> next(const Vector<Real>& v, Size shrink) {
         in += length;
         length -= shrink;
         return shear.next(v);
     }
 
-    NEQUAR_INLINE void put(Vector<Real> v) {
+    NEQUAR_INLINE void put(const Vector<Real>& v) {
         store(row(r), v);
         if constexpr (mirror) scatter<Real>(v, lanes, a.data + j * a.row_stride + r, a.row_stride);
         ++r;
