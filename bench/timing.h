@@ -14,7 +14,7 @@ struct Timing {
     double error = 0;    // of the result, in units of its rounding bound
     bool is_right() const { return error <= kLargestError; }
 
-    static constexpr double kLargestError = 10;
+    static constexpr double kLargestError = 1;
 };
 
 // Takes about `budget` seconds for each contender, at least three rounds.

@@ -52,6 +52,17 @@ TEST(ProgramSolve, SeveralRightHandSidesAndNone) {
     expect_values(solution_of(folder, {a}), {0.375, 0.25}, 1e-15);
 }
 
+TEST(ProgramSolve, SkewSymmetricFilesKeepTheirSigns) {
+    const Folder folder;
+    // [[0, -2], [2, 0]] x = (3, 4)
+    const std::string b = folder.file("b.mtx", kArray + "2 1\n3\n4\n");
+    for (const char* text : {"coordinate real skew-symmetric\n2 2 1\n2 1 2\n",
+                             "array real skew-symmetric\n2 2\n2\n"}) {
+        const std::string a = folder.file("A.mtx", std::string("%%MatrixMarket matrix ") + text);
+        expect_values(solution_of(folder, {a, b}), {2, -1.5}, 1e-15);
+    }
+}
+
 TEST(ProgramSolve, AutoSaysWhatItTookAndWhy) {
     const Folder folder;
     const auto method = [&](const std::string& text) {
