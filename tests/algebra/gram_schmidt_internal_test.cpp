@@ -57,7 +57,9 @@ TYPED_TEST(GramSchmidtTest, BlockedAndUnblockedAtAnyScale) {
     using Real = TypeParam;
     const Real huge = sizeof(Real) == 8 ? Real(1e200) : Real(1e25);
     for (const Real scale : {Real(1), huge, 1 / huge})
-        for (const auto& [h, w] : {std::array{1, 1}, {9, 9}, {40, 23}, {70, 70}}) {
+        for (const auto& shape : {std::array{1, 1}, {9, 9}, {40, 23}, {70, 70}}) {
+            const int h = shape[0], w = shape[1];
+
             const auto A = this->well_conditioned(h, w, scale);
             nequar::Matrix<Real> Q;
             Q.c_Create(h, w);
@@ -76,19 +78,26 @@ TYPED_TEST(GramSchmidtTest, BlockedAndUnblockedAtAnyScale) {
 
 TYPED_TEST(GramSchmidtTest, ClassicalCoefficients) {
     using Real = TypeParam;
-    // Columns (1, e, 0, 0), (1, 0, e, 0), (1, 0, 0, e) with e^2 below the rounding unit: the
-    // classical scheme gives q_1 . q_2 = 1/2 where the modified one would stay near zero.
+    // Columns (1, e, 0, …), (1, 0, e, 0, …), … with e^2 below the rounding unit: the classical
+    // scheme gives q_i . q_j = 1/2 for 0 < i < j, where the modified one would stay near zero.
+    constexpr int n = 5;
     const double e = std::sqrt(double(std::numeric_limits<Real>::epsilon())) / 4;
-    const auto A = matrix<Real>(4, 3, {1, 1, 1, e, 0, 0, 0, e, 0, 0, 0, e});
+    nequar::Matrix<Real> A;
+    A.c_Create(n + 1, n, 0);
+    for (int j = 0; j < n; ++j) {
+        A[0][j] = 1;
+        A[j + 1][j] = Real(e);
+    }
     for (const int block : {0, 1, 2, 3}) {
         nequar::Matrix<Real> Q;
-        Q.c_Create(4, 3);
+        Q.c_Create(n + 1, n);
         const Outcome outcome =
             block == 0 ? nequar::gram_schmidt_unblocked<Real>(view_of(&A), view_of(&Q))
                        : nequar::gram_schmidt_blocked<Real>(view_of(&A), view_of(&Q), block);
         EXPECT_TRUE(outcome);
-        const double dot = product(transpose_of(Q), of(Q), 4)(1, 2);
-        EXPECT_LT(std::abs(dot - 0.5), 1e-3) << block;
+        const Element dot = product(transpose_of(Q), of(Q), n + 1);
+        for (int j = 2; j < n; ++j)
+            for (int i = 1; i < j; ++i) EXPECT_LT(std::abs(dot(i, j) - 0.5), 1e-3) << block;
     }
 }
 

@@ -157,8 +157,9 @@ TYPED_TEST(MatrixLinesTest, NothingHappensToAnEmptyMatrix) {
     using Real = TypeParam;
     CNqMatrixInt P;
     P.c_Create(2, 3, 7);
-    for (const auto& [h, w] : {std::array{0, 0}, {0, 3}, {3, 0}})
+    for (const auto& shape : {std::array{0, 0}, {0, 3}, {3, 0}})
         for (const auto& line : this->lines) {
+            const int h = shape[0], w = shape[1];
             nequar::Matrix<Real> A;
             A.c_Create(h, w);
             line.add(&A, 1, -2, 3);

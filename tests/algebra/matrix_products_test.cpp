@@ -52,13 +52,15 @@ TYPED_TEST(MatrixProductsTest, MatrixTimesMatrix) {
     using Real = TypeParam;
     const auto& al = this->algebra;
     for (const auto& p : matrix_products<Real>())
-        for (const auto& [m, k, n] : {std::array{1, 1, 1},
-                                      {4, 4, 4},
-                                      {3, 70, 5},
-                                      {65, 33, 40},
-                                      {2, 0, 3},
-                                      {0, 4, 2},
-                                      {5, 3, 0}}) {
+        for (const auto& shape : {std::array{1, 1, 1},
+                                  {4, 4, 4},
+                                  {3, 70, 5},
+                                  {65, 33, 40},
+                                  {2, 0, 3},
+                                  {0, 4, 2},
+                                  {5, 3, 0}}) {
+            const int m = shape[0], k = shape[1], n = shape[2];
+
             const auto A =
                 p.transposed_a ? random_matrix<Real>(k, m, 1) : random_matrix<Real>(m, k, 1);
             const auto B =
@@ -174,7 +176,9 @@ TYPED_TEST(MatrixProductsTest, MatricesAndVectors) {
          [](auto& a, auto& A, auto& x, auto y) { a.mvt_Multiply_Vector_Tmatrix(&x, &A, y); },
          false}};
     for (const auto& [name, accumulate, set, transposed] : cases) {
-        for (const auto& [h, w] : {std::array{1, 1}, {4, 7}, {90, 35}, {6, 6}, {3, 0}, {0, 3}}) {
+        for (const auto& shape : {std::array{1, 1}, {4, 7}, {90, 35}, {6, 6}, {3, 0}, {0, 3}}) {
+            const int h = shape[0], w = shape[1];
+
             const auto A = random_matrix<Real>(h, w, 1);
             const int in = transposed ? h : w;
             const int out = transposed ? w : h;
@@ -217,7 +221,9 @@ TYPED_TEST(MatrixProductsTest, MatricesAndVectors) {
 TYPED_TEST(MatrixProductsTest, OuterProductsAndForms) {
     using Real = TypeParam;
     const auto& al = this->algebra;
-    for (const auto& [h, w] : {std::array{1, 1}, {5, 3}, {300, 40}}) {
+    for (const auto& shape : {std::array{1, 1}, {5, 3}, {300, 40}}) {
+        const int h = shape[0], w = shape[1];
+
         const auto x = random_vector<Real>(h, 1);
         const auto y = random_vector<Real>(w, 2);
         const auto A = random_matrix<Real>(h, w, 3);
@@ -263,13 +269,15 @@ TYPED_TEST(MatrixProductsTest, DiagonalFactors) {
     using Real = TypeParam;
     const auto& al = this->algebra;
     const auto d = random_vector<Real>(40, 9);
-    for (const auto& [h, w, wD] : {std::array{1, 1, 1},
-                                   {4, 5, 5},
-                                   {3, 30, 20},
-                                   {3, 20, 30},
-                                   {2, 0, 3},
-                                   {2, 3, 0},
-                                   {0, 2, 3}}) {
+    for (const auto& shape : {std::array{1, 1, 1},
+                              {4, 5, 5},
+                              {3, 30, 20},
+                              {3, 20, 30},
+                              {2, 0, 3},
+                              {2, 3, 0},
+                              {0, 2, 3}}) {
+        const int h = shape[0], w = shape[1], wD = shape[2];
+
         const auto A = random_matrix<Real>(h, w, 1);
         const auto expected = product(of(A), diagonal_of(d), w);
         auto C = random_matrix<Real>(h, wD, 2);

@@ -61,20 +61,22 @@ TYPED_TEST(MatrixSumsTest, SumsIntoAnyOperand) {
          [&](auto a, auto b, auto, auto, auto o) { al.mmme_Multiply_Matrix_Elementwise(a, b, o); },
          [](double a, double b, double, double) { return a * b; }},
     };
-    for (const auto& [name, run, expected] : cases)
-        for (const auto& [h, w] : {std::array{0, 0}, {1, 1}, {3, 0}, {40, 30}})
+    for (const Case& test : cases)
+        for (const auto& shape : {std::array{0, 0}, {1, 1}, {3, 0}, {40, 30}})
             for (int target = 0; target < 5; ++target) {
+                const int h = shape[0], w = shape[1];
                 M m[5];
                 for (int i = 0; i < 4; ++i) m[i] = random_matrix<Real>(h, w, unsigned(i));
                 m[4] = random_matrix<Real>(2, 5, 9);
                 const M a = m[0], b = m[1], c = m[2], d = m[3];
-                run(&m[0], &m[1], &m[2], &m[3], &m[target]);
-                EXPECT_LT(
-                    largest_difference(
-                        m[target], h, w,
-                        [&](int y, int x) { return expected(a[y][x], b[y][x], c[y][x], d[y][x]); }),
-                    bound<Real>(20))
-                    << name << " into " << target;
+                test.run(&m[0], &m[1], &m[2], &m[3], &m[target]);
+                EXPECT_LT(largest_difference(m[target], h, w,
+                                             [&](int y, int x) {
+                                                 return test.expected(a[y][x], b[y][x], c[y][x],
+                                                                      d[y][x]);
+                                             }),
+                          bound<Real>(20))
+                    << test.name << " into " << target;
             }
     EXPECT_TRUE(never_failed(al));
 }
@@ -82,7 +84,9 @@ TYPED_TEST(MatrixSumsTest, SumsIntoAnyOperand) {
 TYPED_TEST(MatrixSumsTest, SumsWithTransposedAndDiagonal) {
     using Real = TypeParam;
     const auto& al = this->algebra;
-    for (const auto& [h, w] : {std::array{1, 1}, {3, 0}, {5, 3}, {33, 33}, {70, 130}, {200, 40}}) {
+    for (const auto& shape : {std::array{1, 1}, {3, 0}, {5, 3}, {33, 33}, {70, 130}, {200, 40}}) {
+        const int h = shape[0], w = shape[1];
+
         const auto A = random_matrix<Real>(h, w, 1);
         const auto B = random_matrix<Real>(w, h, 2);
         const auto d = random_vector<Real>(std::max(h, w), 3);
@@ -157,8 +161,10 @@ TYPED_TEST(MatrixSumsTest, TranspositionsDiagonalsAndIdentities) {
     using Real = TypeParam;
     const auto& al = this->algebra;
     nequar::Matrix<Real> out;
-    for (const auto& [h, w] :
+    for (const auto& shape :
          {std::array{0, 0}, {1, 1}, {1, 9}, {3, 0}, {0, 3}, {17, 17}, {70, 45}}) {
+        const int h = shape[0], w = shape[1];
+
         const auto A = random_matrix<Real>(h, w, 1);
         al.tpm_Transpose_Matrix(&A, &out);
         EXPECT_EQ(largest_difference(out, w, h, transpose_of(A)), 0);

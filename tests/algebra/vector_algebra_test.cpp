@@ -64,7 +64,7 @@ TYPED_TEST(VectorAlgebraTest, SumsAndProductsIntoAnyOperand) {
         {"mvc", [&](auto a, auto, auto, auto, auto o) { al.mvc_Multiply_Vector_Constant(a, 3, o); },
          [](double a, double, double, double) { return 3 * a; }},
     };
-    for (const auto& [name, run, expected] : cases)
+    for (const Case& test : cases)
         for (const int n : {0, 1, 7, 600, 1025})  // around the chunk of the sums
             for (int target = 0; target < 5; ++target) {
                 Vector v[5];
@@ -72,14 +72,14 @@ TYPED_TEST(VectorAlgebraTest, SumsAndProductsIntoAnyOperand) {
                 v[4] = random_vector<Real>(3, 9);
                 const Vector a = v[0], b = v[1], c = v[2], d = v[3];
                 const Real* const storage = v[target].p();
-                run(&v[0], &v[1], &v[2], &v[3], &v[target]);
+                test.run(&v[0], &v[1], &v[2], &v[3], &v[target]);
                 EXPECT_LT(
-                    largest_difference(v[target], n,
-                                       [&](int i) { return expected(a[i], b[i], c[i], d[i]); }),
+                    largest_difference(
+                        v[target], n, [&](int i) { return test.expected(a[i], b[i], c[i], d[i]); }),
                     bound<Real>(20))
-                    << name << ' ' << n << " into " << target;
+                    << test.name << ' ' << n << " into " << target;
                 if (target < 4) {
-                    EXPECT_EQ(v[target].p(), storage) << name;
+                    EXPECT_EQ(v[target].p(), storage) << test.name;
                 }
             }
     // One vector in every place.

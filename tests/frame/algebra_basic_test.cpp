@@ -122,6 +122,11 @@ TYPED_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
     EXPECT_TRUE(k.n_Normalize_vector(4, large.data()));
     this->expect_equal(large, {0.5, 0.5, 0.5, 0.5}, 1);
 
+    // Of two equal subnormals the norm, rounded, is one of them.
+    std::vector<Real> small(2, smallest);
+    EXPECT_TRUE(k.n_Normalize_vector(2, small.data()));
+    this->expect_equal(small, {std::sqrt(Real(0.5)), std::sqrt(Real(0.5))}, 1);
+
     const Real x[] = {1, -7, 3};
     EXPECT_EQ(k.np_Norm_p(kInfinity<Real>, 3, x), 7);
     EXPECT_TRUE(std::isnan(k.np_Norm_p(Real(0), 3, x)));
@@ -151,7 +156,9 @@ TYPED_TEST(AlgebraBasicTest, MatrixKernelsInBothOrders) {
     using Real = TypeParam;
     const auto& k = this->basic;
     for (const bool rows : {true, false}) {
-        for (const auto& [h, w, n] : {std::array{1, 1, 1}, {3, 5, 4}, {40, 70, 33}, {5, 2, 9}}) {
+        for (const auto& shape : {std::array{1, 1, 1}, {3, 5, 4}, {40, 70, 33}, {5, 2, 9}}) {
+            const int h = shape[0], w = shape[1], n = shape[2];
+
             auto A = this->flat(rows, h, w, 1);
             auto B = this->flat(rows, w, n, 2);
             auto Bt = this->flat(rows, n, w, 3);

@@ -93,7 +93,7 @@ Outcome gram_schmidt_blocked(View<const Real> a, View<Real> q, Size block) {
 
 template <class Real>
 Outcome gram_schmidt(View<const Real> a, View<Real> q) {
-    constexpr Size kSmall = 24;
+    constexpr Size kSmall = 20;
     const bool is_small =
         q.width <= kSmall && q.height * q.width * q.width <= kSmall * kSmall * kSmall;
     return is_small ? gram_schmidt_unblocked(a, q) : gram_schmidt_blocked(a, q);
