@@ -24,18 +24,18 @@ void pack_symmetric_average(View<const Real> a, Real* packed) {
     kernel::pack_symmetric(a, packed);
 }
 
-// Row by row, or column by column where these are contiguous.
+// Along whichever of rows and columns are contiguous.
 template <class Real>
 void fill_above_diagonal(Real value, View<Real> a) {
-    if (a.row_stride == 1 && a.column_stride != 1) {
-        for (Size j = 1; j < a.width; ++j) {
-            const Size count = j < a.height ? j : a.height;
-            kernel::fill(count, value, a.data + j * a.column_stride);
-        }
-        return;
-    }
-    for (Size i = 0; i < a.height && i + 1 < a.width; ++i) {
-        kernel::fill(value, a.block(i, i + 1, 1, a.width - i - 1));
+    if (a.column_stride == 1) {
+        for (Size i = 0; i < a.height && i + 1 < a.width; ++i)
+            kernel::fill(a.width - i - 1, value, &a(i, i + 1));
+    } else if (a.row_stride == 1) {
+        for (Size j = 1; j < a.width; ++j)
+            kernel::fill(j < a.height ? j : a.height, value, &a(0, j));
+    } else {
+        for (Size i = 0; i < a.height && i + 1 < a.width; ++i)
+            kernel::fill(value, a.block(i, i + 1, 1, a.width - i - 1));
     }
 }
 
