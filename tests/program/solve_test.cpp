@@ -122,6 +122,12 @@ TEST(ProgramSolve, BadResidualsAndGrowthAreSaid) {
     EXPECT_GT(number_after(result.out, "growth"), 1e10);
     EXPECT_TRUE(contains(result.out, "LARGE") && contains(result.out, "qrd")) << result.out;
 
+    // norms whose product overflows a double do not hide a wrong solution
+    const std::string huge = folder.file("H.mtx", kArray + "1 1\n-1e200\n");
+    const std::string far = folder.file("f.mtx", kArray + "1 1\n1e300\n");
+    result = nequar({"solve", huge, far, "--method", "gje"});
+    EXPECT_GT(number_after(result.out, "residual"), 0.5) << result.out;
+
     result = nequar({"solve", folder.file("D.mtx", kReal + "2 2 2\n1 1 2\n2 2 3\n")});
     EXPECT_LT(number_after(result.out, "residual"), 1e-16);
     EXPECT_DOUBLE_EQ(number_after(result.out, "growth"), 1);

@@ -109,7 +109,7 @@ void print_condition(double condition, double residual) {
                                         condition, digits, all));
     if (!(condition * unit < 1))
         print_warning("the matrix is singular to working precision: x may have no right digit");
-    else if (digits < all / 2)
+    else if (condition * std::sqrt(unit) > 1)
         print_warning("the matrix is nearly singular: small changes of A or b change x by much");
 }
 

@@ -19,8 +19,8 @@ extern template double relative_residual(const FileMatrix<double>&, const double
                                          int);
 extern template double relative_residual(const FileMatrix<float>&, const float*, const float*, int);
 
-// Above this a residual is bad: a stable method stays below a small multiple of n times the
-// rounding unit.
+// Above this a residual is bad: a stable method stays near the rounding unit, whatever n is; ten
+// times its square root times the unit leaves room for the unlucky.
 template <class Real>
 double largest_good_residual(int n);
 
