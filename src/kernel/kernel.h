@@ -107,7 +107,7 @@ enum class Rounding { fused, separate };
 // pivot that is zero or whose reciprocal overflows.
 template <class Real> Size lu_small(Rounding rounding, View<const Real> from, const int* rows, View<Real> to);
 // Upper triangle of to := U of A = U^T U, from the upper triangle of A; order up to kSmallOrder; `to`
-// may be `from`; the strict lower triangles are neither read nor written. Answers -1, or, with `to`
+// may be `from`; nothing depends on the strict lower triangles, and they are not written. Answers -1, or, with `to`
 // untouched, the first pivot that is not above zero.
 template <class Real> Size cholesky_small(Rounding rounding, View<const Real> from, View<Real> to);
 // P A = L U of an m x w panel with partial pivoting, m >= w: row c of t (w x m, contiguous rows with

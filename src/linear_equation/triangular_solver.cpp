@@ -249,7 +249,10 @@ bool TriangularSolver<Real>::solve_cholesky(bool upper, const MatrixSymmetric<Re
     const Size n = a->mh();
     Workspace<Real, kSquareBytes> work(n * n);
     if (!work) return this->fail(text::kOutOfMemory, method);
-    const View<Real> factor = square_view(work.data(), n);
+    // L is kept by columns, so that the small factorization at the ends finds rows of L^T
+    // contiguous.
+    const View<Real> factor =
+        upper ? square_view(work.data(), n) : square_view(work.data(), n).transposed();
     if (!this->find_cholesky(upper, a, factor)) return this->fail("1", method);
     const char* detail = "1";
     if (columns_of(b).height == n)
@@ -272,7 +275,10 @@ bool TriangularSolver<Real>::invert_cholesky(bool upper, const MatrixSymmetric<R
     const Size n = a->mh();
     Workspace<Real, kSquareBytes> work(n * n);
     if (!work) return this->fail(text::kOutOfMemory, method);
-    const View<Real> factor = square_view(work.data(), n);
+    // L is kept by columns, so that the small factorization at the ends finds rows of L^T
+    // contiguous.
+    const View<Real> factor =
+        upper ? square_view(work.data(), n) : square_view(work.data(), n).transposed();
     if (!this->find_cholesky(upper, a, factor)) return this->fail("1", method);
     if (inverse->c_Create(a->mh(), a->mh()) == nullptr) {
         this->fail("1", invert_with_cholesky_name(upper));

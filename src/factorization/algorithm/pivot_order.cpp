@@ -13,6 +13,8 @@ namespace {
 template <class Real>
 constexpr std::size_t kPanelWidth = 64 / sizeof(Real);
 
+constexpr Size kSmallOrder = 20;  // up to here a walk down each column is faster
+
 void exchange(int* perm, Size i, Size r, int& interchanges) {
     if (i == r) return;
     std::swap(perm[i], perm[r]);
@@ -110,7 +112,7 @@ template <class Real>
 void choose_pivots_before_update(View<const Real> a, int* perm, int& interchanges) {
     for (Size i = 0; i < a.height; ++i) perm[i] = static_cast<int>(i);
     interchanges = 0;
-    if (a.column_stride == 1)
+    if (a.column_stride == 1 && a.height > kSmallOrder)
         choose_by_panels(a, perm, interchanges);
     else
         choose_by_columns(a, perm, interchanges);

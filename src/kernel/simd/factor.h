@@ -41,6 +41,39 @@ NEQUAR_INLINE Size stride_of_square(Size n) {
     return round_up(n, kLanes<Real>) + kLanes<Real>;
 }
 
+// Elements first ... n-1 of a row to the square; behind them zeros up to the stride. With
+// contiguous elements, a few before `first` may come along.
+template <class Real>
+NEQUAR_INLINE void take_row(Size first, Size n, const Real* from, Size step, Real* to,
+                            FirstLanes<Real> last) {
+    constexpr Size lanes = kLanes<Real>;
+    if (step == 1) {
+        Size j = first / lanes * lanes;
+        for (; j + lanes < n; j += lanes) store(to + j, load(from + j));
+        store(to + j, load(from + j, last));
+        store(to + j + lanes, Vector<Real>{});
+        return;
+    }
+    for (Size j = first; j < n; ++j) to[j] = from[j * step];
+    for (Size j = n; j < stride_of_square<Real>(n); ++j) to[j] = 0;
+}
+
+// Elements first ... n-1 of a row of the square to where they belong; nothing else is written.
+template <class Real>
+NEQUAR_INLINE void give_row(Size first, Size n, const Real* from, Real* to, Size step) {
+    constexpr Size lanes = kLanes<Real>;
+    if (step == 1) {
+        Size j = first;
+        for (; j + lanes <= n; j += lanes) store(to + j, load(from + j));
+        if (j < n) {
+            const FirstLanes<Real> last = first_lanes<Real>(n - j);
+            store(to + j, load(from + j), last);
+        }
+        return;
+    }
+    for (Size j = first; j < n; ++j) to[j * step] = from[j];
+}
+
 template <bool Fused, class Real>
 NEQUAR_INLINE Vector<Real> diminished(Vector<Real> c, Vector<Real> a, Vector<Real> b) {
     if constexpr (Fused) return multiply_subtract_from(a, b, c);
@@ -174,20 +207,21 @@ Size eliminate_square(Size n, Real* a, Size stride) {
 
 template <class Real>
 Size lu_small(bool fused, Size n, Block<const Real> from, const int* rows, Block<Real> to) {
+    if (n <= 0) return -1;
     Square<Real> square;
     Real* a = square.elements;
     const Size stride = stride_of_square<Real>(n);
+    const FirstLanes<Real> last = first_lanes<Real>((n - 1) % kLanes<Real> + 1);
     for (Size i = 0; i < n; ++i) {
         const Real* row = from.data + (rows != nullptr ? rows[i] : i) * from.row_stride;
-        copy(n, row, from.column_stride, a + i * stride, 1);
-        for (Size j = n; j < stride; ++j) a[i * stride + j] = 0;
+        take_row(0, n, row, from.column_stride, a + i * stride, last);
     }
     const Size stopped = fused ? eliminate_square<Real, true>(n, a, stride)
                                : eliminate_square<Real, false>(n, a, stride);
     if (stopped >= 0) return stopped;
     for (Size i = 0; i < n; ++i) {
-        copy(n, static_cast<const Real*>(a + i * stride), 1, to.data + i * to.row_stride,
-             to.column_stride);
+        give_row(0, n, static_cast<const Real*>(a + i * stride), to.data + i * to.row_stride,
+                 to.column_stride);
     }
     return -1;
 }
@@ -251,36 +285,20 @@ Size cholesky_square(Size n, Real* a, Size stride) {
 
 template <class Real>
 Size cholesky_small(bool fused, Size n, Block<const Real> from, Block<Real> to) {
+    if (n <= 0) return -1;
     Square<Real> square;
     Real* a = square.elements;
     const Size stride = stride_of_square<Real>(n);
-    if (from.column_stride == 1) {
-        for (Size i = 0; i < n; ++i) {
-            copy(n - i, from.data + i * (from.row_stride + 1), 1, a + i * (stride + 1), 1);
-        }
-    } else {
-        for (Size j = 0; j < n; ++j) {
-            const Real* column = from.data + j * from.column_stride;
-            for (Size i = 0; i <= j; ++i) a[i * stride + j] = column[i * from.row_stride];
-        }
-    }
+    const FirstLanes<Real> last = first_lanes<Real>((n - 1) % kLanes<Real> + 1);
     for (Size i = 0; i < n; ++i) {
-        for (Size j = 0; j < i; ++j) a[i * stride + j] = 0;
-        for (Size j = n; j < stride; ++j) a[i * stride + j] = 0;
+        take_row(i, n, from.data + i * from.row_stride, from.column_stride, a + i * stride, last);
     }
     const Size stopped = fused ? cholesky_square<Real, true>(n, a, stride)
                                : cholesky_square<Real, false>(n, a, stride);
     if (stopped >= 0) return stopped;
-    if (to.column_stride == 1) {
-        for (Size i = 0; i < n; ++i) {
-            copy(n - i, static_cast<const Real*>(a + i * (stride + 1)), 1,
-                 to.data + i * (to.row_stride + 1), 1);
-        }
-        return -1;
-    }
-    for (Size j = 0; j < n; ++j) {
-        Real* column = to.data + j * to.column_stride;
-        for (Size i = 0; i <= j; ++i) column[i * to.row_stride] = a[i * stride + j];
+    for (Size i = 0; i < n; ++i) {
+        give_row(i, n, static_cast<const Real*>(a + i * stride), to.data + i * to.row_stride,
+                 to.column_stride);
     }
     return -1;
 }
