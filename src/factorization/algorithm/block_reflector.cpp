@@ -1,0 +1,182 @@
+#include "factorization/algorithm/block_reflector.h"
+
+#include "core/workspace.h"
+#include "factorization/algorithm/reflector.h"
+#include "factorization/algorithm/scratch.h"
+#include "kernel/kernel.h"
+
+namespace nequar {
+
+using kernel::Diagonal;
+using kernel::Triangle;
+using kernel::Update;
+
+namespace {
+
+template <class Real>
+void add_identity(View<Real> a) {
+    const Strided<Real> diagonal = a.diagonal();
+    for (Size i = 0; i < diagonal.size; ++i) diagonal(i) += 1;
+}
+
+template <class Real>
+void set_identity(View<Real> a) {
+    kernel::fill(Real(0), a);
+    add_identity(a);
+}
+
+// W := T W or T^T W
+template <class Real>
+void apply_triangle(Side side, View<const Real> s, View<Real> w) {
+    if (side == Side::q)
+        kernel::trsm(Triangle::upper, Diagonal::unit, s, w);
+    else
+        kernel::trsm(Triangle::lower, Diagonal::unit, s.transposed(), w);
+}
+
+// The first column of the blocks that are worth treating as one when Q starts from the identity.
+// I - U T U^T costs 2 h^2 g there, h the remaining height and g the remaining columns, and the
+// coupling of the whole another 2 h g^2; block by block it is 4 h^2 g.
+template <class Real>
+Size start_of_tail(const ReflectorStore<Real>& store) {
+    const Size count = store.count();
+    const Size height = store.vectors.height;
+    const Size wanted = 2 * count > height ? 2 * count - height : 0;
+    const Size last_block = (count - 1) / store.block * store.block;
+    const Size start = (wanted + store.block - 1) / store.block * store.block;
+    return start < last_block ? start : last_block;
+}
+
+}  // namespace
+
+template <class Real>
+void couple_reflectors(View<const Real> u, View<Real> s) {
+    kernel::gemmt(Triangle::upper, Real(1), u.transposed(), u, Update::set, s);
+}
+
+template <class Real>
+void apply_block_reflector(Side side, View<const Real> u, View<const Real> s, View<Real> c,
+                           View<Real> w) {
+    if (c.is_empty() || u.width == 0) return;
+    kernel::gemm(Real(1), u.transposed(), reading(c), Update::set, w);
+    apply_triangle(side, s, w);
+    kernel::gemm(Real(-1), u, reading(w), Update::accumulate, c);
+}
+
+template <class Real>
+void apply_reflectors(Side side, const ReflectorStore<Real>& store, View<Real> c, View<Real> w) {
+    const Size count = store.count();
+    const Size blocks = (count + store.block - 1) / store.block;
+    for (Size step = 0; step < blocks; ++step) {
+        const Size k = (side == Side::q ? blocks - 1 - step : step) * store.block;
+        apply_block_reflector(side, reading(store.vectors_of_block(k)),
+                              reading(store.coupling_of_block(k)),
+                              c.rows(k, c.height - k), w.rows(0, store.width_of_block(k)));
+    }
+}
+
+//  Q(k:, k:)  =  | I    0  |     before block k,  U = | U1 |   k ... k + b
+//                | 0   Q22 |                          | U2 |   k + b ...
+//
+//  Q U-block:    | I - U1 T U1^T     -U1 W      |
+//                |   - U2 T U1^T   Q22 - U2 W   |,   W = T U2^T Q22
+template <class Real>
+Outcome form_orthogonal(const ReflectorStore<Real>& store, View<Real> q) {
+    const Size m = q.height;
+    const Size count = store.count();
+    if (count == 0) {
+        set_identity(q);
+        return Outcome::success();
+    }
+    const Size tail = start_of_tail(store);
+    const Size widest = count - tail > store.block ? count - tail : store.block;
+    Workspace<Real> u_elements(widest * padded_length(m));
+    Workspace<Real> w_elements(widest * padded_length(m));
+    Workspace<Real> tail_elements(widest > store.block ? widest * widest : 0);
+    if (!u_elements || !w_elements || !tail_elements) return {OutcomeKind::no_memory};
+
+    {  // Q(tail:, tail:) = I - U (T U^T)
+        const Size height = m - tail;
+        const Size width = count - tail;
+        const View<Real> u =
+            scratch_by_columns(u_elements.data(), height, width, q.row_stride);
+        const View<Real> w = scratch_by_rows(w_elements.data(), width, height, q.column_stride);
+        kernel::copy(reading(q.block(tail, tail, height, width)), u);
+        for (Size k = store.block; k < width; k += store.block)
+            kernel::fill(Real(0), u.block(0, k, k, width - k < store.block ? width - k : store.block));
+        kernel::transpose(reading(u), w);
+        if (width > store.block) {
+            const View<Real> s(tail_elements.data(), width, width, width);
+            couple_reflectors(reading(u), s);
+            apply_triangle(Side::q, reading(s), w);
+        } else {
+            apply_triangle(Side::q, reading(store.coupling_of_block(tail)), w);
+        }
+        const View<Real> target = q.block(tail, tail, height, height);
+        kernel::gemm(Real(-1), reading(u), reading(w), Update::set, target);
+        add_identity(target);
+    }
+    for (Size k = tail - store.block; k >= 0; k -= store.block) {
+        const Size height = m - k;
+        const Size width = store.block;
+        const View<Real> u =
+            scratch_by_columns(u_elements.data(), height, width, q.row_stride);
+        const View<const Real> top = u.rows(0, width);
+        const View<const Real> below = u.rows(width, height - width);
+        const View<const Real> s = store.coupling_of_block(k);
+        kernel::copy(reading(q.block(k, k, height, width)), u);
+
+        const View<Real> right = q.block(k + width, k + width, height - width, height - width);
+        const View<Real> w =
+            scratch_by_rows(w_elements.data(), width, height - width, q.column_stride);
+        kernel::gemm(Real(1), below.transposed(), reading(right), Update::set, w);
+        apply_triangle(Side::q, s, w);
+        kernel::gemm(Real(-1), top, reading(w), Update::set,
+                     q.block(k, k + width, width, height - width));
+        kernel::gemm(Real(-1), below, reading(w), Update::accumulate, right);
+
+        const View<Real> left_w =
+            scratch_by_rows(w_elements.data(), width, width, q.column_stride);
+        kernel::transpose(top, left_w);
+        apply_triangle(Side::q, s, left_w);
+        const View<Real> left = q.block(k, k, height, width);
+        kernel::gemm(Real(-1), reading(u), reading(left_w), Update::set, left);
+        add_identity(left);
+    }
+    // Q outside of the reflected part is the identity's.
+    return Outcome::success();
+}
+
+template <class Real>
+Outcome form_orthogonal_plain(View<const Real> vectors, View<Real> q) {
+    const Size m = q.height;
+    const Size count = vectors.width;
+    Workspace<Real> u_elements(m);
+    Workspace<Real> w_elements(m);
+    if (!u_elements || !w_elements) return {OutcomeKind::no_memory};
+    set_identity(q.block(count, count, m - count, m - count));
+    kernel::fill(Real(0), q.block(0, count, count, m - count));
+    for (Size k = count - 1; k >= 0; --k) {
+        const Strided<Real> u(u_elements.data(), m - k);
+        kernel::copy(vectors.column(k).part(k, m - k), u);
+        const Strided<Real> column = q.column(k);
+        for (Size i = 0; i < m; ++i) column(i) = 0;
+        column(k) = 1;
+        reflect_from_left(reading(u), q.block(k, k, m - k, m - k),
+                          Strided<Real>(w_elements.data(), m - k));
+    }
+    return Outcome::success();
+}
+
+#define NEQUAR_INSTANTIATE(Real)                                                                  \
+    template void couple_reflectors(View<const Real>, View<Real>);                                \
+    template void apply_block_reflector(Side, View<const Real>, View<const Real>, View<Real>,     \
+                                        View<Real>);                                              \
+    template void apply_reflectors(Side, const ReflectorStore<Real>&, View<Real>, View<Real>);    \
+    template Outcome form_orthogonal(const ReflectorStore<Real>&, View<Real>);                    \
+    template Outcome form_orthogonal_plain(View<const Real>, View<Real>);
+NEQUAR_INSTANTIATE(double)
+NEQUAR_INSTANTIATE(float)
+#undef NEQUAR_INSTANTIATE
+
+}  // namespace nequar

@@ -1,0 +1,62 @@
+// A = Q R by Householder reflections, and with it QL, RQ and LQ.
+//
+//   A m x n,  Q m x m,  R m x n;  reflections: m - 1 when m <= n, else n
+//
+// R stands in A's upper triangle. Below it every column keeps what stood there when it was reduced;
+// the reflectors are kept elsewhere. The other three are the same decomposition of the matrix seen
+// from another corner, with Q seen from there too (J reverses the order of rows or columns):
+//
+//   A = Q L    J A J     = (J Q J) (J L J)          qr(a.reversed(), q.reversed())
+//   A = L Q    A^T       = Q^T L^T                  qr(a.transposed(), q.transposed())
+//   A = R Q    J A^T J   = (J Q^T J) (J R^T J)      qr(a.reversed().transposed(), ...)
+//
+// so that every diagonal comes out not negative where a reflection was made, the triangle of a
+// rectangular matrix is aligned with the bottom (QL) or the right (RQ), and their leftovers lie on
+// its other side.
+//
+// Blocked: a panel of columns is reduced by halves, down to a few columns that are done one by one,
+//
+//      |  R   R   R   |      P   panel, copied out: its R and leftovers are written back
+//      |     [P]  C   |      U   its reflectors, S their coupling
+//      |     [P]  C   |      C   trailing matrix, C := (I - U T U^T)^T C
+//
+// Golub & Van Loan, Matrix Computations, algorithms 5.2.1 and 5.2.3; Elmroth & Gustavson, Applying
+// recursion to serial and parallel QR factorization leads to better performance, IBM J. R&D 44,
+// 2000.
+#pragma once
+
+#include "core/outcome.h"
+#include "factorization/algorithm/block_reflector.h"
+
+namespace nequar {
+
+struct QrBlocking {
+    Size block = 0;  // columns of a panel; 0: by the size of the matrix, 1: no blocks at all
+    Size leaf = 4;   // columns of a panel that are reduced one by one
+};
+
+inline Size reflections_of_qr(Size height, Size width) {
+    if (height == 0) return 0;
+    return height <= width ? height - 1 : width;
+}
+
+// A := R with leftovers.
+template <class Real>
+Outcome qr(View<Real> a, QrBlocking blocking = {});
+
+// The same, and Q (m x m, no overlap with A).
+template <class Real>
+Outcome qr(View<Real> a, View<Real> q, QrBlocking blocking = {});
+
+// A := R with leftovers, B := Q^T B.
+template <class Real>
+Outcome qr_with_right_side(View<Real> a, View<Real> b, QrBlocking blocking = {});
+
+// The reflectors of a QR, kept to be applied. vectors: m x reflections, couplings: block x
+// reflections with block = block_of_qr(m, n, blocking).
+Size block_of_qr(Size height, Size width, QrBlocking blocking);
+template <class Real>
+Outcome qr_keeping_reflectors(View<Real> a, const ReflectorStore<Real>& store,
+                              QrBlocking blocking = {});
+
+}  // namespace nequar
