@@ -1,7 +1,6 @@
-#include "factorization/algorithm/qr.h"
-
 #include <gtest/gtest.h>
 
+#include "factorization/algorithm/qr.h"
 #include "factorization/algorithm/reflector.h"
 #include "factorization/algorithm/scratch.h"
 #include "factorization/orthogonal_checks.h"
@@ -18,10 +17,14 @@ enum class Corner { qr, ql, lq, rq };
 template <class Real>
 View<Real> seen_from(Corner corner, View<Real> a) {
     switch (corner) {
-        case Corner::qr: return a;
-        case Corner::ql: return a.reversed();
-        case Corner::lq: return a.transposed();
-        case Corner::rq: return a.reversed().transposed();
+        case Corner::qr:
+            return a;
+        case Corner::ql:
+            return a.reversed();
+        case Corner::lq:
+            return a.transposed();
+        case Corner::rq:
+            return a.reversed().transposed();
     }
     return a;
 }
@@ -29,8 +32,8 @@ View<Real> seen_from(Corner corner, View<Real> a) {
 struct Shape {
     Size height, width;
 };
-const Shape kShapes[] = {{1, 1}, {2, 2},  {3, 3},  {5, 5},  {9, 4},   {4, 9},   {17, 17}, {33, 12},
-                         {12, 33}, {1, 6}, {6, 1}, {7, 6},  {6, 7},   {64, 64}, {65, 50}, {130, 70}};
+const Shape kShapes[] = {{1, 1},   {2, 2}, {3, 3}, {5, 5}, {9, 4}, {4, 9},   {17, 17}, {33, 12},
+                         {12, 33}, {1, 6}, {6, 1}, {7, 6}, {6, 7}, {64, 64}, {65, 50}, {130, 70}};
 const QrBlocking kBlockings[] = {{1, 1}, {2, 1}, {3, 2}, {5, 2}, {8, 3}, {16, 4}, {0, 4}};
 
 // The steps as they are stated, one reflection after the other in the unit form.
@@ -126,8 +129,8 @@ TYPED_TEST(QrAlgorithm, AppliesQWithoutFormingIt) {
 TYPED_TEST(QrAlgorithm, SurvivesTheEndsOfTheRange) {
     using Real = TypeParam;
     const bool narrow = sizeof(Real) == 4;
-    const double scales[] = {narrow ? 1e25 : 1e200, narrow ? 1e-25 : 1e-200,
-                             narrow ? 3e36 : 3e306, narrow ? 1e-42 : 1e-318};
+    const double scales[] = {narrow ? 1e25 : 1e200, narrow ? 1e-25 : 1e-200, narrow ? 3e36 : 3e306,
+                             narrow ? 1e-42 : 1e-318};
     for (const double scale : scales)
         for (const QrBlocking& blocking : {QrBlocking{1, 1}, QrBlocking{4, 2}}) {
             Dense<Real> input = random_dense<Real>(11, 7);

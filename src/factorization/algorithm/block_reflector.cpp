@@ -70,8 +70,8 @@ void apply_reflectors(Side side, const ReflectorStore<Real>& store, View<Real> c
     for (Size step = 0; step < blocks; ++step) {
         const Size k = (side == Side::q ? blocks - 1 - step : step) * store.block;
         apply_block_reflector(side, reading(store.vectors_of_block(k)),
-                              reading(store.coupling_of_block(k)),
-                              c.rows(k, c.height - k), w.rows(0, store.width_of_block(k)));
+                              reading(store.coupling_of_block(k)), c.rows(k, c.height - k),
+                              w.rows(0, store.width_of_block(k)));
     }
 }
 
@@ -98,12 +98,12 @@ Outcome form_orthogonal(const ReflectorStore<Real>& store, View<Real> q) {
     {  // Q(tail:, tail:) = I - U (T U^T)
         const Size height = m - tail;
         const Size width = count - tail;
-        const View<Real> u =
-            scratch_by_columns(u_elements.data(), height, width, q.row_stride);
+        const View<Real> u = scratch_by_columns(u_elements.data(), height, width, q.row_stride);
         const View<Real> w = scratch_by_rows(w_elements.data(), width, height, q.column_stride);
         kernel::copy(reading(q.block(tail, tail, height, width)), u);
         for (Size k = store.block; k < width; k += store.block)
-            kernel::fill(Real(0), u.block(0, k, k, width - k < store.block ? width - k : store.block));
+            kernel::fill(Real(0),
+                         u.block(0, k, k, width - k < store.block ? width - k : store.block));
         kernel::transpose(reading(u), w);
         if (width > store.block) {
             const View<Real> s(tail_elements.data(), width, width, width);
@@ -119,8 +119,7 @@ Outcome form_orthogonal(const ReflectorStore<Real>& store, View<Real> q) {
     for (Size k = tail - store.block; k >= 0; k -= store.block) {
         const Size height = m - k;
         const Size width = store.block;
-        const View<Real> u =
-            scratch_by_columns(u_elements.data(), height, width, q.row_stride);
+        const View<Real> u = scratch_by_columns(u_elements.data(), height, width, q.row_stride);
         const View<const Real> top = u.rows(0, width);
         const View<const Real> below = u.rows(width, height - width);
         const View<const Real> s = store.coupling_of_block(k);
@@ -135,8 +134,7 @@ Outcome form_orthogonal(const ReflectorStore<Real>& store, View<Real> q) {
                      q.block(k, k + width, width, height - width));
         kernel::gemm(Real(-1), below, reading(w), Update::accumulate, right);
 
-        const View<Real> left_w =
-            scratch_by_rows(w_elements.data(), width, width, q.column_stride);
+        const View<Real> left_w = scratch_by_rows(w_elements.data(), width, width, q.column_stride);
         kernel::transpose(top, left_w);
         apply_triangle(Side::q, s, left_w);
         const View<Real> left = q.block(k, k, height, width);
@@ -168,12 +166,12 @@ Outcome form_orthogonal_plain(View<const Real> vectors, View<Real> q) {
     return Outcome::success();
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                                  \
-    template void couple_reflectors(View<const Real>, View<Real>);                                \
-    template void apply_block_reflector(Side, View<const Real>, View<const Real>, View<Real>,     \
-                                        View<Real>);                                              \
-    template void apply_reflectors(Side, const ReflectorStore<Real>&, View<Real>, View<Real>);    \
-    template Outcome form_orthogonal(const ReflectorStore<Real>&, View<Real>);                    \
+#define NEQUAR_INSTANTIATE(Real)                                                               \
+    template void couple_reflectors(View<const Real>, View<Real>);                             \
+    template void apply_block_reflector(Side, View<const Real>, View<const Real>, View<Real>,  \
+                                        View<Real>);                                           \
+    template void apply_reflectors(Side, const ReflectorStore<Real>&, View<Real>, View<Real>); \
+    template Outcome form_orthogonal(const ReflectorStore<Real>&, View<Real>);                 \
     template Outcome form_orthogonal_plain(View<const Real>, View<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

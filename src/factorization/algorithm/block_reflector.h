@@ -41,9 +41,7 @@ struct ReflectorStore {
     Size block = 1;
 
     Size count() const { return vectors.width; }
-    Size width_of_block(Size k) const {
-        return count() - k < block ? count() - k : block;
-    }
+    Size width_of_block(Size k) const { return count() - k < block ? count() - k : block; }
     View<Real> vectors_of_block(Size k) const {
         return vectors.block(k, k, vectors.height - k, width_of_block(k));
     }

@@ -100,22 +100,20 @@ Outcome qr_blocked(View<Real> a, const QrTargets<Real>& targets, Size block, Siz
         const Size width = count - k < block ? count - k : block;
         const Size height = m - k;
         const View<Real> panel = a.block(k, k, height, width);
-        const View<Real> p =
-            scratch_by_columns(panel_elements.data(), height, width, a.row_stride);
-        const View<Real> u = scratch_by_columns(
-            panel_elements.data() + block * padded_length(m), height, width, a.row_stride);
+        const View<Real> p = scratch_by_columns(panel_elements.data(), height, width, a.row_stride);
+        const View<Real> u = scratch_by_columns(panel_elements.data() + block * padded_length(m),
+                                                height, width, a.row_stride);
         const View<Real> s(s_elements.data(), width, width, width);
         kernel::copy(reading(panel), p);
         qr_panel(p, u, s, leaf, w_elements.data());
         kernel::copy(reading(p), panel);
 
         const Size right = n - k - width;
-        apply_block_reflector(
-            Side::q_transposed, reading(u), reading(s), a.block(k, k + width, height, right),
-            scratch_by_rows(w_elements.data(), width, right, a.column_stride));
-        apply_block_reflector(
-            Side::q_transposed, reading(u), reading(s), b.rows(k, height),
-            scratch_by_rows(w_elements.data(), width, b.width, b.column_stride));
+        apply_block_reflector(Side::q_transposed, reading(u), reading(s),
+                              a.block(k, k + width, height, right),
+                              scratch_by_rows(w_elements.data(), width, right, a.column_stride));
+        apply_block_reflector(Side::q_transposed, reading(u), reading(s), b.rows(k, height),
+                              scratch_by_rows(w_elements.data(), width, b.width, b.column_stride));
         if (targets.store != nullptr) {
             kernel::copy(reading(u), targets.store->vectors_of_block(k));
             kernel::copy(reading(s), targets.store->coupling_of_block(k));
@@ -169,10 +167,10 @@ Outcome qr_keeping_reflectors(View<Real> a, const ReflectorStore<Real>& store,
     return qr_blocked(a, {&store, {}}, store.block, blocking.leaf);
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                         \
-    template Outcome qr(View<Real>, QrBlocking);                                         \
-    template Outcome qr(View<Real>, View<Real>, QrBlocking);                             \
-    template Outcome qr_with_right_side(View<Real>, View<Real>, QrBlocking);             \
+#define NEQUAR_INSTANTIATE(Real)                                             \
+    template Outcome qr(View<Real>, QrBlocking);                             \
+    template Outcome qr(View<Real>, View<Real>, QrBlocking);                 \
+    template Outcome qr_with_right_side(View<Real>, View<Real>, QrBlocking); \
     template Outcome qr_keeping_reflectors(View<Real>, const ReflectorStore<Real>&, QrBlocking);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

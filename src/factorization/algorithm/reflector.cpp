@@ -164,10 +164,10 @@ void householder_matrix(Strided<const Real> v, View<Real> h) {
     }
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                        \
-    template Real householder_vector(Strided<Real>, Size);                              \
-    template Reflection<Real> make_reflector(Strided<const Real>, Strided<Real>);       \
-    template void reflect_from_left(Strided<const Real>, View<Real>, Strided<Real>);    \
+#define NEQUAR_INSTANTIATE(Real)                                                     \
+    template Real householder_vector(Strided<Real>, Size);                           \
+    template Reflection<Real> make_reflector(Strided<const Real>, Strided<Real>);    \
+    template void reflect_from_left(Strided<const Real>, View<Real>, Strided<Real>); \
     template void householder_matrix(Strided<const Real>, View<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

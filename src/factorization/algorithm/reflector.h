@@ -29,8 +29,8 @@ Real householder_vector(Strided<Real> x, Size pos);
 
 template <class Real>
 struct Reflection {
-    Real image;     // H x = image e_0
-    bool is_none;   // H = I
+    Real image;    // H x = image e_0
+    bool is_none;  // H = I
 };
 
 // Normalized form with pos = 0: u := the vector of x's reflector, zero when there is no

@@ -1,0 +1,172 @@
+#include "factorization/algorithm/hessenberg.h"
+
+#include "core/workspace.h"
+#include "factorization/algorithm/block_reflector.h"
+#include "factorization/algorithm/reflector.h"
+#include "factorization/algorithm/scratch.h"
+#include "kernel/kernel.h"
+
+namespace nequar {
+
+using kernel::Diagonal;
+using kernel::Triangle;
+using kernel::Update;
+
+namespace {
+
+constexpr Size kSmallestBlockedSize = 64;
+
+template <class Real>
+void set_border_of_identity(View<Real> q) {
+    for (Size i = 0; i < q.height; ++i) q(i, 0) = q(0, i) = 0;
+    q(0, 0) = 1;
+}
+
+// The part of Q that the reflectors reach: rows and columns from 1 on.
+template <class Real>
+View<Real> reflected_part(View<Real> q) {
+    return q.block(1, 1, q.height - 1, q.width - 1);
+}
+
+template <class Real>
+Outcome hessenberg_plain(View<Real> a, const View<Real>* q) {
+    const Size n = a.height;
+    const Size count = n - 2;
+    Workspace<Real> elements(2 * n);
+    if (!elements) return {OutcomeKind::no_memory};
+    Real* const w = elements.data() + n;
+    for (Size k = 0; k < count; ++k) {
+        const Size height = n - k - 1;
+        const Strided<Real> u(elements.data(), height);
+        const Reflection<Real> reflection =
+            make_reflector(reading(a.column(k).part(k + 1, height)), u);
+        if (q != nullptr) kernel::copy(reading(u), q->column(k + 1).part(k + 1, height));
+        if (reflection.is_none) continue;
+        a(k + 1, k) = reflection.image;
+        reflect_from_left(reading(u), a.block(k + 1, k + 1, height, height),
+                          Strided<Real>(w, height));
+        reflect_from_left(reading(u), a.block(0, k + 1, n, height).transposed(),
+                          Strided<Real>(w, n));
+    }
+    if (q == nullptr) return Outcome::success();
+    const View<Real> part = reflected_part(*q);
+    const Outcome outcome = form_orthogonal_plain(reading(part.columns(0, count)), part);
+    set_border_of_identity(*q);
+    return outcome;
+}
+
+// Scratch of one panel: U and Y n x block, S block x block, and vectors.
+template <class Real>
+struct Panel {
+    View<Real> u, y, s;
+    Real* t;
+};
+
+// Columns k ... k + width of A are brought to Hessenberg form below row k, and U, S and the rows
+// of Y below row k are found. U and Y are counted from row k + 1 on.
+template <class Real>
+void find_reflectors(View<Real> a, Size k, const Panel<Real>& panel) {
+    const Size n = a.height;
+    const Size width = panel.u.width;
+    const Size rows = n - k - 1;
+    for (Size j = 0; j < width; ++j) {
+        const Strided<Real> b = a.column(k + j).part(k + 1, rows);
+        const View<const Real> u = panel.u.columns(0, j);
+        const View<const Real> y = panel.y.columns(0, j);
+        const View<const Real> s = panel.s.block(0, 0, j, j);
+        const Strided<Real> t(panel.t, j);
+        if (j > 0) {
+            // row j - 1 of U is row k + j of A
+            kernel::gemv(Real(-1), y, u.row(j - 1), Update::accumulate, b);
+            kernel::gemv(Real(1), u.transposed(), reading(b), Update::set, t);
+            kernel::trsv(Triangle::lower, Diagonal::unit, s.transposed(), t);
+            kernel::gemv(Real(-1), u, reading(t), Update::accumulate, b);
+        }
+        const Strided<Real> column = panel.u.column(j);
+        kernel::fill(Real(0), panel.u.block(0, j, j, 1));
+        const Strided<Real> uj = column.part(j, rows - j);
+        const Reflection<Real> reflection = make_reflector(reading(b.part(j, rows - j)), uj);
+        if (!reflection.is_none) b(j) = reflection.image;
+        // s_j = U^T u_j,  y_j = A u_j - Y s_j
+        const Strided<Real> sj = panel.s.column(j).part(0, j);
+        kernel::gemv(Real(1), u.rows(j, rows - j).transposed(), reading(uj), Update::set, sj);
+        const Strided<Real> yj = panel.y.column(j);
+        kernel::gemv(Real(1), reading(a.block(k + 1, k + 1 + j, rows, rows - j)), reading(uj),
+                     Update::set, yj);
+        kernel::gemv(Real(-1), y, reading(sj), Update::accumulate, yj);
+    }
+}
+
+template <class Real>
+Outcome hessenberg_blocked(View<Real> a, const View<Real>* q, Size block) {
+    const Size n = a.height;
+    const Size count = n - 2;
+    const Size panel_size = block * padded_length(n);
+    Workspace<Real> u_elements(panel_size);
+    Workspace<Real> y_elements(panel_size);
+    Workspace<Real> w_elements(panel_size);
+    Workspace<Real> s_elements(block * (q != nullptr ? count : block) + block);
+    if (!u_elements || !y_elements || !w_elements || !s_elements) return {OutcomeKind::no_memory};
+    const Size kept = q != nullptr ? count : block;
+    const View<Real> couplings(s_elements.data(), block, kept, kept);
+    Real* const t = s_elements.data() + block * kept;
+
+    for (Size k = 0; k < count; k += block) {
+        const Size width = count - k < block ? count - k : block;
+        const Size rows = n - k - 1;
+        const View<Real> u = scratch_by_columns(u_elements.data(), rows, width, a.row_stride);
+        const View<Real> y = scratch_by_columns(y_elements.data(), rows, width, a.row_stride);
+        const View<Real> s = couplings.block(0, q != nullptr ? k : 0, width, width);
+        find_reflectors(a, k, {u, y, s, t});
+
+        // Rows above: Y = A U T, and A := A - Y U^T for the columns from k + 1 on. Column k + 1 + i
+        // belongs to row i of U.
+        const View<Real> above = a.block(0, k + 1, k + 1, rows);
+        const View<Real> y_above =
+            scratch_by_columns(w_elements.data(), k + 1, width, a.row_stride);
+        kernel::gemm(Real(1), reading(above), reading(u), Update::set, y_above);
+        // Y := Y T, the transposed problem
+        kernel::trsm(Triangle::lower, Diagonal::unit, reading(s.transposed()),
+                     y_above.transposed());
+        kernel::gemm(Real(-1), reading(y_above), reading(u.transposed()), Update::accumulate,
+                     above);
+
+        // The trailing columns, below row k: from the right, then from the left. Columns of the
+        // panel are done.
+        const Size right = rows - width + 1;
+        const View<Real> trailing = a.block(k + 1, k + width, rows, right);
+        kernel::gemm(Real(-1), reading(y), reading(u.rows(width - 1, right).transposed()),
+                     Update::accumulate, trailing);
+        apply_block_reflector(Side::q_transposed, reading(u), reading(s), trailing,
+                              scratch_by_rows(w_elements.data(), width, right, a.column_stride));
+        if (q != nullptr) kernel::copy(reading(u), q->block(k + 1, k + 1, rows, width));
+    }
+    if (q == nullptr) return Outcome::success();
+    const View<Real> part = reflected_part(*q);
+    const Outcome outcome =
+        form_orthogonal(ReflectorStore<Real>{part.columns(0, count), couplings, block}, part);
+    set_border_of_identity(*q);
+    return outcome;
+}
+
+}  // namespace
+
+template <class Real>
+Outcome hessenberg(View<Real> a, const View<Real>* q, Size block) {
+    const Size n = a.height;
+    if (n <= 2) {
+        if (q != nullptr)
+            for (Size i = 0; i < n; ++i)
+                for (Size j = 0; j < n; ++j) (*q)(i, j) = i == j;
+        return Outcome::success();
+    }
+    if (block == 0) block = n < kSmallestBlockedSize ? 1 : 32;
+    return block == 1 ? hessenberg_plain(a, q) : hessenberg_blocked(a, q, block);
+}
+
+#define NEQUAR_INSTANTIATE(Real) template Outcome hessenberg(View<Real>, const View<Real>*, Size);
+NEQUAR_INSTANTIATE(double)
+NEQUAR_INSTANTIATE(float)
+#undef NEQUAR_INSTANTIATE
+
+}  // namespace nequar
