@@ -1,0 +1,122 @@
+#include "linear_equation/algorithm/orthogonal_solve.h"
+
+#include "core/workspace.h"
+#include "factorization/algorithm/scratch.h"
+#include "kernel/kernel.h"
+
+namespace nequar {
+
+using kernel::Diagonal;
+using kernel::Triangle;
+using kernel::Update;
+
+namespace {
+
+bool has_lower_triangle(OrthogonalForm form) {
+    return form == OrthogonalForm::ql || form == OrthogonalForm::lq;
+}
+
+// The orthogonal factor stands left of the triangle.
+bool begins_with_q(OrthogonalForm form) {
+    return form == OrthogonalForm::qr || form == OrthogonalForm::ql;
+}
+
+// A and its factor as the QR sees them.
+template <class Real>
+View<Real> seen_by_qr(OrthogonalForm form, View<Real> a) {
+    if (form == OrthogonalForm::ql) return a.reversed();
+    if (form == OrthogonalForm::lq) return a.transposed();
+    if (form == OrthogonalForm::rq) return a.reversed().transposed();
+    return a;
+}
+
+template <class Real>
+View<Real> rows_reversed(View<Real> b) {
+    if (b.is_empty()) return b;
+    return {&b(b.height - 1, 0), b.height, b.width, -b.row_stride, b.column_stride};
+}
+
+template <class Real>
+Outcome check_diagonal(View<const Real> t) {
+    for (Size i = 0; i < t.height; ++i)
+        if (t(i, i) == 0) return {OutcomeKind::singular, i};
+    return Outcome::success();
+}
+
+template <class Real>
+void solve_triangle(OrthogonalForm form, View<const Real> t, View<Real> b) {
+    const Triangle triangle = has_lower_triangle(form) ? Triangle::lower : Triangle::upper;
+    if (b.width == 1)
+        kernel::trsv(triangle, Diagonal::stored, t, b.column(0));
+    else
+        kernel::trsm(triangle, Diagonal::stored, t, b);
+}
+
+}  // namespace
+
+template <class Real>
+Outcome solve_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> b, QrBlocking blocking) {
+    const Size n = a.height;
+    const View<Real> seen = seen_by_qr(form, a);
+    const bool is_reversed = form == OrthogonalForm::ql || form == OrthogonalForm::rq;
+    const View<Real> seen_b = is_reversed ? rows_reversed(b) : b;
+    if (begins_with_q(form)) {
+        Outcome outcome = qr_with_right_side(seen, seen_b, blocking);
+        if (outcome) outcome = check_diagonal(reading(a));
+        if (outcome) solve_triangle(form, reading(a), b);
+        return outcome;
+    }
+    const Size count = reflections_of_qr(n, n);
+    const Size block = block_of_qr(n, n, blocking);
+    Workspace<Real> vectors(count * padded_length(n));
+    Workspace<Real> couplings(block * count);
+    Workspace<Real> w(block * padded_length(b.width));
+    if (!vectors || !couplings || !w) return {OutcomeKind::no_memory};
+    const ReflectorStore<Real> store{scratch_by_columns(vectors.data(), n, count, seen.row_stride),
+                                     View<Real>(couplings.data(), block, count, count), block};
+    Outcome outcome = qr_keeping_reflectors(seen, store, blocking);
+    if (outcome) outcome = check_diagonal(reading(a));
+    if (!outcome) return outcome;
+    solve_triangle(form, reading(a), b);
+    apply_reflectors(Side::q, store, seen_b, scratch_by_rows(w.data(), block, b.width, 1));
+    return Outcome::success();
+}
+
+template <class Real>
+Outcome invert_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> inverse,
+                             QrBlocking blocking) {
+    // the inverse holds Q^T
+    Outcome outcome = qr(seen_by_qr(form, a), seen_by_qr(form, inverse.transposed()), blocking);
+    if (outcome) outcome = check_diagonal(reading(a));
+    if (!outcome) return outcome;
+    if (begins_with_q(form)) {
+        solve_triangle(form, reading(a), inverse);
+    } else {  // X T = Q^T  <=>  T^T X^T = Q
+        const Triangle triangle = has_lower_triangle(form) ? Triangle::upper : Triangle::lower;
+        kernel::trsm(triangle, Diagonal::stored, reading(a.transposed()), inverse.transposed());
+    }
+    return Outcome::success();
+}
+
+template <class Real>
+Outcome solve_with_orthogonal_factors(OrthogonalForm form, View<const Real> q, View<const Real> t,
+                                      View<Real> b, View<Real> w) {
+    const Outcome outcome = check_diagonal(t);
+    if (!outcome) return outcome;
+    if (!begins_with_q(form)) solve_triangle(form, t, b);
+    kernel::copy(reading(b), w);
+    kernel::gemm(Real(1), begins_with_q(form) ? q.transposed() : q, reading(w), Update::set, b);
+    if (begins_with_q(form)) solve_triangle(form, t, b);
+    return Outcome::success();
+}
+
+#define NEQUAR_INSTANTIATE(Real)                                                               \
+    template Outcome solve_by_orthogonal(OrthogonalForm, View<Real>, View<Real>, QrBlocking);  \
+    template Outcome invert_by_orthogonal(OrthogonalForm, View<Real>, View<Real>, QrBlocking); \
+    template Outcome solve_with_orthogonal_factors(OrthogonalForm, View<const Real>,           \
+                                                   View<const Real>, View<Real>, View<Real>);
+NEQUAR_INSTANTIATE(double)
+NEQUAR_INSTANTIATE(float)
+#undef NEQUAR_INSTANTIATE
+
+}  // namespace nequar
