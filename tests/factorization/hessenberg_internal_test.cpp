@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "factorization/algorithm/givens_qr.h"
-#include "factorization/algorithm/gram_schmidt.h"
 #include "factorization/algorithm/hessenberg.h"
 #include "factorization/algorithm/reflector.h"
 #include "factorization/algorithm/rotation.h"
@@ -105,47 +104,6 @@ TYPED_TEST(OrthogonalAlgorithms, RotationsAnnihilateAcrossTheRange) {
                       std::hypot(a / 2, b / 2) * 4 * std::numeric_limits<Real>::epsilon() + least);
             EXPECT_TRUE(b != 0 || (g.c == 1 && g.s == 0));
         }
-}
-
-// The coefficients are taken with the input columns, so every block gives the classical scheme.
-TYPED_TEST(OrthogonalAlgorithms, GramSchmidt) {
-    using Real = TypeParam;
-    const double scale = sizeof(Real) == 4 ? 1e-25 : 1e-200;
-    for (const double factor : {1.0, scale, 1 / scale})
-        for (const Size block : {1, 2, 5, 0}) {
-            Dense<Real> a = random_dense<Real>(17, 11);
-            for (Real& element : a.elements) element *= Real(factor);
-            Dense<Real> q(17, 11);
-            ASSERT_TRUE(gram_schmidt<Real>(a.view(), q.view(), block));
-            EXPECT_LT(testing::orthogonality<Real>(q.view()), 100);
-            Dense<Real> r(11, 11);
-            for (Size i = 0; i < 11; ++i)
-                for (Size j = i; j < 11; ++j)
-                    for (Size k = 0; k < 17; ++k) r(i, j) += q(k, i) * a(k, j);
-            EXPECT_LT(product_residual<Real>(a.view(), q.view(), r.view()), 30);
-
-            for (Size i = 0; i < 17; ++i) a(i, 0) = i == 3 ? Real(factor) : 0;
-            for (Size i = 0; i < 17; ++i) a(i, 1) = a(i, 0) * 2;
-            const Outcome dependent = gram_schmidt<Real>(a.view(), q.view(), block);
-            EXPECT_EQ(dependent.kind, OutcomeKind::zero_column);
-            EXPECT_EQ(dependent.index, 1);
-            EXPECT_EQ(q(3, 0), 1);
-        }
-}
-
-// The classical scheme on nearly dependent columns: q_2 is orthogonal to q_0 and q_1 only as far
-// as the input's coefficients make it, unlike with the modified scheme.
-TYPED_TEST(OrthogonalAlgorithms, GramSchmidtIsTheClassicalScheme) {
-    using Real = TypeParam;
-    const Real e = std::ldexp(Real(1), -(std::numeric_limits<Real>::digits + 3));
-    Dense<Real> a(4, 3), q(4, 3);
-    a.elements = {1, 1, 1, e, 0, 0, 0, e, 0, 0, 0, e};
-    for (const Size block : {1, 2, 3}) {
-        ASSERT_TRUE(gram_schmidt<Real>(a.view(), q.view(), block));
-        Real between = 0;
-        for (Size i = 0; i < 4; ++i) between += q(i, 1) * q(i, 2);
-        EXPECT_NEAR(between, 0.5, 1e-5);  // 0 in the modified scheme
-    }
 }
 
 TYPED_TEST(OrthogonalAlgorithms, RqOf3x3) {
