@@ -30,6 +30,26 @@
 
 namespace nequar {
 
+enum class OrthogonalForm : int { qr, ql, rq, lq };
+
+// A, or its orthogonal factor, as the QR of the form sees it.
+template <class Real>
+View<Real> seen_by_qr(OrthogonalForm form, View<Real> a) {
+    if (form == OrthogonalForm::ql) return a.reversed();
+    if (form == OrthogonalForm::lq) return a.transposed();
+    if (form == OrthogonalForm::rq) return a.reversed().transposed();
+    return a;
+}
+
+inline bool has_lower_triangle(OrthogonalForm form) {
+    return form == OrthogonalForm::ql || form == OrthogonalForm::lq;
+}
+
+// The orthogonal factor stands left of the triangle.
+inline bool begins_with_q(OrthogonalForm form) {
+    return form == OrthogonalForm::qr || form == OrthogonalForm::ql;
+}
+
 struct QrBlocking {
     Size block = 0;  // columns of a panel; 0: by the size of the matrix, 1: no blocks at all
     Size leaf = 4;   // columns of a panel that are reduced one by one

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <limits>
 
+#include "core/workspace.h"
+#include "frame/algorithm/norm.h"
 #include "kernel/kernel.h"
 
 namespace nequar {
@@ -151,24 +153,26 @@ void reflect_from_left(Strided<const Real> u, View<Real> a, Strided<Real> w) {
 }
 
 template <class Real>
-void householder_matrix(Strided<const Real> v, View<Real> h) {
+Outcome householder_matrix(Strided<const Real> v, View<Real> h) {
     const Size n = v.size;
-    const Real norm = kernel::norm2(v);
+    Workspace<Real> elements(n);
+    if (!elements) return {OutcomeKind::no_memory};
+    const Strided<Real> u(elements.data(), n);
+    kernel::copy(v, u);
     kernel::fill(Real(0), h);
     for (Size i = 0; i < n; ++i) h(i, i) = 1;
-    if (norm == 0) return;
-    for (Size i = 0; i < n; ++i) {
-        // 2 v_i v_j / (v^T v), the direction first, so that no square leaves the range
-        const Real ui = 2 * (v(i) / norm);
-        for (Size j = 0; j < n; ++j) h(i, j) -= ui * (v(j) / norm);
-    }
+    if (normalize(u))
+        kernel::ger(Real(-2), reading(u), reading(u), h);
+    else if (kernel::norm2(v) != 0)
+        kernel::fill(std::numeric_limits<Real>::quiet_NaN(), h);
+    return Outcome::success();
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                     \
     template Real householder_vector(Strided<Real>, Size);                           \
     template Reflection<Real> make_reflector(Strided<const Real>, Strided<Real>);    \
     template void reflect_from_left(Strided<const Real>, View<Real>, Strided<Real>); \
-    template void householder_matrix(Strided<const Real>, View<Real>);
+    template Outcome householder_matrix(Strided<const Real>, View<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

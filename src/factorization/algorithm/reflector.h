@@ -19,6 +19,7 @@
 // Golub & Van Loan, Matrix Computations, algorithm 5.1.1 (the unit form).
 #pragma once
 
+#include "core/outcome.h"
 #include "core/view.h"
 
 namespace nequar {
@@ -42,8 +43,8 @@ Reflection<Real> make_reflector(Strided<const Real> x, Strided<Real> u);
 template <class Real>
 void reflect_from_left(Strided<const Real> u, View<Real> a, Strided<Real> w);
 
-// H := I - 2 v v^T / (v^T v), the identity for v = 0
+// H := I - 2 v v^T / (v^T v), the identity for v = 0, NaN when v holds NaN or infinity
 template <class Real>
-void householder_matrix(Strided<const Real> v, View<Real> h);
+Outcome householder_matrix(Strided<const Real> v, View<Real> h);
 
 }  // namespace nequar

@@ -3,6 +3,7 @@
 #include "core/workspace.h"
 #include "factorization/algorithm/scratch.h"
 #include "kernel/kernel.h"
+#include "linear_equation/algorithm/factor_solve.h"
 
 namespace nequar {
 
@@ -11,24 +12,6 @@ using kernel::Triangle;
 using kernel::Update;
 
 namespace {
-
-bool has_lower_triangle(OrthogonalForm form) {
-    return form == OrthogonalForm::ql || form == OrthogonalForm::lq;
-}
-
-// The orthogonal factor stands left of the triangle.
-bool begins_with_q(OrthogonalForm form) {
-    return form == OrthogonalForm::qr || form == OrthogonalForm::ql;
-}
-
-// A and its factor as the QR sees them.
-template <class Real>
-View<Real> seen_by_qr(OrthogonalForm form, View<Real> a) {
-    if (form == OrthogonalForm::ql) return a.reversed();
-    if (form == OrthogonalForm::lq) return a.transposed();
-    if (form == OrthogonalForm::rq) return a.reversed().transposed();
-    return a;
-}
 
 template <class Real>
 View<Real> rows_reversed(View<Real> b) {
@@ -43,13 +26,15 @@ Outcome check_diagonal(View<const Real> t) {
     return Outcome::success();
 }
 
+Triangle triangle_of(OrthogonalForm form) {
+    return has_lower_triangle(form) ? Triangle::lower : Triangle::upper;
+}
+
+// X T = B  <=>  T^T X^T = B^T
 template <class Real>
-void solve_triangle(OrthogonalForm form, View<const Real> t, View<Real> b) {
-    const Triangle triangle = has_lower_triangle(form) ? Triangle::lower : Triangle::upper;
-    if (b.width == 1)
-        kernel::trsv(triangle, Diagonal::stored, t, b.column(0));
-    else
-        kernel::trsm(triangle, Diagonal::stored, t, b);
+void solve_triangle_from_right(OrthogonalForm form, View<const Real> t, View<Real> b) {
+    kernel::trsm(has_lower_triangle(form) ? Triangle::upper : Triangle::lower, Diagonal::stored,
+                 t.transposed(), b.transposed());
 }
 
 }  // namespace
@@ -63,7 +48,7 @@ Outcome solve_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> b, QrB
     if (begins_with_q(form)) {
         Outcome outcome = qr_with_right_side(seen, seen_b, blocking);
         if (outcome) outcome = check_diagonal(reading(a));
-        if (outcome) solve_triangle(form, reading(a), b);
+        if (outcome) solve_triangle(triangle_of(form), Diagonal::stored, reading(a), b);
         return outcome;
     }
     const Size count = reflections_of_qr(n, n);
@@ -77,7 +62,7 @@ Outcome solve_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> b, QrB
     Outcome outcome = qr_keeping_reflectors(seen, store, blocking);
     if (outcome) outcome = check_diagonal(reading(a));
     if (!outcome) return outcome;
-    solve_triangle(form, reading(a), b);
+    solve_triangle(triangle_of(form), Diagonal::stored, reading(a), b);
     apply_reflectors(Side::q, store, seen_b, scratch_by_rows(w.data(), block, b.width, 1));
     return Outcome::success();
 }
@@ -89,12 +74,10 @@ Outcome invert_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> inver
     Outcome outcome = qr(seen_by_qr(form, a), seen_by_qr(form, inverse.transposed()), blocking);
     if (outcome) outcome = check_diagonal(reading(a));
     if (!outcome) return outcome;
-    if (begins_with_q(form)) {
-        solve_triangle(form, reading(a), inverse);
-    } else {  // X T = Q^T  <=>  T^T X^T = Q
-        const Triangle triangle = has_lower_triangle(form) ? Triangle::upper : Triangle::lower;
-        kernel::trsm(triangle, Diagonal::stored, reading(a.transposed()), inverse.transposed());
-    }
+    if (begins_with_q(form))
+        kernel::trsm(triangle_of(form), Diagonal::stored, reading(a), inverse);
+    else
+        solve_triangle_from_right(form, reading(a), inverse);
     return Outcome::success();
 }
 
@@ -103,18 +86,26 @@ Outcome solve_with_orthogonal_factors(OrthogonalForm form, View<const Real> q, V
                                       View<Real> b, View<Real> w) {
     const Outcome outcome = check_diagonal(t);
     if (!outcome) return outcome;
-    if (!begins_with_q(form)) solve_triangle(form, t, b);
+    if (!begins_with_q(form)) solve_triangle(triangle_of(form), Diagonal::stored, t, b);
     kernel::copy(reading(b), w);
     kernel::gemm(Real(1), begins_with_q(form) ? q.transposed() : q, reading(w), Update::set, b);
-    if (begins_with_q(form)) solve_triangle(form, t, b);
+    if (begins_with_q(form)) solve_triangle(triangle_of(form), Diagonal::stored, t, b);
     return Outcome::success();
+}
+
+template <class Real>
+void invert_with_orthogonal_factors(OrthogonalForm form, View<const Real> t, View<Real> inverse) {
+    if (!begins_with_q(form)) return solve_triangle_from_right(form, t, inverse);
+    kernel::transpose_in_place(inverse);
+    kernel::trsm(triangle_of(form), Diagonal::stored, t, inverse);
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                               \
     template Outcome solve_by_orthogonal(OrthogonalForm, View<Real>, View<Real>, QrBlocking);  \
     template Outcome invert_by_orthogonal(OrthogonalForm, View<Real>, View<Real>, QrBlocking); \
     template Outcome solve_with_orthogonal_factors(OrthogonalForm, View<const Real>,           \
-                                                   View<const Real>, View<Real>, View<Real>);
+                                                   View<const Real>, View<Real>, View<Real>);  \
+    template void invert_with_orthogonal_factors(OrthogonalForm, View<const Real>, View<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

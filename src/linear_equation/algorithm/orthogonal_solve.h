@@ -13,8 +13,6 @@
 
 namespace nequar {
 
-enum class OrthogonalForm { qr, ql, rq, lq };
-
 // B := A^-1 B. A (n x n, no overlap with B) is overwritten. Fails with singular at the first zero
 // on the diagonal of the triangular factor.
 template <class Real>
@@ -32,5 +30,9 @@ Outcome invert_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> inver
 template <class Real>
 Outcome solve_with_orthogonal_factors(OrthogonalForm form, View<const Real> q, View<const Real> t,
                                       View<Real> b, View<Real> w);
+
+// Inverse := A^-1 likewise, where it holds Q at first.
+template <class Real>
+void invert_with_orthogonal_factors(OrthogonalForm form, View<const Real> t, View<Real> inverse);
 
 }  // namespace nequar
