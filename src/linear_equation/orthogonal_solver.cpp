@@ -73,15 +73,21 @@ bool OrthogonalSolver<Real>::solve(OrthogonalForm form, const Matrix<Real>* a, c
         this->fail("1", names.solve_with_factors);
         return this->fail("2", names.solve);
     }
-    Workspace<Real, kSquareBytes> work(n * n);
-    if (!work) return this->fail(text::kOutOfMemory, names.solve);
-    const View<Real> factor = square_view(work.data(), n);
-    kernel::copy(view_of(a), factor);
+    // A must outlive the right-hand side's way into the solution.
+    const CNqClass* const output = x;
+    const bool shares_storage = output == a;
+    Workspace<Real, kSquareBytes> kept(shares_storage ? n * n : 0);
+    if (!kept) return this->fail(text::kOutOfMemory, names.solve);
+    View<const Real> matrix = view_of(a);
+    if (shares_storage) {
+        kernel::copy(matrix, square_view(kept.data(), n));
+        matrix = square_view(kept.data(), n);
+    }
     if (x->cp_Copy(b) == nullptr) {
         this->fail(text::kCannotSize, names.solve_with_factors);
         return this->fail("2", names.solve);
     }
-    const Outcome outcome = solve_by_orthogonal(form, factor, columns_to_fill(x));
+    const Outcome outcome = solve_by_orthogonal(form, matrix, columns_to_fill(x));
     if (outcome) return true;
     if (outcome.kind == OutcomeKind::no_memory) {
         this->fail_orthogonal_for_memory(form);

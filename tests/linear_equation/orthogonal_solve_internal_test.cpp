@@ -30,7 +30,7 @@ TYPED_TEST(OrthogonalSolve, SolvesAndInverts) {
                     const Dense<Real> input = random_dense<Real>(n, n);
                     const Dense<Real> b = random_dense<Real>(n, k, 2);
                     Dense<Real> a = input, x = b, inverse(n, n);
-                    ASSERT_TRUE(solve_by_orthogonal(form, a.view(), x.view(), blocking));
+                    ASSERT_TRUE(solve_by_orthogonal<Real>(form, a.view(), x.view(), blocking));
                     const double size = 1 + testing::largest_magnitude<Real>(x.view());
                     EXPECT_LT(testing::product_residual<Real>(b.view(), input.view(), x.view()),
                               10 * size);
@@ -38,8 +38,8 @@ TYPED_TEST(OrthogonalSolve, SolvesAndInverts) {
                     for (Size i = 0; i < n; ++i)
                         for (Size c = 0; c < k; ++c) columns(c, i) = b(i, c);
                     a = input;
-                    ASSERT_TRUE(
-                        solve_by_orthogonal(form, a.view(), columns.view().transposed(), blocking));
+                    ASSERT_TRUE(solve_by_orthogonal<Real>(form, a.view(),
+                                                          columns.view().transposed(), blocking));
                     EXPECT_LT(testing::product_residual<Real>(b.view(), input.view(),
                                                               columns.view().transposed()),
                               10 * size);
@@ -59,14 +59,14 @@ TYPED_TEST(OrthogonalSolve, AZeroOnTheDiagonalOfTheTriangleIsSingular) {
         Dense<Real> a(3, 3), b(3, 1, 1), inverse(3, 3);
         a.elements = {1, 0, 0, 0, 0, 0, 0, 0, 2};
         const Dense<Real> input = a;
-        const Outcome outcome = solve_by_orthogonal(form, a.view(), b.view());
+        const Outcome outcome = solve_by_orthogonal<Real>(form, a.view(), b.view());
         EXPECT_EQ(outcome.kind, OutcomeKind::singular);
         EXPECT_EQ(outcome.index, 1);
         a = input;
         EXPECT_EQ(invert_by_orthogonal(form, a.view(), inverse.view()).kind, OutcomeKind::singular);
         a = input;
         a(1, 1) = std::numeric_limits<Real>::denorm_min();
-        EXPECT_TRUE(solve_by_orthogonal(form, a.view(), b.view()));
+        EXPECT_TRUE(solve_by_orthogonal<Real>(form, a.view(), b.view()));
     }
 }
 

@@ -37,13 +37,10 @@ void apply_triangle(Side side, View<const Real> s, View<Real> w) {
 // The first column of the blocks that are worth treating as one when Q starts from the identity.
 // I - U T U^T costs 2 h^2 g there, h the remaining height and g the remaining columns, and the
 // coupling of the whole another 2 h g^2; block by block it is 4 h^2 g.
-template <class Real>
-Size start_of_tail(const ReflectorStore<Real>& store) {
-    const Size count = store.count();
-    const Size height = store.vectors.height;
+Size start_of_tail(Size height, Size count, Size block) {
     const Size wanted = 2 * count > height ? 2 * count - height : 0;
-    const Size last_block = (count - 1) / store.block * store.block;
-    const Size start = (wanted + store.block - 1) / store.block * store.block;
+    const Size last_block = (count - 1) / block * block;
+    const Size start = (wanted + block - 1) / block * block;
     return start < last_block ? start : last_block;
 }
 
@@ -75,38 +72,60 @@ void apply_reflectors(Side side, const ReflectorStore<Real>& store, View<Real> c
     }
 }
 
+template <class Real>
+void apply_reflectors_plain(Side side, View<const Real> vectors, View<Real> c, Strided<Real> w) {
+    const Size count = vectors.width;
+    for (Size step = 0; step < count; ++step) {
+        const Size k = side == Side::q ? count - 1 - step : step;
+        const Size height = c.height - k;
+        reflect_from_left(vectors.column(k).part(k, height), c.rows(k, height), w);
+    }
+}
+
 //  Q(k:, k:)  =  | I    0  |     before block k,  U = | U1 |   k ... k + b
 //                | 0   Q22 |                          | U2 |   k + b ...
 //
 //  Q U-block:    | I - U1 T U1^T     -U1 W      |
 //                |   - U2 T U1^T   Q22 - U2 W   |,   W = T U2^T Q22
 template <class Real>
+Size scratch_to_form_orthogonal(Size height, Size count, Size block) {
+    if (count == 0) return 0;
+    const Size tail = count - start_of_tail(height, count, block);
+    const Size widest = tail > block ? tail : block;
+    return 2 * Scratch<Real>::rounded(widest * padded_length(height)) +
+           (tail > block ? tail * tail : 0);
+}
+
+template <class Real>
 Outcome form_orthogonal(const ReflectorStore<Real>& store, View<Real> q) {
+    Workspace<Real> work(scratch_to_form_orthogonal<Real>(q.height, store.count(), store.block));
+    if (!work) return {OutcomeKind::no_memory};
+    form_orthogonal(store, q, Scratch<Real>(work.data()));
+    return Outcome::success();
+}
+
+template <class Real>
+void form_orthogonal(const ReflectorStore<Real>& store, View<Real> q, Scratch<Real> scratch) {
     const Size m = q.height;
     const Size count = store.count();
-    if (count == 0) {
-        set_identity(q);
-        return Outcome::success();
-    }
-    const Size tail = start_of_tail(store);
+    if (count == 0) return set_identity(q);
+    const Size tail = start_of_tail(m, count, store.block);
     const Size widest = count - tail > store.block ? count - tail : store.block;
-    Workspace<Real> u_elements(widest * padded_length(m));
-    Workspace<Real> w_elements(widest * padded_length(m));
-    Workspace<Real> tail_elements(widest > store.block ? widest * widest : 0);
-    if (!u_elements || !w_elements || !tail_elements) return {OutcomeKind::no_memory};
+    Real* const u_elements = scratch.take(widest * padded_length(m));
+    Real* const w_elements = scratch.take(widest * padded_length(m));
 
     {  // Q(tail:, tail:) = I - U (T U^T)
         const Size height = m - tail;
         const Size width = count - tail;
-        const View<Real> u = scratch_by_columns(u_elements.data(), height, width, q.row_stride);
-        const View<Real> w = scratch_by_rows(w_elements.data(), width, height, q.column_stride);
+        const View<Real> u = scratch_by_columns(u_elements, height, width, q.row_stride);
+        const View<Real> w = scratch_by_rows(w_elements, width, height, q.column_stride);
         kernel::copy(reading(q.block(tail, tail, height, width)), u);
         for (Size k = store.block; k < width; k += store.block)
             kernel::fill(Real(0),
                          u.block(0, k, k, width - k < store.block ? width - k : store.block));
         kernel::transpose(reading(u), w);
         if (width > store.block) {
-            const View<Real> s(tail_elements.data(), width, width, width);
+            const View<Real> s(scratch.take(width * width), width, width, width);
             couple_reflectors(reading(u), s);
             apply_triangle(Side::q, reading(s), w);
         } else {
@@ -119,60 +138,58 @@ Outcome form_orthogonal(const ReflectorStore<Real>& store, View<Real> q) {
     for (Size k = tail - store.block; k >= 0; k -= store.block) {
         const Size height = m - k;
         const Size width = store.block;
-        const View<Real> u = scratch_by_columns(u_elements.data(), height, width, q.row_stride);
+        const View<Real> u = scratch_by_columns(u_elements, height, width, q.row_stride);
         const View<const Real> top = u.rows(0, width);
         const View<const Real> below = u.rows(width, height - width);
         const View<const Real> s = store.coupling_of_block(k);
         kernel::copy(reading(q.block(k, k, height, width)), u);
 
         const View<Real> right = q.block(k + width, k + width, height - width, height - width);
-        const View<Real> w =
-            scratch_by_rows(w_elements.data(), width, height - width, q.column_stride);
+        const View<Real> w = scratch_by_rows(w_elements, width, height - width, q.column_stride);
         kernel::gemm(Real(1), below.transposed(), reading(right), Update::set, w);
         apply_triangle(Side::q, s, w);
         kernel::gemm(Real(-1), top, reading(w), Update::set,
                      q.block(k, k + width, width, height - width));
         kernel::gemm(Real(-1), below, reading(w), Update::accumulate, right);
 
-        const View<Real> left_w = scratch_by_rows(w_elements.data(), width, width, q.column_stride);
+        const View<Real> left_w = scratch_by_rows(w_elements, width, width, q.column_stride);
         kernel::transpose(top, left_w);
         apply_triangle(Side::q, s, left_w);
         const View<Real> left = q.block(k, k, height, width);
         kernel::gemm(Real(-1), reading(u), reading(left_w), Update::set, left);
         add_identity(left);
     }
-    // Q outside of the reflected part is the identity's.
-    return Outcome::success();
 }
 
 template <class Real>
-Outcome form_orthogonal_plain(View<const Real> vectors, View<Real> q) {
+void form_orthogonal_plain(View<const Real> vectors, View<Real> q, Scratch<Real> scratch) {
     const Size m = q.height;
     const Size count = vectors.width;
-    Workspace<Real> u_elements(m);
-    Workspace<Real> w_elements(m);
-    if (!u_elements || !w_elements) return {OutcomeKind::no_memory};
+    Real* const u_elements = scratch.take(m);
+    Real* const w_elements = scratch.take(m);
     set_identity(q.block(count, count, m - count, m - count));
     kernel::fill(Real(0), q.block(0, count, count, m - count));
     for (Size k = count - 1; k >= 0; --k) {
-        const Strided<Real> u(u_elements.data(), m - k);
+        const Strided<Real> u(u_elements, m - k);
         kernel::copy(vectors.column(k).part(k, m - k), u);
         const Strided<Real> column = q.column(k);
         for (Size i = 0; i < m; ++i) column(i) = 0;
         column(k) = 1;
         reflect_from_left(reading(u), q.block(k, k, m - k, m - k),
-                          Strided<Real>(w_elements.data(), m - k));
+                          Strided<Real>(w_elements, m - k));
     }
-    return Outcome::success();
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                               \
-    template void couple_reflectors(View<const Real>, View<Real>);                             \
-    template void apply_block_reflector(Side, View<const Real>, View<const Real>, View<Real>,  \
-                                        View<Real>);                                           \
-    template void apply_reflectors(Side, const ReflectorStore<Real>&, View<Real>, View<Real>); \
-    template Outcome form_orthogonal(const ReflectorStore<Real>&, View<Real>);                 \
-    template Outcome form_orthogonal_plain(View<const Real>, View<Real>);
+#define NEQUAR_INSTANTIATE(Real)                                                                 \
+    template void couple_reflectors(View<const Real>, View<Real>);                               \
+    template void apply_block_reflector(Side, View<const Real>, View<const Real>, View<Real>,    \
+                                        View<Real>);                                             \
+    template void apply_reflectors(Side, const ReflectorStore<Real>&, View<Real>, View<Real>);   \
+    template void apply_reflectors_plain(Side, View<const Real>, View<Real>, Strided<Real>);     \
+    template void form_orthogonal(const ReflectorStore<Real>&, View<Real>, Scratch<Real>);       \
+    template Outcome form_orthogonal(const ReflectorStore<Real>&, View<Real>);                   \
+    template Size scratch_to_form_orthogonal<Real>(Size, Size, Size);                            \
+    template void form_orthogonal_plain(View<const Real>, View<Real>, Scratch<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

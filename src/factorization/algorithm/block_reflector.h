@@ -17,6 +17,7 @@
 
 #include "core/outcome.h"
 #include "core/view.h"
+#include "factorization/algorithm/scratch.h"
 
 namespace nequar {
 
@@ -55,12 +56,21 @@ struct ReflectorStore {
 template <class Real>
 void apply_reflectors(Side side, const ReflectorStore<Real>& store, View<Real> c, View<Real> w);
 
-// Q := H_0 H_1 ... H_(count-1), m x m, where the vectors lie in the first columns of Q itself.
+// The same, one reflector after the other; nothing is coupled. w has as many elements as C columns.
+template <class Real>
+void apply_reflectors_plain(Side side, View<const Real> vectors, View<Real> c, Strided<Real> w);
+
+// Q := H_0 H_1 ... H_(count-1), m x m, where the vectors lie in the first columns of Q itself. The
+// scratch has `scratch_to_form_orthogonal` elements.
+template <class Real>
+void form_orthogonal(const ReflectorStore<Real>& store, View<Real> q, Scratch<Real> scratch);
 template <class Real>
 Outcome form_orthogonal(const ReflectorStore<Real>& store, View<Real> q);
-
-// The same, one reflector after the other; the couplings are not read.
 template <class Real>
-Outcome form_orthogonal_plain(View<const Real> vectors, View<Real> q);
+Size scratch_to_form_orthogonal(Size height, Size count, Size block);
+
+// The same, one reflector after the other; nothing is coupled. 2 rounded(m) elements of scratch.
+template <class Real>
+void form_orthogonal_plain(View<const Real> vectors, View<Real> q, Scratch<Real> scratch);
 
 }  // namespace nequar

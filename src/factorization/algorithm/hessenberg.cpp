@@ -32,7 +32,7 @@ template <class Real>
 Outcome hessenberg_plain(View<Real> a, const View<Real>* q) {
     const Size n = a.height;
     const Size count = n - 2;
-    Workspace<Real> elements(2 * n);
+    Workspace<Real> elements(2 * Scratch<Real>::rounded(n));
     if (!elements) return {OutcomeKind::no_memory};
     Real* const w = elements.data() + n;
     for (Size k = 0; k < count; ++k) {
@@ -50,9 +50,9 @@ Outcome hessenberg_plain(View<Real> a, const View<Real>* q) {
     }
     if (q == nullptr) return Outcome::success();
     const View<Real> part = reflected_part(*q);
-    const Outcome outcome = form_orthogonal_plain(reading(part.columns(0, count)), part);
+    form_orthogonal_plain(reading(part.columns(0, count)), part, Scratch<Real>(elements.data()));
     set_border_of_identity(*q);
-    return outcome;
+    return Outcome::success();
 }
 
 // Scratch of one panel: U and Y n x block, S block x block, and vectors.

@@ -84,7 +84,7 @@ template <class Real>
 Outcome pivoted_qr_plain(View<Real> a, const View<Real>* q, Pivoting<Real> pivoting) {
     const Size m = a.height;
     const Size n = a.width;
-    Workspace<Real> elements(m + n);
+    Workspace<Real> elements(2 * Scratch<Real>::rounded(m) + n);
     if (!elements) return {OutcomeKind::no_memory};
     Size k = 0;
     for (; k < n && pivoting.goes_on(); ++k) {
@@ -99,7 +99,8 @@ Outcome pivoted_qr_plain(View<Real> a, const View<Real>* q, Pivoting<Real> pivot
     }
     pivoting.result->rank = static_cast<int>(k);
     if (q == nullptr) return Outcome::success();
-    return form_orthogonal_plain(reading(q->columns(0, k)), *q);
+    form_orthogonal_plain(reading(q->columns(0, k)), *q, Scratch<Real>(elements.data()));
+    return Outcome::success();
 }
 
 // The steps from column `first` on, at most `block` of them; answers how many were made. The

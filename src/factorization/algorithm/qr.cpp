@@ -14,26 +14,22 @@ namespace {
 // Blocks pay when the trailing matrix is large beside a panel.
 constexpr Size kSmallestBlockedSize = 48;
 
-// Where a factorization leaves its reflectors (nowhere when `store` is null), and what else is
-// multiplied by Q^T on the way (nothing when it has no column).
-template <class Real>
-struct QrTargets {
-    const ReflectorStore<Real>* store = nullptr;
-    View<Real> right_side;
-};
+Size largest(Size a, Size b, Size c) {
+    const Size of_two = a > b ? a : b;
+    return of_two > c ? of_two : c;
+}
 
 template <class Real>
-Outcome qr_plain(View<Real> a, const QrTargets<Real>& targets) {
+void qr_plain(View<Real> a, const QrTargets<Real>& targets, Scratch<Real> scratch) {
     const Size m = a.height;
     const Size n = a.width;
     const Size count = reflections_of_qr(m, n);
     const View<Real>& b = targets.right_side;
-    Workspace<Real> elements(m + (n > b.width ? n : b.width));
-    if (!elements) return {OutcomeKind::no_memory};
-    Real* const w = elements.data() + m;
+    Real* const elements = scratch.take(m);
+    Real* const w = scratch.take(n > b.width ? n : b.width);
     for (Size k = 0; k < count; ++k) {
         const Size height = m - k;
-        const Strided<Real> u(elements.data(), height);
+        const Strided<Real> u(elements, height);
         const Reflection<Real> reflection = make_reflector(reading(a.column(k).part(k, height)), u);
         if (targets.store != nullptr)
             kernel::copy(reading(u), targets.store->vectors.column(k).part(k, height));
@@ -44,7 +40,6 @@ Outcome qr_plain(View<Real> a, const QrTargets<Real>& targets) {
         if (b.width > 0)
             reflect_from_left(reading(u), b.rows(k, height), Strided<Real>(w, b.width));
     }
-    return Outcome::success();
 }
 
 // P (rows x width) := R with leftovers, U its reflectors, S their coupling (strictly upper).
@@ -85,47 +80,39 @@ void qr_panel(View<Real> p, View<Real> u, View<Real> s, Size leaf, Real* w) {
 }
 
 template <class Real>
-Outcome qr_blocked(View<Real> a, const QrTargets<Real>& targets, Size block, Size leaf) {
+void qr_blocked(View<Real> a, const QrTargets<Real>& targets, Size block, Size leaf,
+                Scratch<Real> scratch) {
     const Size m = a.height;
     const Size n = a.width;
     const Size count = reflections_of_qr(m, n);
     const View<Real>& b = targets.right_side;
-    const Size widest = n > b.width ? n : b.width;
-    Workspace<Real> panel_elements(2 * block * padded_length(m));
-    Workspace<Real> w_elements(block * padded_length(widest > block ? widest : block));
-    Workspace<Real> s_elements(block * block);
-    if (!panel_elements || !w_elements || !s_elements) return {OutcomeKind::no_memory};
+    Real* const p_elements = scratch.take(block * padded_length(m));
+    Real* const u_elements = scratch.take(block * padded_length(m));
+    Real* const w_elements = scratch.take(block * padded_length(largest(n, b.width, block)));
+    Real* const s_elements = scratch.take(block * block);
 
     for (Size k = 0; k < count; k += block) {
         const Size width = count - k < block ? count - k : block;
         const Size height = m - k;
         const View<Real> panel = a.block(k, k, height, width);
-        const View<Real> p = scratch_by_columns(panel_elements.data(), height, width, a.row_stride);
-        const View<Real> u = scratch_by_columns(panel_elements.data() + block * padded_length(m),
-                                                height, width, a.row_stride);
-        const View<Real> s(s_elements.data(), width, width, width);
+        const View<Real> p = scratch_by_columns(p_elements, height, width, a.row_stride);
+        const View<Real> u = scratch_by_columns(u_elements, height, width, a.row_stride);
+        const View<Real> s(s_elements, width, width, width);
         kernel::copy(reading(panel), p);
-        qr_panel(p, u, s, leaf, w_elements.data());
+        qr_panel(p, u, s, leaf, w_elements);
         kernel::copy(reading(p), panel);
 
         const Size right = n - k - width;
         apply_block_reflector(Side::q_transposed, reading(u), reading(s),
                               a.block(k, k + width, height, right),
-                              scratch_by_rows(w_elements.data(), width, right, a.column_stride));
+                              scratch_by_rows(w_elements, width, right, a.column_stride));
         apply_block_reflector(Side::q_transposed, reading(u), reading(s), b.rows(k, height),
-                              scratch_by_rows(w_elements.data(), width, b.width, b.column_stride));
+                              scratch_by_rows(w_elements, width, b.width, b.column_stride));
         if (targets.store != nullptr) {
             kernel::copy(reading(u), targets.store->vectors_of_block(k));
             kernel::copy(reading(s), targets.store->coupling_of_block(k));
         }
     }
-    return Outcome::success();
-}
-
-template <class Real>
-Outcome qr_into(View<Real> a, const QrTargets<Real>& targets, Size block, Size leaf) {
-    if (block <= 1) return qr_plain(a, targets);
-    return qr_blocked(a, targets, block, leaf);
 }
 
 }  // namespace
@@ -138,40 +125,60 @@ Size block_of_qr(Size height, Size width, QrBlocking blocking) {
 }
 
 template <class Real>
+Size scratch_of_qr(Size height, Size width, Size right_sides, QrBlocking blocking) {
+    using S = Scratch<Real>;
+    const Size block = block_of_qr(height, width, blocking);
+    if (block <= 1) return S::rounded(height) + S::rounded(largest(width, right_sides, 1));
+    return 2 * S::rounded(block * padded_length(height)) +
+           S::rounded(block * padded_length(largest(width, right_sides, block))) +
+           S::rounded(block * block);
+}
+
+template <class Real>
+void qr_into(View<Real> a, const QrTargets<Real>& targets, QrBlocking blocking,
+             Scratch<Real> scratch) {
+    const Size block = block_of_qr(a.height, a.width, blocking);
+    if (block <= 1)
+        qr_plain(a, targets, scratch);
+    else
+        qr_blocked(a, targets, block, blocking.leaf, scratch);
+}
+
+template <class Real>
 Outcome qr(View<Real> a, QrBlocking blocking) {
-    return qr_into(a, QrTargets<Real>{}, block_of_qr(a.height, a.width, blocking), blocking.leaf);
+    Workspace<Real> work(scratch_of_qr<Real>(a.height, a.width, 0, blocking));
+    if (!work) return {OutcomeKind::no_memory};
+    qr_into(a, QrTargets<Real>{}, blocking, Scratch<Real>(work.data()));
+    return Outcome::success();
 }
 
 template <class Real>
 Outcome qr(View<Real> a, View<Real> q, QrBlocking blocking) {
-    const Size count = reflections_of_qr(a.height, a.width);
-    const Size block = block_of_qr(a.height, a.width, blocking);
-    Workspace<Real> couplings(block > 1 ? block * count : 0);
-    if (!couplings) return {OutcomeKind::no_memory};
-    const ReflectorStore<Real> store{q.columns(0, count),
-                                     View<Real>(couplings.data(), block, count, count), block};
-    const Outcome outcome = qr_into(a, {&store, {}}, block, blocking.leaf);
-    if (!outcome) return outcome;
-    if (block <= 1) return form_orthogonal_plain(reading(store.vectors), q);
-    return form_orthogonal(store, q);
+    const Size m = a.height;
+    const Size count = reflections_of_qr(m, a.width);
+    const Size block = block_of_qr(m, a.width, blocking);
+    const Size to_reduce = scratch_of_qr<Real>(m, a.width, 0, blocking);
+    const Size to_form = block > 1 ? scratch_to_form_orthogonal<Real>(m, count, block)
+                                   : 2 * Scratch<Real>::rounded(m);
+    Workspace<Real> work(Scratch<Real>::rounded(block * count) +
+                         (to_reduce > to_form ? to_reduce : to_form));
+    if (!work) return {OutcomeKind::no_memory};
+    Scratch<Real> scratch(work.data());
+    const View<Real> couplings(scratch.take(block * count), block, count, count);
+    const ReflectorStore<Real> store{q.columns(0, count), couplings, block};
+    qr_into(a, {&store, {}}, blocking, scratch);
+    if (block > 1)
+        form_orthogonal(store, q, scratch);
+    else
+        form_orthogonal_plain(reading(store.vectors), q, scratch);
+    return Outcome::success();
 }
 
-template <class Real>
-Outcome qr_with_right_side(View<Real> a, View<Real> b, QrBlocking blocking) {
-    return qr_into(a, {nullptr, b}, block_of_qr(a.height, a.width, blocking), blocking.leaf);
-}
-
-template <class Real>
-Outcome qr_keeping_reflectors(View<Real> a, const ReflectorStore<Real>& store,
-                              QrBlocking blocking) {
-    return qr_blocked(a, {&store, {}}, store.block, blocking.leaf);
-}
-
-#define NEQUAR_INSTANTIATE(Real)                                             \
-    template Outcome qr(View<Real>, QrBlocking);                             \
-    template Outcome qr(View<Real>, View<Real>, QrBlocking);                 \
-    template Outcome qr_with_right_side(View<Real>, View<Real>, QrBlocking); \
-    template Outcome qr_keeping_reflectors(View<Real>, const ReflectorStore<Real>&, QrBlocking);
+#define NEQUAR_INSTANTIATE(Real)                                     \
+    template Outcome qr(View<Real>, QrBlocking);                     \
+    template Outcome qr(View<Real>, View<Real>, QrBlocking);         \
+    template Size scratch_of_qr<Real>(Size, Size, Size, QrBlocking); \
+    template void qr_into(View<Real>, const QrTargets<Real>&, QrBlocking, Scratch<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

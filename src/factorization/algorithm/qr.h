@@ -68,15 +68,20 @@ Outcome qr(View<Real> a, QrBlocking blocking = {});
 template <class Real>
 Outcome qr(View<Real> a, View<Real> q, QrBlocking blocking = {});
 
-// A := R with leftovers, B := Q^T B.
+// For callers that bring scratch of their own. What becomes of the reflectors, besides reducing A:
 template <class Real>
-Outcome qr_with_right_side(View<Real> a, View<Real> b, QrBlocking blocking = {});
+struct QrTargets {
+    const ReflectorStore<Real>* store = nullptr;  // kept here; its block is that of the blocking
+    View<Real> right_side;                        // B := Q^T B
+};
 
-// The reflectors of a QR, kept to be applied. vectors: m x reflections, couplings: block x
-// reflections with block = block_of_qr(m, n, blocking).
+// The columns of a panel that the blocking comes to; 1: no blocks.
 Size block_of_qr(Size height, Size width, QrBlocking blocking);
+// `right_sides` columns of B.
 template <class Real>
-Outcome qr_keeping_reflectors(View<Real> a, const ReflectorStore<Real>& store,
-                              QrBlocking blocking = {});
+Size scratch_of_qr(Size height, Size width, Size right_sides, QrBlocking blocking);
+template <class Real>
+void qr_into(View<Real> a, const QrTargets<Real>& targets, QrBlocking blocking,
+             Scratch<Real> scratch);
 
 }  // namespace nequar

@@ -15,6 +15,28 @@ inline Size padded_length(Size length) {
     return (lines % 64 == 0 ? lines + 1 : lines) * 8;
 }
 
+// Scratch of a whole operation is taken from one block: many blocks that come and go make the
+// system hand out and take back pages at every call.
+template <class Real>
+class Scratch {
+public:
+    explicit Scratch(Real* elements) : next_(elements) {}
+
+    Real* take(Size count) {
+        Real* const taken = next_;
+        next_ += rounded(count);
+        return taken;
+    }
+    // What `take` needs for so many elements: whole cache lines.
+    static Size rounded(Size count) {
+        constexpr Size line = 64 / Size(sizeof(Real));
+        return (count + line - 1) / line * line;
+    }
+
+private:
+    Real* next_;
+};
+
 // height x width, rows contiguous, its columns running the way of `column_stride`.
 template <class Real>
 View<Real> scratch_by_rows(Real* elements, Size height, Size width, Size column_stride) {

@@ -13,6 +13,8 @@ using kernel::Update;
 
 namespace {
 
+constexpr Size kInlineBytes = 16384;  // scratch of small systems stays on the stack
+
 template <class Real>
 View<Real> rows_reversed(View<Real> b) {
     if (b.is_empty()) return b;
@@ -40,30 +42,46 @@ void solve_triangle_from_right(OrthogonalForm form, View<const Real> t, View<Rea
 }  // namespace
 
 template <class Real>
-Outcome solve_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> b, QrBlocking blocking) {
+Outcome solve_by_orthogonal(OrthogonalForm form, View<const Real> a, View<Real> b,
+                            QrBlocking blocking) {
+    using S = Scratch<Real>;
     const Size n = a.height;
-    const View<Real> seen = seen_by_qr(form, a);
-    const bool is_reversed = form == OrthogonalForm::ql || form == OrthogonalForm::rq;
-    const View<Real> seen_b = is_reversed ? rows_reversed(b) : b;
-    if (begins_with_q(form)) {
-        Outcome outcome = qr_with_right_side(seen, seen_b, blocking);
-        if (outcome) outcome = check_diagonal(reading(a));
-        if (outcome) solve_triangle(triangle_of(form), Diagonal::stored, reading(a), b);
-        return outcome;
-    }
     const Size count = reflections_of_qr(n, n);
     const Size block = block_of_qr(n, n, blocking);
-    Workspace<Real> vectors(count * padded_length(n));
-    Workspace<Real> couplings(block * count);
-    Workspace<Real> w(block * padded_length(b.width));
-    if (!vectors || !couplings || !w) return {OutcomeKind::no_memory};
-    const ReflectorStore<Real> store{scratch_by_columns(vectors.data(), n, count, seen.row_stride),
-                                     View<Real>(couplings.data(), block, count, count), block};
-    Outcome outcome = qr_keeping_reflectors(seen, store, blocking);
-    if (outcome) outcome = check_diagonal(reading(a));
+    const bool keeps = !begins_with_q(form);  // the reflectors are applied last
+    const Size kept = keeps ? S::rounded(count * padded_length(n)) + S::rounded(block * count) +
+                                  S::rounded(block * padded_length(b.width))
+                            : 0;
+    Workspace<Real, kInlineBytes> work(S::rounded(n * n) + kept +
+                                       scratch_of_qr<Real>(n, n, keeps ? 0 : b.width, blocking));
+    if (!work) return {OutcomeKind::no_memory};
+    S scratch(work.data());
+    const View<Real> factor(scratch.take(n * n), n, n, n);
+    kernel::copy(a, factor);
+
+    const View<Real> seen = seen_by_qr(form, factor);
+    const bool is_reversed = form == OrthogonalForm::ql || form == OrthogonalForm::rq;
+    const View<Real> seen_b = is_reversed ? rows_reversed(b) : b;
+    if (!keeps) {
+        qr_into(seen, {nullptr, seen_b}, blocking, scratch);
+        const Outcome outcome = check_diagonal(reading(factor));
+        if (outcome) solve_triangle(triangle_of(form), Diagonal::stored, reading(factor), b);
+        return outcome;
+    }
+    const View<Real> vectors =
+        scratch_by_columns(scratch.take(count * padded_length(n)), n, count, seen.row_stride);
+    const View<Real> couplings(scratch.take(block * count), block, count, count);
+    const View<Real> w = scratch_by_rows(scratch.take(block * padded_length(b.width)), block,
+                                         b.width, b.column_stride);
+    const ReflectorStore<Real> store{vectors, couplings, block};
+    qr_into(seen, {&store, {}}, blocking, scratch);
+    const Outcome outcome = check_diagonal(reading(factor));
     if (!outcome) return outcome;
-    solve_triangle(triangle_of(form), Diagonal::stored, reading(a), b);
-    apply_reflectors(Side::q, store, seen_b, scratch_by_rows(w.data(), block, b.width, 1));
+    solve_triangle(triangle_of(form), Diagonal::stored, reading(factor), b);
+    if (block > 1)
+        apply_reflectors(Side::q, store, seen_b, w);
+    else
+        apply_reflectors_plain(Side::q, reading(vectors), seen_b, w.row(0));
     return Outcome::success();
 }
 
@@ -101,7 +119,8 @@ void invert_with_orthogonal_factors(OrthogonalForm form, View<const Real> t, Vie
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                               \
-    template Outcome solve_by_orthogonal(OrthogonalForm, View<Real>, View<Real>, QrBlocking);  \
+    template Outcome solve_by_orthogonal(OrthogonalForm, View<const Real>, View<Real>,         \
+                                         QrBlocking);                                          \
     template Outcome invert_by_orthogonal(OrthogonalForm, View<Real>, View<Real>, QrBlocking); \
     template Outcome solve_with_orthogonal_factors(OrthogonalForm, View<const Real>,           \
                                                    View<const Real>, View<Real>, View<Real>);  \

@@ -13,13 +13,13 @@
 
 namespace nequar {
 
-// B := A^-1 B. A (n x n, no overlap with B) is overwritten. Fails with singular at the first zero
-// on the diagonal of the triangular factor.
+// B := A^-1 B, A n x n, no overlap with B. Fails with singular at the first zero on the diagonal of
+// the triangular factor; B is partly worked on then.
 template <class Real>
-Outcome solve_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> b,
+Outcome solve_by_orthogonal(OrthogonalForm form, View<const Real> a, View<Real> b,
                             QrBlocking blocking = {});
 
-// Inverse := A^-1, likewise.
+// Inverse := A^-1, likewise; A is overwritten.
 template <class Real>
 Outcome invert_by_orthogonal(OrthogonalForm form, View<Real> a, View<Real> inverse,
                              QrBlocking blocking = {});
