@@ -170,25 +170,33 @@ void form_orthogonal_plain(View<const Real> vectors, View<Real> q, Scratch<Real>
     set_identity(q.block(count, count, m - count, m - count));
     kernel::fill(Real(0), q.block(0, count, count, m - count));
     for (Size k = count - 1; k >= 0; --k) {
+        //  | 1    0  |      | 1 - u0 u0    -u0 w^T      |
+        //  | 0   Q22 |  ->  |   - u1 u0   Q22 - u1 w^T  |,   w = Q22^T u1
+        const Size rest = m - k - 1;
         const Strided<Real> u(u_elements, m - k);
-        kernel::copy(vectors.column(k).part(k, m - k), u);
+        const Strided<Real> u1 = u.part(1, rest);
+        const Strided<Real> w(w_elements, rest);
         const Strided<Real> column = q.column(k);
-        for (Size i = 0; i < m; ++i) column(i) = 0;
-        column(k) = 1;
-        reflect_from_left(reading(u), q.block(k, k, m - k, m - k),
-                          Strided<Real>(w_elements, m - k));
+        const View<Real> q22 = q.block(k + 1, k + 1, rest, rest);
+        kernel::copy(vectors.column(k).part(k, m - k), u);
+        const Real head = u(0);
+        reflect_from_left(reading(u1), q22, w);
+        for (Size j = 0; j < rest; ++j) q(k, k + 1 + j) = -head * w(j);
+        for (Size i = 0; i < k; ++i) column(i) = 0;
+        column(k) = 1 - head * head;
+        for (Size i = 0; i < rest; ++i) column(k + 1 + i) = -head * u1(i);
     }
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                                 \
-    template void couple_reflectors(View<const Real>, View<Real>);                               \
-    template void apply_block_reflector(Side, View<const Real>, View<const Real>, View<Real>,    \
-                                        View<Real>);                                             \
-    template void apply_reflectors(Side, const ReflectorStore<Real>&, View<Real>, View<Real>);   \
-    template void apply_reflectors_plain(Side, View<const Real>, View<Real>, Strided<Real>);     \
-    template void form_orthogonal(const ReflectorStore<Real>&, View<Real>, Scratch<Real>);       \
-    template Outcome form_orthogonal(const ReflectorStore<Real>&, View<Real>);                   \
-    template Size scratch_to_form_orthogonal<Real>(Size, Size, Size);                            \
+#define NEQUAR_INSTANTIATE(Real)                                                               \
+    template void couple_reflectors(View<const Real>, View<Real>);                             \
+    template void apply_block_reflector(Side, View<const Real>, View<const Real>, View<Real>,  \
+                                        View<Real>);                                           \
+    template void apply_reflectors(Side, const ReflectorStore<Real>&, View<Real>, View<Real>); \
+    template void apply_reflectors_plain(Side, View<const Real>, View<Real>, Strided<Real>);   \
+    template void form_orthogonal(const ReflectorStore<Real>&, View<Real>, Scratch<Real>);     \
+    template Outcome form_orthogonal(const ReflectorStore<Real>&, View<Real>);                 \
+    template Size scratch_to_form_orthogonal<Real>(Size, Size, Size);                          \
     template void form_orthogonal_plain(View<const Real>, View<Real>, Scratch<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

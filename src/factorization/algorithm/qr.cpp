@@ -12,7 +12,7 @@ using kernel::Update;
 namespace {
 
 // Blocks pay when the trailing matrix is large beside a panel.
-constexpr Size kSmallestBlockedSize = 48;
+constexpr Size kSmallestBlockedSize = 56;
 
 Size largest(Size a, Size b, Size c) {
     const Size of_two = a > b ? a : b;
@@ -121,7 +121,7 @@ Size block_of_qr(Size height, Size width, QrBlocking blocking) {
     const Size count = reflections_of_qr(height, width);
     if (blocking.block > 0) return blocking.block;
     if (count < kSmallestBlockedSize) return 1;
-    return count < 400 ? 32 : 64;
+    return count < 192 ? 24 : count < 384 ? 32 : count < 768 ? 48 : 64;
 }
 
 template <class Real>

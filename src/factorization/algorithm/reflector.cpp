@@ -140,14 +140,34 @@ Reflection<Real> make_reflector(Strided<const Real> x, Strided<Real> u) {
             return {first, true};
         }
     }
-    if (x.data != u.data) kernel::copy(x, u);
-    kernel::scale(factor, u);
+    if (n <= 32) {
+        for (Size i = 1; i < n; ++i) u(i) = factor * x(i);
+    } else {
+        if (x.data != u.data) kernel::copy(x, u);
+        kernel::scale(factor, u);
+    }
     u(0) = head;
     return {std::scalbn(mu, exponent), false};
 }
 
 template <class Real>
 void reflect_from_left(Strided<const Real> u, View<Real> a, Strided<Real> w) {
+    if (a.width == 1) {
+        const Strided<Real> column = a.column(0);
+        w(0) = kernel::dot(u, reading(column));
+        kernel::axpy(-w(0), u, column);
+        return;
+    }
+    // Below this the way to the kernels takes longer than the work.
+    constexpr Size kTiny = 8;
+    if (a.height <= kTiny && a.width <= kTiny) {
+        for (Size j = 0; j < a.width; ++j) w(j) = 0;
+        for (Size i = 0; i < a.height; ++i)
+            for (Size j = 0; j < a.width; ++j) w(j) += u(i) * a(i, j);
+        for (Size i = 0; i < a.height; ++i)
+            for (Size j = 0; j < a.width; ++j) a(i, j) -= u(i) * w(j);
+        return;
+    }
     kernel::gemv(Real(1), reading(a.transposed()), u, kernel::Update::set, w);
     kernel::ger(Real(-1), u, reading(w), a);
 }

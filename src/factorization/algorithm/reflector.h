@@ -39,7 +39,7 @@ struct Reflection {
 template <class Real>
 Reflection<Real> make_reflector(Strided<const Real> x, Strided<Real> u);
 
-// A := (I - u u^T) A with w of A's width as scratch
+// w := A^T u, A := (I - u u^T) A = A - u w^T
 template <class Real>
 void reflect_from_left(Strided<const Real> u, View<Real> a, Strided<Real> w);
 
