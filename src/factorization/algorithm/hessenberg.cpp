@@ -14,7 +14,7 @@ using kernel::Update;
 
 namespace {
 
-constexpr Size kSmallestBlockedSize = 64;
+constexpr Size kSmallestBlockedSize = 56;
 
 template <class Real>
 void set_border_of_identity(View<Real> q) {
@@ -101,29 +101,32 @@ template <class Real>
 Outcome hessenberg_blocked(View<Real> a, const View<Real>* q, Size block) {
     const Size n = a.height;
     const Size count = n - 2;
-    const Size panel_size = block * padded_length(n);
-    Workspace<Real> u_elements(panel_size);
-    Workspace<Real> y_elements(panel_size);
-    Workspace<Real> w_elements(panel_size);
-    Workspace<Real> s_elements(block * (q != nullptr ? count : block) + block);
-    if (!u_elements || !y_elements || !w_elements || !s_elements) return {OutcomeKind::no_memory};
+    using S = Scratch<Real>;
+    const Size panel_size = 2 * block * padded_length(n);
     const Size kept = q != nullptr ? count : block;
-    const View<Real> couplings(s_elements.data(), block, kept, kept);
-    Real* const t = s_elements.data() + block * kept;
+    Workspace<Real> work(2 * S::rounded(panel_size) + S::rounded(block * kept) +
+                         S::rounded(block * block) + block);
+    if (!work) return {OutcomeKind::no_memory};
+    S scratch(work.data());
+    Real* const uy_elements = scratch.take(panel_size);
+    Real* const w_elements = scratch.take(panel_size);
+    const View<Real> couplings(scratch.take(block * kept), block, kept, kept);
+    Real* const uy_products = scratch.take(block * block);
+    Real* const t = scratch.take(block);
 
     for (Size k = 0; k < count; k += block) {
         const Size width = count - k < block ? count - k : block;
         const Size rows = n - k - 1;
-        const View<Real> u = scratch_by_columns(u_elements.data(), rows, width, a.row_stride);
-        const View<Real> y = scratch_by_columns(y_elements.data(), rows, width, a.row_stride);
+        const View<Real> uy = scratch_by_columns(uy_elements, rows, 2 * width, a.row_stride);
+        const View<Real> u = uy.columns(0, width);
+        const View<Real> y = uy.columns(width, width);
         const View<Real> s = couplings.block(0, q != nullptr ? k : 0, width, width);
         find_reflectors(a, k, {u, y, s, t});
 
         // Rows above: Y = A U T, and A := A - Y U^T for the columns from k + 1 on. Column k + 1 + i
         // belongs to row i of U.
         const View<Real> above = a.block(0, k + 1, k + 1, rows);
-        const View<Real> y_above =
-            scratch_by_columns(w_elements.data(), k + 1, width, a.row_stride);
+        const View<Real> y_above = scratch_by_columns(w_elements, k + 1, width, a.row_stride);
         kernel::gemm(Real(1), reading(above), reading(u), Update::set, y_above);
         // Y := Y T, the transposed problem
         kernel::trsm(Triangle::lower, Diagonal::unit, reading(s.transposed()),
@@ -131,14 +134,22 @@ Outcome hessenberg_blocked(View<Real> a, const View<Real>* q, Size block) {
         kernel::gemm(Real(-1), reading(y_above), reading(u.transposed()), Update::accumulate,
                      above);
 
-        // The trailing columns, below row k: from the right, then from the left. Columns of the
-        // panel are done.
+        // The trailing columns below row k, from both sides at once; columns of the panel are done.
+        // With U2 the rows of U that belong to them,
+        //   (I - U T U^T)^T (A - Y U2^T) = A - | U Y | | W   |,   W = T^T (U^T A - (U^T Y) U2^T)
+        //                                              | U2^T |
         const Size right = rows - width + 1;
         const View<Real> trailing = a.block(k + 1, k + width, rows, right);
-        kernel::gemm(Real(-1), reading(y), reading(u.rows(width - 1, right).transposed()),
-                     Update::accumulate, trailing);
-        apply_block_reflector(Side::q_transposed, reading(u), reading(s), trailing,
-                              scratch_by_rows(w_elements.data(), width, right, a.column_stride));
+        const View<Real> factors = scratch_by_rows(w_elements, 2 * width, right, a.column_stride);
+        const View<Real> w = factors.rows(0, width);
+        const View<Real> u2 = factors.rows(width, width);
+        const View<Real> uty(uy_products, width, width, width);
+        kernel::transpose(reading(u.rows(width - 1, right)), u2);
+        kernel::gemm(Real(1), reading(u.transposed()), reading(y), Update::set, uty);
+        kernel::gemm(Real(1), reading(u.transposed()), reading(trailing), Update::set, w);
+        kernel::gemm(Real(-1), reading(uty), reading(u2), Update::accumulate, w);
+        kernel::trsm(Triangle::lower, Diagonal::unit, reading(s.transposed()), w);
+        kernel::gemm(Real(-1), reading(uy), reading(factors), Update::accumulate, trailing);
         if (q != nullptr) kernel::copy(reading(u), q->block(k + 1, k + 1, rows, width));
     }
     if (q == nullptr) return Outcome::success();
@@ -160,7 +171,7 @@ Outcome hessenberg(View<Real> a, const View<Real>* q, Size block) {
                 for (Size j = 0; j < n; ++j) (*q)(i, j) = i == j;
         return Outcome::success();
     }
-    if (block == 0) block = n < kSmallestBlockedSize ? 1 : 32;
+    if (block == 0) block = n < kSmallestBlockedSize ? 1 : n < 160 ? 16 : n < 300 ? 24 : 32;
     return block == 1 ? hessenberg_plain(a, q) : hessenberg_blocked(a, q, block);
 }
 
