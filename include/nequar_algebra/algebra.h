@@ -2,4 +2,5 @@
 #pragma once
 
 #include "nequar_algebra/algebra/matrix_algebra.h"
+#include "nequar_algebra/algebra/triangular_algebra.h"
 #include "nequar_algebra/algebra/vector_algebra.h"

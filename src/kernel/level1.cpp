@@ -1,6 +1,7 @@
 // The face of level 1: contiguous and strided vectors.
 #include "kernel/dispatch.h"
 #include "kernel/kernel.h"
+#include "kernel/orientation.h"
 
 namespace nequar::kernel {
 
@@ -41,6 +42,7 @@ void fill(Size n, Real value, Real* out) {
 
 template <class Real>
 Real dot(Strided<const Real> x, Strided<const Real> y) {
+    turn_forwards(x, y);
     return table<Real>().dot(x.size, x.data, x.stride, y.data, y.stride);
 }
 
@@ -56,26 +58,31 @@ Real distance_squared(Strided<const Real> x, Strided<const Real> y) {
 
 template <class Real>
 void axpy(Real alpha, Strided<const Real> x, Strided<Real> y) {
+    turn_forwards(x, y);
     table<Real>().axpy(y.size, alpha, x.data, x.stride, y.data, y.stride);
 }
 
 template <class Real>
 void scale(Real alpha, Strided<Real> x) {
+    if (x.stride < 0 && x.size > 0) x = turned(x);
     table<Real>().scale(x.size, alpha, x.data, x.stride);
 }
 
 template <class Real>
 void copy(Strided<const Real> x, Strided<Real> y) {
+    turn_forwards(x, y);
     table<Real>().copy(y.size, x.data, x.stride, y.data, y.stride);
 }
 
 template <class Real>
 void swap(Strided<Real> x, Strided<Real> y) {
+    turn_forwards(x, y);
     table<Real>().swap(x.size, x.data, x.stride, y.data, y.stride);
 }
 
 template <class Real>
 void rotate(Strided<Real> x, Strided<Real> y, Real c, Real s) {
+    turn_forwards(x, y);
     table<Real>().rotate(x.size, x.data, x.stride, y.data, y.stride, c, s);
 }
 

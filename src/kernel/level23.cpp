@@ -2,6 +2,7 @@
 #include "kernel/block.h"
 #include "kernel/dispatch.h"
 #include "kernel/kernel.h"
+#include "kernel/orientation.h"
 
 namespace nequar::kernel {
 
@@ -13,6 +14,14 @@ void gemv(Real alpha, View<const Real> a, Strided<const Real> x, Update update, 
 
 template <class Real>
 void ger(Real alpha, Strided<const Real> x, Strided<const Real> y, View<Real> a) {
+    if (a.row_stride < 0 && a.height > 0) {
+        a = with_rows_turned(a);
+        x = turned(x);
+    }
+    if (a.column_stride < 0 && a.width > 0) {
+        a = with_columns_turned(a);
+        y = turned(y);
+    }
     table<Real>().ger(a.height, a.width, alpha, x.data, x.stride, y.data, y.stride, block_of(a));
 }
 
@@ -24,6 +33,7 @@ void trsv(Triangle triangle, Diagonal diagonal, View<const Real> t, Strided<Real
 
 template <class Real>
 void gemm(Real alpha, View<const Real> a, View<const Real> b, Update update, View<Real> c) {
+    turn_forwards(a, b, c);
     table<Real>().gemm(c.height, c.width, a.width, alpha, block_of(a), block_of(b),
                        update == Update::accumulate, block_of(c));
 }
@@ -31,6 +41,10 @@ void gemm(Real alpha, View<const Real> a, View<const Real> b, Update update, Vie
 template <class Real>
 void gemmt(Triangle triangle, Real alpha, View<const Real> a, View<const Real> b, Update update,
            View<Real> c) {
+    if (a.column_stride < 0 && b.row_stride < 0 && a.width > 0) {
+        a = with_columns_turned(a);
+        b = with_rows_turned(b);
+    }
     table<Real>().gemmt(triangle == Triangle::lower, c.height, a.width, alpha, block_of(a),
                         block_of(b), update == Update::accumulate, block_of(c));
 }
@@ -42,18 +56,29 @@ void syrk(Triangle triangle, Real alpha, View<const Real> a, Update update, View
 
 template <class Real>
 void trsm(Triangle triangle, Diagonal diagonal, View<const Real> t, View<Real> b) {
+    if (b.column_stride < 0 && b.width > 0) b = with_columns_turned(b);
     table<Real>().trsm(triangle == Triangle::lower, diagonal == Diagonal::unit, b.height, b.width,
                        block_of(t), block_of(b));
 }
 
 template <class Real>
 void trmm(Triangle triangle, Diagonal diagonal, View<const Real> t, View<Real> b) {
+    if (b.column_stride < 0 && b.width > 0) b = with_columns_turned(b);
     table<Real>().trmm(triangle == Triangle::lower, diagonal == Diagonal::unit, b.height, b.width,
                        block_of(t), block_of(b));
 }
 
 template <class Real>
 void copy(View<const Real> a, View<Real> b) {
+    if (b.is_empty()) return;
+    if (a.row_stride < 0 && b.row_stride < 0) {
+        a = with_rows_turned(a);
+        b = with_rows_turned(b);
+    }
+    if (a.column_stride < 0 && b.column_stride < 0) {
+        a = with_columns_turned(a);
+        b = with_columns_turned(b);
+    }
     table<Real>().copy_matrix(b.height, b.width, block_of(a), block_of(b));
 }
 
@@ -69,6 +94,9 @@ void transpose_in_place(View<Real> a) {
 
 template <class Real>
 void fill(Real value, View<Real> a) {
+    if (a.is_empty()) return;
+    if (a.row_stride < 0) a = with_rows_turned(a);
+    if (a.column_stride < 0) a = with_columns_turned(a);
     table<Real>().fill_matrix(a.height, a.width, value, block_of(a));
 }
 

@@ -12,6 +12,7 @@
 
 #include "kernel/dispatch.h"
 #include "kernel/kernel.h"
+#include "kernel/orientation.h"
 
 namespace nequar::kernel {
 
@@ -48,6 +49,7 @@ Real rescaled_norm(Size n, Element element) {
 
 template <class Real>
 Real norm2(Strided<const Real> x) {
+    if (x.stride < 0 && x.size > 0) x = turned(x);
     const Real sum = table<Real>().sum_of_squares(x.size, x.data, x.stride);
     if (stands(sum, x.size)) return std::sqrt(sum);
     return rescaled_norm<Real>(x.size, [&](Size i) { return x(i); });

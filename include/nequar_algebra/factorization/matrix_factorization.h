@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nequar_algebra/factorization/triangular_factorization.h"
+#include "nequar_algebra/factorization/hessenberg_factorization.h"
 
 namespace nequar {
 
@@ -8,8 +8,10 @@ namespace nequar {
 ///
 /// The operations come in families, each of which is a class that derives from the one before:
 ///
-///     CNqClass  <-  TriangularFactorization  <-  ...  <-  MatrixFactorization
-///                   LU, Cholesky, determinant
+///     CNqClass  <-  TriangularFactorization  <-  OrthogonalFactorization
+///                   LU, Cholesky, determinant    QR, QL, RQ, LQ, pivoting
+///               <-  HessenbergFactorization  <-  ...  <-  MatrixFactorization
+///                   Hessenberg, Givens QR
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //
@@ -18,7 +20,7 @@ namespace nequar {
 // defined, and the class instantiated for double and float, in sources of its own. A name that an
 // earlier family has already must be brought in by a using declaration, or it is hidden.
 template <class Real>
-class NEQUAR_API MatrixFactorization : public TriangularFactorization<Real> {
+class NEQUAR_API MatrixFactorization : public HessenbergFactorization<Real> {
 public:
     MatrixFactorization();
     MatrixFactorization(const MatrixFactorization&) = default;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nequar_algebra/linear_equation/triangular_solver.h"
+#include "nequar_algebra/linear_equation/orthogonal_solver.h"
 
 namespace nequar {
 
@@ -8,15 +8,16 @@ namespace nequar {
 ///
 /// The operations come in families, each of which is a class that derives from the one before:
 ///
-///     MatrixFactorization  <-  TriangularSolver  <-  ...  <-  LinearEquation
-///                              LU, Cholesky, Gauss-Jordan
+///     MatrixFactorization  <-  TriangularSolver  <-  OrthogonalSolver  <-  ...  <-  LinearEquation
+///                              LU, Cholesky,         QR, QL, RQ, LQ
+///                              Gauss-Jordan
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //
 // A new family is a class template of its own in this folder, with a protected default constructor:
 // it derives from the family that is now last, and LinearEquation from it.
 template <class Real>
-class NEQUAR_API LinearEquation : public TriangularSolver<Real> {
+class NEQUAR_API LinearEquation : public OrthogonalSolver<Real> {
 public:
     LinearEquation();
     LinearEquation(const LinearEquation&) = default;

@@ -1,0 +1,99 @@
+#include <gtest/gtest.h>
+
+#include "factorization/orthogonal_checks.h"
+#include "linear_equation/algorithm/orthogonal_solve.h"
+
+namespace nequar {
+namespace {
+
+using testing::Dense;
+using testing::random_dense;
+
+template <class Real>
+class OrthogonalSolve : public ::testing::Test {};
+using Reals = ::testing::Types<double, float>;
+TYPED_TEST_SUITE(OrthogonalSolve, Reals);
+
+const OrthogonalForm kForms[] = {OrthogonalForm::qr, OrthogonalForm::ql, OrthogonalForm::rq,
+                                 OrthogonalForm::lq};
+
+// Every form and blocking solves for one and for several right-hand sides in either layout, and
+// inverts.
+TYPED_TEST(OrthogonalSolve, SolvesAndInverts) {
+    using Real = TypeParam;
+    for (const OrthogonalForm form : kForms)
+        for (const Size n : {0, 1, 2, 7, 33, 70})
+            for (const QrBlocking& blocking : {QrBlocking{1, 1}, {3, 2}, {16, 4}, {0, 4}})
+                for (const Size k : {1, 5}) {
+                    SCOPED_TRACE(::testing::Message() << "form " << int(form) << " n " << n
+                                                      << " block " << blocking.block);
+                    const Dense<Real> input = random_dense<Real>(n, n);
+                    const Dense<Real> b = random_dense<Real>(n, k, 2);
+                    Dense<Real> a = input, x = b, inverse(n, n);
+                    ASSERT_TRUE(solve_by_orthogonal<Real>(form, a.view(), x.view(), blocking));
+                    const double size = 1 + testing::largest_magnitude<Real>(x.view());
+                    EXPECT_LT(testing::product_residual<Real>(b.view(), input.view(), x.view()),
+                              10 * size);
+                    Dense<Real> columns(k, n);
+                    for (Size i = 0; i < n; ++i)
+                        for (Size c = 0; c < k; ++c) columns(c, i) = b(i, c);
+                    a = input;
+                    ASSERT_TRUE(solve_by_orthogonal<Real>(form, a.view(),
+                                                          columns.view().transposed(), blocking));
+                    EXPECT_LT(testing::product_residual<Real>(b.view(), input.view(),
+                                                              columns.view().transposed()),
+                              10 * size);
+                    a = input;
+                    ASSERT_TRUE(invert_by_orthogonal(form, a.view(), inverse.view(), blocking));
+                    Dense<Real> identity(n, n);
+                    for (Size i = 0; i < n; ++i) identity(i, i) = 1;
+                    EXPECT_LT(testing::product_residual<Real>(identity.view(), input.view(),
+                                                              inverse.view()),
+                              10 * (1 + testing::largest_magnitude<Real>(inverse.view())));
+                }
+}
+
+TYPED_TEST(OrthogonalSolve, AZeroOnTheDiagonalOfTheTriangleIsSingular) {
+    using Real = TypeParam;
+    for (const OrthogonalForm form : kForms) {
+        Dense<Real> a(3, 3), b(3, 1, 1), inverse(3, 3);
+        a.elements = {1, 0, 0, 0, 0, 0, 0, 0, 2};
+        const Dense<Real> input = a;
+        const Outcome outcome = solve_by_orthogonal<Real>(form, a.view(), b.view());
+        EXPECT_EQ(outcome.kind, OutcomeKind::singular);
+        EXPECT_EQ(outcome.index, 1);
+        a = input;
+        EXPECT_EQ(invert_by_orthogonal(form, a.view(), inverse.view()).kind, OutcomeKind::singular);
+        a = input;
+        a(1, 1) = std::numeric_limits<Real>::denorm_min();
+        EXPECT_TRUE(solve_by_orthogonal<Real>(form, a.view(), b.view()));
+    }
+}
+
+// Given factors are applied as they are: Q^T before the triangle, Q itself after it.
+TYPED_TEST(OrthogonalSolve, GivenFactors) {
+    using Real = TypeParam;
+    const Size n = 6;
+    Dense<Real> unused = random_dense<Real>(n, n, 3), q(n, n), t = random_dense<Real>(n, n, 4);
+    ASSERT_TRUE(qr(unused.view(), q.view()));
+    for (Size i = 0; i < n; ++i) t(i, i) += 3;
+    for (const OrthogonalForm form : kForms) {
+        const bool lower = form == OrthogonalForm::ql || form == OrthogonalForm::lq;
+        const bool q_first = form == OrthogonalForm::qr || form == OrthogonalForm::ql;
+        Dense<Real> a(n, n), x = random_dense<Real>(n, 2, 5), w(n, 2);
+        const Dense<Real> b = x;
+        for (Size i = 0; i < n; ++i)
+            for (Size j = 0; j < n; ++j)
+                for (Size k = 0; k < n; ++k) {
+                    const Real left = lower ? (k >= j ? t(k, j) : 0) : (k <= j ? t(k, j) : 0);
+                    const Real right = lower ? (k <= i ? t(i, k) : 0) : (k >= i ? t(i, k) : 0);
+                    a(i, j) += q_first ? q(i, k) * left : right * q(j, k);
+                }
+        ASSERT_TRUE(
+            solve_with_orthogonal_factors<Real>(form, q.view(), t.view(), x.view(), w.view()));
+        EXPECT_LT(testing::product_residual<Real>(b.view(), a.view(), x.view()), 50);
+    }
+}
+
+}  // namespace
+}  // namespace nequar
