@@ -1,9 +1,14 @@
 #pragma once
 
+#include <cstddef>
+
 #include "nequar_algebra/algebra/matrix_algebra.h"
 #include "nequar_algebra/structured/triangular.h"
 
 namespace nequar {
+
+template <class Real>
+struct View;
 
 /// Triangular matrices: solves by substitution, inverses, and products of packed triangles; with
 /// the matrix arithmetic of its base.
