@@ -30,9 +30,13 @@ std::vector<const Table<Real>*> variants() {
         if (can_run(variant)) tables.push_back(&table_of<Real>(variant));
     }
     if constexpr (std::is_same_v<Real, double>) {
+#if !defined(NEQUAR_WITHOUT_WIDE_UNIT)
         tables.push_back(&wide::table_of_double());
+#endif
     } else {
+#if !defined(NEQUAR_WITHOUT_WIDE_UNIT)
         tables.push_back(&wide::table_of_float());
+#endif
     }
     return tables;
 }
