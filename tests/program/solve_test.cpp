@@ -226,8 +226,7 @@ TEST(ProgramDeterminant, KeepsItsSignAndItsRange) {
     EXPECT_TRUE(contains(determinant("2 2\n-1e200\n0\n0\n1e250\n"), "-10^450, beyond the range"));
 }
 
-// ---- real systems, where the folder of data is there
-// ---------------------------------------------
+// ---- real systems, where the folder of data is there -------------------------------------------
 
 class ProgramRealSystem : public testing::Test {
 protected:

@@ -48,8 +48,7 @@ NEQUAR_INLINE Block<Real> transposed(const Block<Real>& block) {
     return {block.data, block.column_stride, block.row_stride};
 }
 
-// ---- one block of C
-// -------------------------------------------------------------------------------
+// ---- one block of C ----------------------------------------------------------------------------
 
 // A block product: rows [i0, i0 + mc), columns [j0, j0 + nc) of C, kc steps. A and B are packed or
 // the operands themselves.
@@ -171,8 +170,7 @@ void multiply_block(const Product<Real>& product, const BlockProduct<Real>& bloc
     }
 }
 
-// ---- the loops over blocks
-// ------------------------------------------------------------------------
+// ---- the loops over blocks ---------------------------------------------------------------------
 
 // Block sizes, and whether A and B are packed.
 struct Blocking {
@@ -234,8 +232,7 @@ void multiply_in_blocks(const Product<Real>& product, const Blocking& blocking, 
     }
 }
 
-// ---- the choice of blocks
-// -------------------------------------------------------------------------
+// ---- the choice of blocks ----------------------------------------------------------------------
 
 inline constexpr unsigned kStackBytes = 32768;
 
@@ -300,8 +297,7 @@ void multiply(const Product<Real>& product) {
     release_scratch(buffer);
 }
 
-// ---- the entries
-// ----------------------------------------------------------------------------------
+// ---- the entries -------------------------------------------------------------------------------
 
 template <class Real>
 void clear_region(const Product<Real>& product) {

@@ -15,8 +15,7 @@ namespace nequar::kernel::NEQUAR_UNIT {
 
 inline constexpr unsigned kStretch = 1024;  // elements of a buffered vector
 
-// ---- rows contiguous
-// ------------------------------------------------------------------------------
+// ---- rows contiguous ---------------------------------------------------------------------------
 
 // sums[r] = A(r, :) x for R rows of n contiguous elements, x contiguous.
 template <unsigned R, class Real>
@@ -71,8 +70,7 @@ void gemv_rows(Size m, Size n, Real alpha, const Real* a, Size a_row, const Real
     }
 }
 
-// ---- columns contiguous
-// ---------------------------------------------------------------------------
+// ---- columns contiguous ------------------------------------------------------------------------
 
 // y := A(:, 0 ... C - 1) x (+ y), x scaled already, y contiguous.
 template <unsigned C, class Real>
@@ -117,8 +115,7 @@ void gemv_columns(Size m, Size n, Real alpha, const Real* a, Size a_column, cons
     }
 }
 
-// ---- entries
-// --------------------------------------------------------------------------------------
+// ---- entries -----------------------------------------------------------------------------------
 
 template <class Real>
 void gemv_any_strides(Size m, Size n, Real alpha, const Block<const Real>& a, const Real* x,

@@ -14,8 +14,7 @@
 
 namespace nequar::kernel::NEQUAR_UNIT {
 
-// ---- A
-// --------------------------------------------------------------------------------------------
+// ---- A -----------------------------------------------------------------------------------------
 
 // Rows r0 ... r0 + N - 1 of a panel whose columns are contiguous: out(p, :) <- A(:, p).
 template <unsigned N, class Real>
@@ -74,8 +73,7 @@ void pack_a(const Partition& rows, Size k, Block<const Real> a, Real* out) {
     }
 }
 
-// ---- B
-// --------------------------------------------------------------------------------------------
+// ---- B -----------------------------------------------------------------------------------------
 
 // `columns` columns of B as a panel of `panel` >= columns elements a row.
 template <class Real>

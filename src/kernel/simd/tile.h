@@ -38,8 +38,7 @@ struct TileTask {
 template <class Real>
 using TileKernel = void (*)(const TileTask<Real>&);
 
-// ---- the shapes of tiles
-// --------------------------------------------------------------------------
+// ---- the shapes of tiles -----------------------------------------------------------------------
 
 #if NEQUAR_VECTOR_BYTES == 64
 inline constexpr unsigned kMostVectors = 3;
@@ -58,8 +57,7 @@ constexpr unsigned most_rows(unsigned vectors) {
 #endif
 inline constexpr unsigned kMostRows = 12;
 
-// ---- the kernels
-// ----------------------------------------------------------------------------------
+// ---- the kernels -------------------------------------------------------------------------------
 
 // acc += A B over k steps.
 template <unsigned R, unsigned NV, bool Partial, bool Packed, class Real>

@@ -33,8 +33,7 @@ inline constexpr unsigned kTriangularRows = 6;
 inline constexpr unsigned kTriangularVectors = 2;
 #endif
 
-// ---- the packed triangle
-// --------------------------------------------------------------------------
+// ---- the packed triangle -----------------------------------------------------------------------
 
 template <class Real>
 struct PackedTriangle {
@@ -97,8 +96,7 @@ void pack_triangle(bool lower, bool unit, bool invert, Size m, Block<const Real>
     }
 }
 
-// ---- one tile of rows of a panel
-// ------------------------------------------------------------------
+// ---- one tile of rows of a panel ---------------------------------------------------------------
 
 // Rows x (R x NV vectors): x := D^-1 (x - T done) with `done` the k finished rows, D the R x R
 // triangle.
@@ -216,8 +214,7 @@ constexpr TriangularKernels<Real> all_triangular_kernels() {
 template <class Real>
 inline constexpr TriangularKernels<Real> kTriangularKernels = all_triangular_kernels<Real>();
 
-// ---- a packed triangle on all of B
-// ----------------------------------------------------------------
+// ---- a packed triangle on all of B -------------------------------------------------------------
 
 // The panel back to where it came from.
 template <class Real>
@@ -299,8 +296,7 @@ __attribute__((noinline)) void run_base(Task task, bool lower, bool unit, Size m
     }
 }
 
-// ---- recursion
-// ------------------------------------------------------------------------------------
+// ---- recursion ---------------------------------------------------------------------------------
 
 template <class Real>
 NEQUAR_INLINE Block<const Real> reading(const Block<Real>& block) {
@@ -347,8 +343,7 @@ void multiply_by_halves(bool lower, bool unit, Size m, Size n, Block<const Real>
     }
 }
 
-// ---- one right-hand side
-// --------------------------------------------------------------------------
+// ---- one right-hand side -----------------------------------------------------------------------
 
 inline constexpr Size kVectorBase =
     16;  // rows of a diagonal block that is solved element by element

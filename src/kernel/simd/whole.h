@@ -96,8 +96,7 @@ void copy_matrix(Size m, Size n, Block<const Real> a, Block<Real> b) {
     }
 }
 
-// ---- in place
-// -------------------------------------------------------------------------------------
+// ---- in place ----------------------------------------------------------------------------------
 
 // Two blocks across the diagonal change places, each transposed: P (height x width) at (i, j) and
 // Q (width x height) at (j, i); P = Q on the diagonal.
