@@ -203,7 +203,8 @@ double error_of_root(const Problem<Real>& a, const std::vector<Real>& r) {
         return multiply(transposed(f), Part::all, multiply(f, Part::all, v));
     };
     return scaled_difference<Real>(square(plain(a.rows, a.height, a.width)),
-                                   square(plain(r, a.height, a.width)), a.width);
+                                   square(plain(r, a.height, a.width)),
+                                   std::max(a.height, a.width));
 }
 
 #define NEQUAR_FOR(Real)                                                                     \

@@ -7,8 +7,6 @@
 
 namespace nequar {
 
-using kernel::Update;
-
 namespace {
 
 // Blocks pay when the trailing matrix is large beside a panel.
@@ -75,8 +73,8 @@ void qr_panel(View<Real> p, View<Real> u, View<Real> s, Size leaf, Real* w) {
     qr_panel(p2.rows(first, rows - first), u2, s.block(first, first, second, second), leaf, w);
     kernel::fill(Real(0), u.block(0, first, first, second));
     // S12 = U1^T U2, where U2 is zero in the first rows
-    kernel::gemm(Real(1), reading(u1.rows(first, rows - first).transposed()), reading(u2),
-                 Update::set, s.block(0, first, first, second));
+    couple_blocks(reading(u1.rows(first, rows - first)), reading(u2),
+                  s.block(0, first, first, second));
 }
 
 template <class Real>
