@@ -30,10 +30,11 @@ void set_identity(View<Real> a) {
 // multiply that error by the condition of T, a loss of orthogonality of 50 n eps where it is 5.
 template <class Add>
 void by_chunks(Size height, Add add) {
-    constexpr Size kChunk = 32;
-    add(0, height < kChunk ? height : kChunk, Update::set);
-    for (Size first = kChunk; first < height; first += kChunk)
-        add(first, height - first < kChunk ? height - first : kChunk, Update::accumulate);
+    constexpr Size kSmallest = 32, kMost = 16;
+    const Size chunk = height > kSmallest * kMost ? (height + kMost - 1) / kMost : kSmallest;
+    add(0, height < chunk ? height : chunk, Update::set);
+    for (Size first = chunk; first < height; first += chunk)
+        add(first, height - first < chunk ? height - first : chunk, Update::accumulate);
 }
 
 // W := T W or T^T W
