@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "core/workspace.h"
+#include "factorization/algorithm/range.h"
 #include "factorization/algorithm/reflector.h"
 #include "factorization/algorithm/scratch.h"
 #include "kernel/kernel.h"
@@ -35,7 +36,7 @@ Reflection<Real> reflector_of(Strided<const Real> line, Strided<Real> vector,
 }
 
 template <class Real>
-Outcome bidiagonalize_plain(View<Real> a, Real* d, Real* f, const BidiagonalStores<Real>* stores) {
+Outcome bidiagonalize_plain(View<Real> a, Real* d, Real* f, const BidiagonalStores<Real>& stores) {
     const Size m = a.height;
     const Size n = a.width;
     using S = Scratch<Real>;
@@ -43,14 +44,12 @@ Outcome bidiagonalize_plain(View<Real> a, Real* d, Real* f, const BidiagonalStor
     if (!work) return {OutcomeKind::no_memory};
     Real* const elements = work.data();
     Real* const w = elements + S::rounded(m);
-    const ReflectorStore<Real>* const left = stores != nullptr ? &stores->left : nullptr;
-    const ReflectorStore<Real>* const right = stores != nullptr ? &stores->right : nullptr;
     for (Size k = 0; k < n; ++k) {
         const Size rows = m - k;
         const Size columns = n - k - 1;
         const Strided<Real> u(elements, rows);
         const Reflection<Real> on_left =
-            reflector_of(reading(a.column(k).part(k, rows)), u, left, k);
+            reflector_of(reading(a.column(k).part(k, rows)), u, stores.left, k);
         d[k] = on_left.image;
         if (columns == 0) break;
         if (!on_left.is_none)
@@ -62,7 +61,7 @@ Outcome bidiagonalize_plain(View<Real> a, Real* d, Real* f, const BidiagonalStor
             continue;
         }
         const Strided<Real> v(elements, columns);
-        const Reflection<Real> on_right = reflector_of(reading(row), v, right, k);
+        const Reflection<Real> on_right = reflector_of(reading(row), v, stores.right, k);
         f[k] = on_right.image;
         if (!on_right.is_none)
             reflect_from_left(reading(v), a.block(k + 1, k + 1, rows - 1, columns).transposed(),
@@ -126,7 +125,7 @@ void scale_sum(View<const Real> below, Strided<const Real> row, Strided<const Re
 // Column j and row j of the panel are reduced; k is their place in the whole.
 template <class Real>
 void reduce_one(const Panel<Real>& panel, Size j, Size k, Real* d, Real* f,
-                const BidiagonalStores<Real>* stores) {
+                const BidiagonalStores<Real>& stores) {
     const View<Real>& a = panel.a;
     const Size rows = a.height - j;
     const Size columns = a.width - j - 1;
@@ -134,8 +133,7 @@ void reduce_one(const Panel<Real>& panel, Size j, Size k, Real* d, Real* f,
     const Strided<Real> column = a.column(j).part(j, rows);
     kernel::gemv(Real(-1), p, reading(panel.q.row(j).part(0, 2 * j)), Update::accumulate, column);
     const Strided<Real> u = panel.p.column(2 * j).part(j, rows);
-    const ReflectorStore<Real>* const left = stores != nullptr ? &stores->left : nullptr;
-    d[k] = reflector_of(reading(column), u, left, k).image;
+    d[k] = reflector_of(reading(column), u, stores.left, k).image;
     if (columns == 0) return;
 
     const Strided<Real> t(panel.t, 2 * j);
@@ -151,8 +149,7 @@ void reduce_one(const Panel<Real>& panel, Size j, Size k, Real* d, Real* f,
         for (Size i = 0; i < x.size; ++i) x(i) = 0;
         return;
     }
-    const ReflectorStore<Real>* const right = stores != nullptr ? &stores->right : nullptr;
-    const Reflection<Real> reflection = reflector_of(reading(row), v, right, k);
+    const Reflection<Real> reflection = reflector_of(reading(row), v, stores.right, k);
     f[k] = reflection.image;
     if (reflection.is_none) {
         for (Size i = 0; i < x.size; ++i) x(i) = 0;
@@ -166,18 +163,20 @@ void reduce_one(const Panel<Real>& panel, Size j, Size k, Real* d, Real* f,
                  Update::accumulate, x);
 }
 
-// Zeros above the reflectors of a block, and its coupling.
+// Zeros above the reflectors within each block, and the couplings.
 template <class Real>
-void finish_block(const ReflectorStore<Real>& store, Size k) {
-    if (k >= store.count()) return;
-    const View<Real> vectors = store.vectors_of_block(k);
-    for (Size j = 1; j < vectors.width; ++j) kernel::fill(Real(0), vectors.block(0, j, j, 1));
-    couple_reflectors(reading(vectors), store.coupling_of_block(k));
+void finish_blocks(const ReflectorStore<Real>* store) {
+    if (store == nullptr) return;
+    for (Size k = 0; k < store->count(); k += store->block) {
+        const View<Real> vectors = store->vectors_of_block(k);
+        for (Size j = 1; j < vectors.width; ++j) kernel::fill(Real(0), vectors.block(0, j, j, 1));
+        couple_reflectors(reading(vectors), store->coupling_of_block(k));
+    }
 }
 
 template <class Real>
-Outcome bidiagonalize_blocked(View<Real> a, Real* d, Real* f,
-                              const BidiagonalStores<Real>* stores, Size block) {
+Outcome bidiagonalize_blocked(View<Real> a, Real* d, Real* f, const BidiagonalStores<Real>& stores,
+                              Size block) {
     const Size m = a.height;
     const Size n = a.width;
     using S = Scratch<Real>;
@@ -215,21 +214,74 @@ Size block_of_bidiagonal(Size n) {
 }
 
 template <class Real>
-Outcome bidiagonalize(View<Real> a, Real* d, Real* f, const BidiagonalStores<Real>* stores,
+Outcome bidiagonalize(View<Real> a, Real* d, Real* f, const BidiagonalStores<Real>& stores,
                       Size block) {
-    if (stores != nullptr) block = stores->left.block;
     const Outcome outcome = block <= 1 ? bidiagonalize_plain(a, d, f, stores)
                                        : bidiagonalize_blocked(a, d, f, stores, block);
-    if (!outcome || stores == nullptr) return outcome;
-    for (Size k = 0; k < a.width; k += block) {
-        finish_block(stores->left, k);
-        finish_block(stores->right, k);
+    if (!outcome) return outcome;
+    finish_blocks(stores.left);
+    finish_blocks(stores.right);
+    return Outcome::success();
+}
+
+namespace {
+
+// Q := the product of the reflectors that lie in its first columns
+template <class Real>
+Outcome form_from_columns(const ReflectorStore<Real>& store, View<Real> q) {
+    if (store.block > 1) return form_orthogonal(store, q);
+    Workspace<Real> work(2 * Scratch<Real>::rounded(q.height));
+    if (!work) return {OutcomeKind::no_memory};
+    form_orthogonal_plain(reading(store.vectors), q, Scratch<Real>(work.data()));
+    return Outcome::success();
+}
+
+}  // namespace
+
+template <class Real>
+Outcome bidiagonalize_in_place(View<Real> a, Real largest, const View<Real>* u, const View<Real>* v,
+                               Size block) {
+    const Size n = a.width;
+    if (block == 0) block = block_of_bidiagonal(n);
+    const Size on_right = right_reflections(n);
+    using S = Scratch<Real>;
+    Workspace<Real> work(2 * S::rounded(n) + S::rounded(block * n) + S::rounded(block * on_right));
+    if (!work) return {OutcomeKind::no_memory};
+    S scratch(work.data());
+    Real* const d = scratch.take(n);
+    Real* const f = scratch.take(n);
+    ReflectorStore<Real> left, right;
+    BidiagonalStores<Real> stores;
+    View<Real> inner;  // of V: rows and columns from 1 on
+    if (u != nullptr) {
+        left = {u->columns(0, n), View<Real>(scratch.take(block * n), block, n, n), block};
+        stores.left = &left;
+    }
+    if (v != nullptr && n > 1) {
+        inner = v->block(1, 1, n - 1, n - 1);
+        right = {inner.columns(0, on_right),
+                 View<Real>(scratch.take(block * on_right), block, on_right, on_right), block};
+        stores.right = &right;
+    }
+    const int exponent = exponent_near_ends(largest);
+    scale_by_power_of_two(a, -exponent);
+    Outcome outcome = bidiagonalize(a, d, f, stores, block);
+    if (outcome && u != nullptr) outcome = form_from_columns(left, *u);
+    if (outcome && v != nullptr && n > 1) outcome = form_from_columns(right, inner);
+    if (!outcome) return outcome;
+    for (Size i = 0; v != nullptr && i < n; ++i) (*v)(0, i) = (*v)(i, 0) = i == 0;
+    kernel::fill(Real(0), a);
+    for (Size i = 0; i < n; ++i) {
+        a(i, i) = std::scalbn(d[i], exponent);
+        if (i + 1 < n) a(i, i + 1) = std::scalbn(f[i], exponent);
     }
     return Outcome::success();
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                                \
-    template Outcome bidiagonalize(View<Real>, Real*, Real*, const BidiagonalStores<Real>*, Size);
+#define NEQUAR_INSTANTIATE(Real)                                                                   \
+    template Outcome bidiagonalize(View<Real>, Real*, Real*, const BidiagonalStores<Real>&, Size); \
+    template Outcome bidiagonalize_in_place(View<Real>, Real, const View<Real>*,                   \
+                                            const View<Real>*, Size);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

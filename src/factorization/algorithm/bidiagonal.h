@@ -32,12 +32,12 @@
 
 namespace nequar {
 
-// Where the reflectors are kept: m x n vectors on the left, (n-1) x (n-2) on the right, and the
-// couplings of both. They have one block.
+// Where the reflectors are kept, unless null: m x n vectors on the left, (n-1) x (n-2) on the
+// right, each with their couplings. Their blocks are that of the reduction.
 template <class Real>
 struct BidiagonalStores {
-    ReflectorStore<Real> left;
-    ReflectorStore<Real> right;
+    const ReflectorStore<Real>* left = nullptr;
+    const ReflectorStore<Real>* right = nullptr;
 };
 
 inline Size right_reflections(Size n) {
@@ -47,10 +47,15 @@ inline Size right_reflections(Size n) {
 // Columns of a panel for a matrix of width n; 1: no blocks.
 Size block_of_bidiagonal(Size n);
 
-// d: n elements, f: n - 1. The reflectors are dropped when `stores` is null. The block is that of
-// the stores, or `block`. Quickest when the columns of A are contiguous.
+// d: n elements, f: n - 1. Quickest when the columns of A are contiguous.
 template <class Real>
-Outcome bidiagonalize(View<Real> a, Real* d, Real* f, const BidiagonalStores<Real>* stores,
+Outcome bidiagonalize(View<Real> a, Real* d, Real* f, const BidiagonalStores<Real>& stores,
                       Size block);
+
+// A := 0 but for B, U and V (unless null) the orthogonal factors; nothing overlaps. `largest` is
+// the largest magnitude of A, which is finite.
+template <class Real>
+Outcome bidiagonalize_in_place(View<Real> a, Real largest, const View<Real>* u, const View<Real>* v,
+                               Size block = 0);
 
 }  // namespace nequar

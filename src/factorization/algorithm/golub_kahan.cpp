@@ -1,14 +1,17 @@
 #include "factorization/algorithm/golub_kahan.h"
 
 #include <cmath>
+#include <initializer_list>
+#include <limits>
 
 namespace nequar {
 
 template <class Real>
 void deflate(Size n, const Real* d, Real* f) {
+    constexpr Real least = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
     for (Size i = 0; i + 1 < n; ++i) {
         const Real size = std::abs(d[i]) + std::abs(d[i + 1]);
-        if (std::abs(f[i]) + size == size) f[i] = 0;
+        if (std::abs(f[i]) + size == size || std::abs(f[i]) < least) f[i] = 0;
     }
 }
 
@@ -149,14 +152,43 @@ ZeroChase chase_zero(Real* d, Real* f, BidiagonalBlock block, ZeroChase chase,
     return chase;
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                            \
-    template void deflate(Size, const Real*, Real*);                                        \
-    template bool find_block(Size, const Real*, BidiagonalBlock&);                          \
-    template void first_vector(const Real*, const Real*, BidiagonalBlock, Real&, Real&);    \
-    template void golub_kahan_step(Real*, Real*, BidiagonalBlock, Rotation<Real>*,          \
-                                   Rotation<Real>*);                                        \
-    template ZeroChase find_zero(const Real*, const Real*, BidiagonalBlock);                \
-    template ZeroChase chase_zero(Real*, Real*, BidiagonalBlock, ZeroChase, Rotation<Real>*);
+namespace {
+
+template <class Real>
+inline void rotate(Real& x, Real& y, Rotation<Real> g) {
+    const Real old = x;
+    x = g.c * old - g.s * y;
+    y = g.s * old + g.c * y;
+}
+
+}  // namespace
+
+template <class Real>
+void rotate_columns(Real* const* rows, Size count, BidiagonalBlock block,
+                    const Rotation<Real>* rotations) {
+    for (Size i = 0; i < count; ++i)
+        for (Size j = block.begin; j + 1 < block.end; ++j)
+            rotate(rows[i][j], rows[i][j + 1], rotations[j]);
+}
+
+template <class Real>
+void rotate_columns(Real* const* rows, Size count, const ZeroChase& chase,
+                    const Rotation<Real>* rotations) {
+    for (Size i = 0; i < count; ++i)
+        for (Size j = 0; j < chase.count(); ++j)
+            rotate(rows[i][chase.line(j)], rows[i][chase.index], rotations[j]);
+}
+
+#define NEQUAR_INSTANTIATE(Real)                                                              \
+    template void deflate(Size, const Real*, Real*);                                          \
+    template bool find_block(Size, const Real*, BidiagonalBlock&);                            \
+    template void first_vector(const Real*, const Real*, BidiagonalBlock, Real&, Real&);      \
+    template void golub_kahan_step(Real*, Real*, BidiagonalBlock, Rotation<Real>*,            \
+                                   Rotation<Real>*);                                          \
+    template ZeroChase find_zero(const Real*, const Real*, BidiagonalBlock);                  \
+    template ZeroChase chase_zero(Real*, Real*, BidiagonalBlock, ZeroChase, Rotation<Real>*); \
+    template void rotate_columns(Real* const*, Size, BidiagonalBlock, const Rotation<Real>*); \
+    template void rotate_columns(Real* const*, Size, const ZeroChase&, const Rotation<Real>*);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

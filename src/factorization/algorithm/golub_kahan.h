@@ -1,7 +1,7 @@
 // The QR iteration on an upper bidiagonal matrix, B(i, i) = d(i), B(i, i+1) = f(i).
 //
-//   B = W_U B' W_V^T;  rotations from the right go into the columns of W_V, those from the left into
-//   the columns of W_U, all in the form of rotation.h:  (x, y) := (c x - s y, s x + c y)
+//   B = W_U B' W_V^T;  rotations from the right go into the columns of W_V, those from the left
+//   into the columns of W_U, all in the form of rotation.h:  (x, y) := (c x - s y, s x + c y)
 //
 // A block is the rows begin ... end-1 of B. It may hold zero superdiagonal elements, which part it
 // into pieces, and zero diagonal elements.
@@ -19,7 +19,8 @@ struct BidiagonalBlock {
     Size end = 0;
 };
 
-// f(i) := 0 where it vanishes beside its neighbours, |f(i)| + (|d(i)| + |d(i+1)|) == the sum.
+// f(i) := 0 where it vanishes beside its neighbours, |f(i)| + (|d(i)| + |d(i+1)|) == the sum, or is
+// too small for that to be told: in numbers about to lose their digits the steps would not end.
 template <class Real>
 void deflate(Size n, const Real* d, Real* f);
 
@@ -69,5 +70,13 @@ ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block);
 template <class Real>
 ZeroChase chase_zero(Real* d, Real* f, BidiagonalBlock block, ZeroChase chase,
                      Rotation<Real>* rotations);
+
+// Rotations applied to the columns of a matrix of `count` rows; nothing when it has none.
+template <class Real>
+void rotate_columns(Real* const* rows, Size count, BidiagonalBlock block,
+                    const Rotation<Real>* rotations);
+template <class Real>
+void rotate_columns(Real* const* rows, Size count, const ZeroChase& chase,
+                    const Rotation<Real>* rotations);
 
 }  // namespace nequar
