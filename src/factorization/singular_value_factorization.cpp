@@ -346,6 +346,30 @@ bool SingularValueFactorization<Real>::find_singular_values_in_100_steps(const V
                : this->fail("1", kDecompose);
 }
 
+template <class Real>
+bool SingularValueFactorization<Real>::fail_as_wide(const Matrix<Real>* a) const {
+    CNqString detail;
+    detail.fm_Format("(m,n)=(%d,%d)", a->mh(), a->mw());
+    this->set_error_detail(static_cast<CNqString&&>(detail));
+    this->zsm(CNqString::literal(kDecomposeToVector));
+    return false;
+}
+
+template <class Real>
+bool SingularValueFactorization<Real>::refuse_wide(const Matrix<Real>* a) const {
+    fail_as_wide(a);
+    return this->fail("1", kDecompose);
+}
+
+template <class Real>
+bool SingularValueFactorization<Real>::fits_left_of(const Matrix<Real>* u,
+                                                    const MatrixDiagonal<Real>* s) const {
+    const int count = s->mh() < s->mw() ? s->mh() : s->mw();
+    const bool has_leading = u->mw() == count || u->mw() == s->mh();
+    const bool is_whole = s->mh() == s->mw() && u->mw() == u->mh() && u->mw() >= count;
+    return s->vs() == count && (has_leading || is_whole);
+}
+
 // Everything but the outputs for the singular values themselves, of which there is room for n.
 template <class Real>
 bool SingularValueFactorization<Real>::decompose_into(const Matrix<Real>* a, Matrix<Real>* u,
@@ -354,13 +378,7 @@ bool SingularValueFactorization<Real>::decompose_into(const Matrix<Real>* a, Mat
     if (is_one_object(u, v)) return this->fail("1", kDecomposeToVector);
     const int m = a->mh();
     const int n = a->mw();
-    if (m < n) {
-        CNqString detail;
-        detail.fm_Format("(m,n)=(%d,%d)", m, n);
-        this->set_error_detail(static_cast<CNqString&&>(detail));
-        this->zsm(CNqString::literal(kDecomposeToVector));
-        return false;
-    }
+    if (m < n) return fail_as_wide(a);
     Real largest = 0;
     if (!find_largest(view_of(a), "3", kDecomposeToVector, largest)) return false;
     const bool is_output = u == a || v == a;
@@ -475,10 +493,7 @@ bool SingularValueFactorization<Real>::rsv_Reconstruct_matrix_via_Singular_Value
     const CNqClass::CallScope scope(this);
     int rank = 0;
     if (!u_rsv_Rank_based_on_SVD(s, tolerance, check, rank)) return this->fail("1", kReconstruct);
-    const int count = s->mh() < s->mw() ? s->mh() : s->mw();
-    const bool left_fits = u->mw() == s->mh() || (u->mw() > count && u->mh() == u->mw());
-    if (s->vs() != count || !left_fits || v->mw() != s->mw() || u->mw() < count)
-        return this->fail("2", kReconstruct);
+    if (!fits_left_of(u, s) || v->mw() != s->mw()) return this->fail("2", kReconstruct);
     return reconstruct(view_of(u), view_of(static_cast<const Vector<Real>*>(s)), view_of(v), rank,
                        out);
 }
@@ -495,9 +510,7 @@ bool SingularValueFactorization<Real>::rsv_Reconstruct_matrix_via_Singular_Value
     if (!leading || sigma.c_Create(n) == nullptr || v.c_Create(n, n) == nullptr)
         return this->fail(text::kOutOfMemory, kReconstruct);
     if (m < n) {
-        int iterations = 0;
-        decompose_into(a, nullptr, nullptr, sigma.p(), 1, iterations);
-        this->fail("1", kDecompose);
+        refuse_wide(a);
         return this->fail("1", kReconstruct);
     }
     const View<Real> u = matrix_view(leading.data(), m, n);

@@ -152,6 +152,11 @@ protected:
     /// grows with the order; a failure is recorded as `dsvb_…` does. Nothing may overlap.
     bool find_singular_values(const View<const Real>& a, Real* sigma, const View<Real>* u,
                               const View<Real>* v) const;
+    /// Records, as `dsvb_…` does, that a matrix with m < n is refused; always false.
+    bool refuse_wide(const Matrix<Real>* a) const;
+    /// Whether S holds the elements of its shape and U has the columns that belong to them: all, or
+    /// the leading ones alone.
+    bool fits_left_of(const Matrix<Real>* u, const MatrixDiagonal<Real>* s) const;
     /// Singular values alone, within 100 steps, recorded likewise.
     bool find_singular_values_in_100_steps(const View<const Real>& a, Real* sigma) const;
 
@@ -163,6 +168,7 @@ private:
                    std::int64_t limit, std::int64_t& made) const;
     bool decompose_into(const Matrix<Real>* a, Matrix<Real>* u, Matrix<Real>* v, Real* sigma,
                         int max_iterations, int& iterations) const;
+    bool fail_as_wide(const Matrix<Real>* a) const;
     bool reconstruct(const View<const Real>& u, Strided<const Real> sigma,
                      const View<const Real>& v, int rank, Matrix<Real>* out) const;
     bool is_block(const char* method, int n, const Real* f, int p, int q_end, int smallest) const;
