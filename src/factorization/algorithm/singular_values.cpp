@@ -8,6 +8,7 @@
 #include "factorization/algorithm/golub_kahan.h"
 #include "factorization/algorithm/qr.h"
 #include "factorization/algorithm/range.h"
+#include "factorization/algorithm/rotation_sweeps.h"
 #include "factorization/algorithm/scratch.h"
 #include "kernel/kernel.h"
 
@@ -51,11 +52,12 @@ struct Plan {
 
     Size elements() const {
         using S = Scratch<Real>;
-        Size sum = of_vectors(m, n) + 2 * S::rounded(n) + 2 * S::rounded(2 * n);
+        Size sum = of_vectors(m, n) + 2 * S::rounded(n) + S::rounded(4 * n);
         if (has_qr()) sum += of_vectors(n, n) + scratch_of_qr<Real>(m, n, 0, {});
         if (has_qr() && has_u) sum += of_store(m, n, qr_block);
-        if (has_u) sum += of_store(height, n, block) + of_vectors(n, n);
-        if (has_v) sum += of_store(n, n, block) + of_vectors(n, n);
+        const Size sweeps = S::rounded(RotationSweeps<Real>::scratch(n));
+        if (has_u) sum += of_store(height, n, block) + of_vectors(n, n) + sweeps;
+        if (has_v) sum += of_store(n, n, block) + of_vectors(n, n) + sweeps;
         if (has_u || has_v) sum += of_vectors(widest_target(), widest_block());
         return sum;
     }
@@ -76,24 +78,41 @@ void set_identity(View<Real> a) {
 
 // ---- the iteration -----------------------------------------------------------------------------
 
-// W^T by rows; without elements when nobody wants it.
+// W^T by rows, and the rotations that are still to be applied to it; without elements when nobody
+// wants it.
 template <class Real>
-void rotate_neighbours(View<Real> w, BidiagonalBlock block, const Rotation<Real>* rotations) {
-    if (w.is_empty()) return;
-    for (Size j = block.begin; j + 1 < block.end; ++j)
-        kernel::rotate(w.row(j), w.row(j + 1), rotations[j].c, rotations[j].s);
-}
+class Accumulator {
+public:
+    Accumulator(View<Real> w, Real* elements) : w_(w), sweeps_(elements, w.height) {}
 
-template <class Real>
-void rotate_with_zero(View<Real> w, const ZeroChase& chase, const Rotation<Real>* rotations) {
-    if (w.is_empty()) return;
-    for (Size i = 0; i < chase.count(); ++i)
-        kernel::rotate(w.row(chase.line(i)), w.row(chase.index), rotations[i].c, rotations[i].s);
-}
+    static Size scratch(Size n) { return RotationSweeps<Real>::scratch(n); }
 
+    // Where the rotations of a step on the block are to be written: that of rows j, j+1 to [j].
+    Rotation<Real>* begin(BidiagonalBlock block, Rotation<Real>* unwanted) {
+        if (w_.is_empty()) return unwanted;
+        if (sweeps_.is_full()) sweeps_.apply(w_);
+        return reinterpret_cast<Rotation<Real>*>(sweeps_.begin(block.begin, block.end - 1));
+    }
+    void rotate(const ZeroChase& chase, const Rotation<Real>* rotations) {
+        if (w_.is_empty()) return;
+        sweeps_.apply(w_);
+        for (Size i = 0; i < chase.count(); ++i)
+            kernel::rotate(w_.row(chase.line(i)), w_.row(chase.index), rotations[i].c,
+                           rotations[i].s);
+    }
+    void finish() {
+        if (!w_.is_empty()) sweeps_.apply(w_);
+    }
+
+private:
+    View<Real> w_;
+    RotationSweeps<Real> sweeps_;
+};
+
+// `rotations` has room for two of each row.
 template <class Real>
-void iterate(Size n, Real* d, Real* f, View<Real> wu, View<Real> wv, Rotation<Real>* right,
-             Rotation<Real>* left, SvdSteps& steps) {
+void iterate(Size n, Real* d, Real* f, Accumulator<Real>& wu, Accumulator<Real>& wv,
+             Rotation<Real>* rotations, SvdSteps& steps) {
     BidiagonalBlock block;
     steps.made = 0;
     steps.has_converged = false;
@@ -102,16 +121,16 @@ void iterate(Size n, Real* d, Real* f, View<Real> wu, View<Real> wv, Rotation<Re
         if (!find_block(n, f, block)) break;
         const ZeroChase zero = find_zero(d, f, block);
         if (zero.kind != ZeroChase::none) {
-            const ZeroChase chase = chase_zero(d, f, block, zero, left);
-            rotate_with_zero(chase.kind == ZeroChase::row ? wu : wv, chase, left);
+            const ZeroChase chase = chase_zero(d, f, block, zero, rotations);
+            (chase.kind == ZeroChase::row ? wu : wv).rotate(chase, rotations);
             continue;
         }
-        if (++steps.made >= steps.limit) return;
-        golub_kahan_step(d, f, block, right, left);
-        rotate_neighbours(wv, block, right);
-        rotate_neighbours(wu, block, left);
+        if (++steps.made >= steps.limit) break;
+        golub_kahan_step(d, f, block, wv.begin(block, rotations), wu.begin(block, rotations + n));
     }
-    steps.has_converged = true;
+    steps.has_converged = steps.made < steps.limit;
+    wu.finish();
+    wv.finish();
 }
 
 // Magnitudes of d into sigma, descending, equal ones in their order; signs go into V.
@@ -159,8 +178,7 @@ Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, S
     }
     Real* const d = scratch.take(n);
     Real* const f = scratch.take(n);
-    auto* const right = reinterpret_cast<Rotation<Real>*>(scratch.take(2 * n));
-    auto* const left = reinterpret_cast<Rotation<Real>*>(scratch.take(2 * n));
+    auto* const rotations = reinterpret_cast<Rotation<Real>*>(scratch.take(4 * n));
     BidiagonalStores<Real> stores;
     View<Real> wu, wv;
     if (plan.has_u) {
@@ -177,7 +195,13 @@ Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, S
     }
     const Outcome outcome = bidiagonalize(reduced, d, f, stores, plan.block);
     if (!outcome) return outcome;
-    iterate(n, d, f, wu, wv, right, left, steps);
+    {
+        Accumulator<Real> on_left(
+            wu, plan.has_u ? scratch.take(Accumulator<Real>::scratch(n)) : nullptr);
+        Accumulator<Real> on_right(
+            wv, plan.has_v ? scratch.take(Accumulator<Real>::scratch(n)) : nullptr);
+        iterate(n, d, f, on_left, on_right, rotations, steps);
+    }
     sort_into(n, d, wv, exponent, order.data(), targets.sigma);
     if (!plan.has_u && !plan.has_v) return Outcome::success();
 
