@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nequar_algebra/factorization/symmetric_eigen_factorization.h"
+#include "nequar_algebra/factorization/subspace_factorization.h"
 
 namespace nequar {
 
@@ -12,7 +12,8 @@ namespace nequar {
 ///                   LU, Cholesky, determinant    QR, QL, RQ, LQ, pivoting
 ///               <-  HessenbergFactorization  <-  SymmetricEigenFactorization
 ///                   Hessenberg, Givens QR        eigenvalues, tridiagonal forms
-///               <-  ...  <-  MatrixFactorization
+///               <-  SingularValueFactorization  <-  SubspaceFactorization  <-  MatrixFactorization
+///                   singular values                 rank, subspaces
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //
@@ -21,7 +22,7 @@ namespace nequar {
 // defined, and the class instantiated for double and float, in sources of its own. A name that an
 // earlier family has already must be brought in by a using declaration, or it is hidden.
 template <class Real>
-class NEQUAR_API MatrixFactorization : public SymmetricEigenFactorization<Real> {
+class NEQUAR_API MatrixFactorization : public SubspaceFactorization<Real> {
 public:
     MatrixFactorization();
     MatrixFactorization(const MatrixFactorization&) = default;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nequar_algebra/linear_equation/eigen_solver.h"
+#include "nequar_algebra/linear_equation/spectral_solver.h"
 
 namespace nequar {
 
@@ -11,14 +11,15 @@ namespace nequar {
 ///     MatrixFactorization  <-  TriangularSolver  <-  OrthogonalSolver  <-  EigenSolver
 ///                              LU, Cholesky,         QR, QL, RQ, LQ        symmetric matrices
 ///                              Gauss-Jordan
-///                          <-  ...  <-  LinearEquation
+///                          <-  SpectralSolver  <-  ...  <-  LinearEquation
+///                              singular values
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //
 // A new family is a class template of its own in this folder, with a protected default constructor:
 // it derives from the family that is now last, and LinearEquation from it.
 template <class Real>
-class NEQUAR_API LinearEquation : public EigenSolver<Real> {
+class NEQUAR_API LinearEquation : public SpectralSolver<Real> {
 public:
     LinearEquation();
     LinearEquation(const LinearEquation&) = default;
