@@ -32,6 +32,7 @@ template <class Real> void add_constant(Size n, const Real* a, Real c, Real* out
 template <class Real> void scale(Size n, const Real* a, Real c, Real* out);  // out = c a
 template <class Real> void multiply_elementwise(Size n, const Real* a, const Real* b, Real* out);
 template <class Real> void fill(Size n, Real value, Real* out);
+template <class Real> void add_reversed(Size n, Real alpha, Real* x);  // x_i += alpha x_{n-1-i}
 
 // ---- level 1, strided (any stride, zero and negative included where they make sense) ------------
 

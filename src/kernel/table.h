@@ -36,6 +36,7 @@ struct Table {
     void (*multiply_by)(std::ptrdiff_t n, const Real* a, Real c, Real* out);
     void (*multiply_elementwise)(std::ptrdiff_t n, const Real* a, const Real* b, Real* out);
     void (*fill)(std::ptrdiff_t n, Real value, Real* out);
+    void (*add_reversed)(std::ptrdiff_t n, Real alpha, Real* x);
 
     // ---- level 1, strided: each vector is followed by its stride ----
     Real (*dot)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx, const Real* y,

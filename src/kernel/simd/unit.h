@@ -24,6 +24,7 @@ constexpr Table<Real> table_named(const char* name) {
         .multiply_by = multiply_by<Real>,
         .multiply_elementwise = multiply_elementwise<Real>,
         .fill = fill<Real>,
+        .add_reversed = add_reversed<Real>,
         .dot = dot<Real>,
         .sum_of_magnitudes = sum_of_magnitudes<Real>,
         .sum_of_squares = sum_of_squares<Real>,
