@@ -1,26 +1,8 @@
 #include "sparse/algorithm/dense.h"
 
+#include "sparse/algorithm/nonzeros.h"
+
 namespace nequar {
-namespace {
-
-// Calls visit(i) for every x[i] other than 0.0; blocks of zeros are passed over at once.
-template <class Real, class Visit>
-void for_nonzeros(const Real* x, Size count, const Visit& visit) {
-    constexpr Size kBlock = 8;
-    Size i = 0;
-    for (; i + kBlock <= count; i += kBlock) {
-        int nonzeros = 0;
-        for (Size k = 0; k < kBlock; ++k) nonzeros += x[i + k] != Real(0);
-        if (nonzeros == 0) continue;
-        for (Size k = 0; k < kBlock; ++k)
-            if (x[i + k] != Real(0)) visit(i + k);
-    }
-    for (; i < count; ++i)
-        if (x[i] != Real(0)) visit(i);
-}
-
-}  // namespace
-
 template <class Real>
 Size count_nonzeros(View<const Real> a, int* start) {
     std::fill(start, start + a.width + 1, 0);
