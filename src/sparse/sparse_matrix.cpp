@@ -13,6 +13,7 @@
 #include "sparse/inside.h"
 #include "sparse/matrix_lines_impl.h"
 #include "sparse/matrix_operations_impl.h"
+#include "sparse/matrix_self_test_impl.h"
 
 namespace nequar {
 

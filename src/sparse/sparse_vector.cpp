@@ -11,6 +11,7 @@
 #include "sparse/fault_text.h"
 #include "sparse/inside.h"
 #include "sparse/vector_operations_impl.h"
+#include "sparse/vector_self_test_impl.h"
 
 namespace nequar {
 
