@@ -1,5 +1,6 @@
 // SparseSymmetricMatrix: creation, elements, arithmetic, statistics. What leads to other kinds of
-// matrices and vectors is defined in symmetric_conversions_impl.h, which only this unit includes.
+// matrices and vectors, and the self-tests, are defined in the _impl.h files, which only this unit
+// includes.
 #include "nequar_algebra/sparse/sparse_symmetric_matrix.h"
 
 #include <utility>
@@ -11,6 +12,7 @@
 #include "sparse/fault_text.h"
 #include "sparse/inside.h"
 #include "sparse/symmetric_conversions_impl.h"
+#include "sparse/symmetric_self_test_impl.h"
 
 namespace nequar {
 

@@ -199,6 +199,40 @@ public:
         return maxmin(minimum, xmax, ymax, xmin, ymin);
     }
 
+    // ---- self-tests -----------------------------------------------------------------------------
+    //
+    // As those of the sparse matrix, of the size n x n: "2" is the code of n, "4" of the density,
+    // "5" of the repetitions, "6" of the range.
+
+    /// A random matrix: `number_of_non_zeros` positions among all n^2, drawn with repetition, get
+    /// values of min … max, and so do their mirrors: at most that many elements are stored. s and
+    /// its dense twin a may be null. "1": n or number; "2": range; "3", "4": the matrices cannot be
+    /// made.
+    bool u_mrsm_Make_a_Random_Sparse_Matrix(int n, int number_of_non_zeros, double min, double max,
+                                            SparseSymmetricMatrix* s,
+                                            Matrix<Real>* a = nullptr) const;
+    /// Elements, statistics, norms, scalar operators with the constant given (if it is 0.0,
+    /// division has to fail); a constant that is not finite is refused ("1").
+    bool u_toe_Test_Operations_Elementary(int n, double density, double min, double max,
+                                          double constant, int repetitions);
+    /// Every part of a column (row) read, and written into another matrix element by element.
+    bool u_toc_Test_Operations_for_Columns(int n, double density, double min, double max,
+                                           int repetitions);
+    bool u_tor_Test_Operations_for_Rows(int n, double density, double min, double max,
+                                        int repetitions);
+    /// Every block read; those on the diagonal imported from either half.
+    bool u_tob_Test_Operations_for_Blocks(int n, double density, double min, double max,
+                                          int repetitions);
+    /// Sums, products and distances of two matrices, the rank-one update, imports and exports.
+    bool u_tom_Test_Operations_with_Matrices(int n, double density, double min, double max,
+                                             int repetitions);
+    /// All of them in this order, each with its repetitions, to the first that fails; its name is
+    /// the error detail.
+    bool u_tot_Test_Operations_Total(int n, double density, double min, double max, double constant,
+                                     int repetitions_elementary, int repetitions_columns,
+                                     int repetitions_rows, int repetitions_blocks,
+                                     int repetitions_matrices);
+
 private:
     Real extremum(bool largest, int* x, int* y, const char* method) const;
 };
