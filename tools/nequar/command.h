@@ -25,5 +25,11 @@ std::span<const Command> command_table();
 Action declare_solve(CLI::App& arguments);
 Action declare_determinant(CLI::App& arguments);
 Action declare_info(CLI::App& arguments);
+Action declare_qr(CLI::App& arguments);
+Action declare_ql(CLI::App& arguments);
+Action declare_rq(CLI::App& arguments);
+Action declare_lq(CLI::App& arguments);
+Action declare_cod(CLI::App& arguments);
+Action declare_hessenberg(CLI::App& arguments);
 
 }  // namespace program

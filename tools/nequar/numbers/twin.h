@@ -16,6 +16,7 @@ struct Twin<double> {
     using Symmetric = CNqMatrix_Symmetric;
     using Lower = CNqMatrix_TriangularLower;
     using Upper = CNqMatrix_TriangularUpper;
+    using Algebra = LCNqAlgebra_for_Matrix;
     using Solver = LCNqUtility_for_Linear_Equation;
 };
 
@@ -27,6 +28,7 @@ struct Twin<float> {
     using Symmetric = CNqMatrixFloat_Symmetric;
     using Lower = CNqMatrixFloat_TriangularLower;
     using Upper = CNqMatrixFloat_TriangularUpper;
+    using Algebra = LCNqAlgebra_for_MatrixFloat;
     using Solver = LCNqUtility_for_Linear_Equation_Float;
 };
 
