@@ -14,15 +14,6 @@ constexpr const char* kSolve = "slet_Solve_Linear_Equation_for_Triangular_matrix
 constexpr const char* kInvert = "imt_Inverse_Matrix_for_Triangular_matrix";
 
 template <class Real>
-View<Real> columns_to_fill(Matrix<Real>* x) {
-    return view_of(x);
-}
-template <class Real>
-View<Real> columns_to_fill(Vector<Real>* x) {
-    return {x->p(), x->vs(), 1, 1, 1};
-}
-
-template <class Real>
 void solve_triangle(bool lower, View<const Real> t, View<Real> x) {
     const kernel::Triangle triangle = lower ? kernel::Triangle::lower : kernel::Triangle::upper;
     if (x.width == 1)
@@ -40,6 +31,12 @@ bool overlap(const Matrix<Real>* t, const View<Real>& x) {
 template <class Packed>
 bool is_whole_square(const Packed* t) {
     return t->mh() == t->mw() && holds_its_elements(t);
+}
+
+template <class Real>
+void set_identity(const View<Real>& a) {
+    kernel::fill(Real(0), a);
+    for (Size i = 0; i < a.height; ++i) a(i, i) = 1;
 }
 
 constexpr bool is_lower(TriangleSide side) {
@@ -86,7 +83,7 @@ template <class Object>
 bool AlgebraForMatrixSpecial<Real>::solve_copy(bool lower, const View<const Real>& t,
                                                const Object* b, Object* x) const {
     if (x->cp_Copy(b) == nullptr) return this->fail(kCannotSizeOutput, kSolve);
-    const View<Real> columns = columns_to_fill(x);
+    const View<Real> columns = columns_of(x);
     if (!can_solve(t, columns.height)) return false;
     solve_triangle(lower, t, columns);
     return true;
@@ -106,7 +103,8 @@ template <class Real>
 template <TriangleSide side, class Object>
 bool AlgebraForMatrixSpecial<Real>::solve_packed(const MatrixTriangular<Real, side>* t,
                                                  const Object* b, Object* x) const {
-    if (!is_whole_square(t)) return this->fail("1", kSolve);
+    if (!is_whole_square(t))
+        return this->fail(x->cp_Copy(b) == nullptr ? kCannotSizeOutput : "1", kSolve);
     const TemporaryMatrix<Real> dense(t->mh(), t->mw());
     if (!dense) return this->fail(kOutOfMemory, kSolve);
     unpack_lower(t->p(), as_lower(side, dense.view()));
@@ -158,8 +156,7 @@ bool AlgebraForMatrixSpecial<Real>::invert(bool lower, const View<const Real>& t
         invert_lower(lower ? t : t.transposed(), lower ? x : x.transposed());
         return true;
     }
-    kernel::fill(Real(0), x);
-    for (Size i = 0; i < n; ++i) x(i, i) = 1;
+    set_identity(x);
     return this->fail("2", kInvert);
 }
 
@@ -177,6 +174,9 @@ bool AlgebraForMatrixSpecial<Real>::invert_packed(const MatrixTriangular<Real, s
                                                   Matrix<Real>* inverse) const {
     const CNqClass::CallScope scope(this);
     if (!is_whole_square(t)) {
+        const int n = t->mh();
+        if (inverse->c_Create(n, n) == nullptr) return this->fail("1", kInvert);
+        set_identity(view_of(inverse));
         this->fail("1", kSolve);
         return this->fail("2", kInvert);
     }

@@ -7,6 +7,7 @@
 #include "kernel/simd/gemm.h"
 #include "kernel/simd/level2.h"
 #include "kernel/simd/reduction.h"
+#include "kernel/simd/rotations.h"
 #include "kernel/simd/triangular.h"
 #include "kernel/simd/whole.h"
 
@@ -53,6 +54,9 @@ constexpr Table<Real> table_named(const char* name) {
         .lu_panel = lu_panel<Real>,
         .last_largest_of_columns = last_largest_of_columns<Real>,
         .eliminate_column = eliminate_column<Real>,
+        .rotate_rows = rotate_rows<Real>,
+        .rotate_with_rows = rotate_with_rows<Real>,
+        .symv_upper = symv_upper<Real>,
     };
 }
 
