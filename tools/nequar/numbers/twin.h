@@ -13,6 +13,7 @@ struct Twin<double> {
     static constexpr const char* precision = "double";
     using Matrix = CNqMatrix;
     using Vector = CNqVector;
+    using Diagonal = CNqMatrix_Diagonal;
     using Symmetric = CNqMatrix_Symmetric;
     using Lower = CNqMatrix_TriangularLower;
     using Upper = CNqMatrix_TriangularUpper;
@@ -25,6 +26,7 @@ struct Twin<float> {
     static constexpr const char* precision = "single";
     using Matrix = CNqMatrixFloat;
     using Vector = CNqVectorFloat;
+    using Diagonal = CNqMatrixFloat_Diagonal;
     using Symmetric = CNqMatrixFloat_Symmetric;
     using Lower = CNqMatrixFloat_TriangularLower;
     using Upper = CNqMatrixFloat_TriangularUpper;
