@@ -39,5 +39,9 @@ Action declare_null(CLI::App& arguments);
 Action declare_range(CLI::App& arguments);
 Action declare_pinv(CLI::App& arguments);
 Action declare_inverse(CLI::App& arguments);
+Action declare_sparse_info(CLI::App& arguments);
+Action declare_transpose(CLI::App& arguments);
+Action declare_add(CLI::App& arguments);
+Action declare_self_test(CLI::App& arguments);
 
 }  // namespace program

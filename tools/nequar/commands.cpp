@@ -21,6 +21,10 @@ std::span<const Command> command_table() {
         {"range", "an orthonormal basis of the range", declare_range},
         {"pinv", "the Moore-Penrose pseudo-inverse", declare_pinv},
         {"inverse", "the inverse of a square matrix", declare_inverse},
+        {"sparse-info", "density, bandwidth, statistics of a sparse matrix", declare_sparse_info},
+        {"transpose", "the transpose of a sparse matrix", declare_transpose},
+        {"add", "the sum of two sparse matrices", declare_add},
+        {"self-test", "the library's own tests of its sparse types", declare_self_test},
     };
     return commands;
 }

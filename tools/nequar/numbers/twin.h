@@ -17,6 +17,9 @@ struct Twin<double> {
     using Symmetric = CNqMatrix_Symmetric;
     using Lower = CNqMatrix_TriangularLower;
     using Upper = CNqMatrix_TriangularUpper;
+    using SparseVector = CNqSvector;
+    using Sparse = CNqSmatrix;
+    using SparseSymmetric = CNqSmatrix_Symmetric;
     using Algebra = LCNqAlgebra_for_Matrix;
     using Solver = LCNqUtility_for_Linear_Equation;
 };
@@ -30,6 +33,9 @@ struct Twin<float> {
     using Symmetric = CNqMatrixFloat_Symmetric;
     using Lower = CNqMatrixFloat_TriangularLower;
     using Upper = CNqMatrixFloat_TriangularUpper;
+    using SparseVector = CNqSvectorFloat;
+    using Sparse = CNqSmatrixFloat;
+    using SparseSymmetric = CNqSmatrixFloat_Symmetric;
     using Algebra = LCNqAlgebra_for_MatrixFloat;
     using Solver = LCNqUtility_for_Linear_Equation_Float;
 };

@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kWidth = 720, kHeight = 440;
 constexpr double kLeft = 90, kRight = 20, kTop = 46, kBottom = 62;
+constexpr double kLetter = 6.6;  // the width of one, about
 constexpr const char* kColours[] = {"#1f5fa8", "#c4452d", "#3a8a4d", "#8a5aa8"};
 
 std::string escaped(const std::string& text) {
@@ -150,6 +151,7 @@ std::string svg_of(const Chart& chart) {
         kTop + height / 2, escaped(chart.y_name));
 
     std::size_t index = 0;
+    double legend_end = kLeft + width;  // it grows to the left
     for (const Series& series : chart.series) {
         const char* colour = kColours[index % std::size(kColours)];
         std::string line, marks;
@@ -164,10 +166,11 @@ std::string svg_of(const Chart& chart) {
             svg += fmt::format("<path d=\"{}\" fill=\"none\" stroke=\"{}\"/>\n", line, colour);
         svg += fmt::format("<g fill=\"{}\">\n{}</g>\n", colour, marks);
         if (!series.name.empty()) {
-            const double y = kTop + 18 + 18 * static_cast<double>(index);
-            svg += fmt::format("<circle cx=\"{:.1f}\" cy=\"{:.1f}\" r=\"4\" fill=\"{}\"/>\n",
-                               kLeft + width - 14, y - 4, colour);
-            svg += text_at(kLeft + width - 24, y, series.name, "text-anchor=\"end\"");
+            legend_end -= kLetter * static_cast<double>(series.name.size());
+            svg += text_at(legend_end, 40, series.name, "");
+            svg += fmt::format("<circle cx=\"{:.1f}\" cy=\"36\" r=\"4\" fill=\"{}\"/>\n",
+                               legend_end - 8, colour);
+            legend_end -= 28;
         }
         ++index;
     }
