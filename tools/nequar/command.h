@@ -43,5 +43,10 @@ Action declare_sparse_info(CLI::App& arguments);
 Action declare_transpose(CLI::App& arguments);
 Action declare_add(CLI::App& arguments);
 Action declare_self_test(CLI::App& arguments);
+Action declare_pca(CLI::App& arguments);
+Action declare_stats(CLI::App& arguments);
+Action declare_density(CLI::App& arguments);
+Action declare_toeplitz(CLI::App& arguments);
+Action declare_interpolate(CLI::App& arguments);
 
 }  // namespace program

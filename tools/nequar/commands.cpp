@@ -25,6 +25,11 @@ std::span<const Command> command_table() {
         {"transpose", "the transpose of a sparse matrix", declare_transpose},
         {"add", "the sum of two sparse matrices", declare_add},
         {"self-test", "the library's own tests of its sparse types", declare_self_test},
+        {"pca", "principal components of a table of samples", declare_pca},
+        {"stats", "mean and deviation of the columns of a table", declare_stats},
+        {"density", "the density of the population behind a table", declare_density},
+        {"toeplitz", "solve with, or invert, a symmetric Toeplitz matrix", declare_toeplitz},
+        {"interpolate", "the polynomial through given points", declare_interpolate},
     };
     return commands;
 }

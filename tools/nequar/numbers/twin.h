@@ -17,6 +17,10 @@ struct Twin<double> {
     using Symmetric = CNqMatrix_Symmetric;
     using Lower = CNqMatrix_TriangularLower;
     using Upper = CNqMatrix_TriangularUpper;
+    using Toeplitz = CNqMatrix_Toeplitz_Symmetric;
+    using Vandermonde = CNqMatrix_Vandermonde;
+    using Random = CNqRandom_Number_Generator_Advanced;
+    using Pca = CNqPrPca;
     using SparseVector = CNqSvector;
     using Sparse = CNqSmatrix;
     using SparseSymmetric = CNqSmatrix_Symmetric;
@@ -33,6 +37,10 @@ struct Twin<float> {
     using Symmetric = CNqMatrixFloat_Symmetric;
     using Lower = CNqMatrixFloat_TriangularLower;
     using Upper = CNqMatrixFloat_TriangularUpper;
+    using Toeplitz = CNqMatrixFloat_Toeplitz_Symmetric;
+    using Vandermonde = CNqMatrixFloat_Vandermonde;
+    using Random = CNqRandomFloat_Number_Generator_Advanced;
+    using Pca = CNqPrPcaFloat;
     using SparseVector = CNqSvectorFloat;
     using Sparse = CNqSmatrixFloat;
     using SparseSymmetric = CNqSmatrixFloat_Symmetric;

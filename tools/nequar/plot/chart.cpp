@@ -184,6 +184,12 @@ std::string svg_of(const Chart& chart) {
     return svg + "</svg>\n";
 }
 
+std::string above(const std::string& upper_svg, const std::string& lower_svg) {
+    return head(kWidth, 2 * kHeight) + upper_svg +
+           fmt::format("<g transform=\"translate(0 {})\">\n", kHeight) + lower_svg +
+           "</g>\n</svg>\n";
+}
+
 PatternPicture::PatternPicture(std::string title, int height, int width)
     : title_(std::move(title)),
       height_(height),

@@ -31,6 +31,9 @@ struct Chart {
 
 std::string svg_of(const Chart& chart);
 
+// One picture above another, as one.
+std::string above(const std::string& upper_svg, const std::string& lower_svg);
+
 // The pattern of a height x width matrix: one mark for each cell of a raster of at most 400 x 400
 // in which an element is stored, the darker the fuller the cell is.
 class PatternPicture {
