@@ -1,4 +1,5 @@
 // Stands for Eigen where it was not found.
+#include "peers/orthogonal.h"
 #include "peers/peers.h"
 
 namespace bench {
@@ -9,6 +10,15 @@ const Peer<double>* eigen() {
 }
 template <>
 const Peer<float>* eigen() {
+    return nullptr;
+}
+
+template <>
+const OrthogonalPeer<double>* orthogonal_eigen() {
+    return nullptr;
+}
+template <>
+const OrthogonalPeer<float>* orthogonal_eigen() {
     return nullptr;
 }
 

@@ -1,4 +1,5 @@
 // Stands for OpenBLAS where it was not found.
+#include "peers/orthogonal.h"
 #include "peers/peers.h"
 
 namespace bench {
@@ -9,6 +10,15 @@ const Peer<double>* openblas() {
 }
 template <>
 const Peer<float>* openblas() {
+    return nullptr;
+}
+
+template <>
+const OrthogonalPeer<double>* orthogonal_openblas() {
+    return nullptr;
+}
+template <>
+const OrthogonalPeer<float>* orthogonal_openblas() {
     return nullptr;
 }
 

@@ -19,6 +19,8 @@ struct Twin {
     using Vector = Choose<CNqVector, CNqVectorFloat>;
     using Symmetric = Choose<CNqMatrix_Symmetric, CNqMatrixFloat_Symmetric>;
     using Algebra = Choose<LCNqAlgebra_for_Matrix, LCNqAlgebra_for_MatrixFloat>;
+    using TriangularAlgebra =
+        Choose<LCNqAlgebra_for_Matrix_Special, LCNqAlgebra_for_MatrixFloat_Special>;
     using Solver = Choose<LCNqUtility_for_Linear_Equation, LCNqUtility_for_Linear_Equation_Float>;
 };
 

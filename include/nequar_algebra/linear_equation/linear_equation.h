@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nequar_algebra/linear_equation/orthogonal_solver.h"
+#include "nequar_algebra/linear_equation/spectral_solver.h"
 
 namespace nequar {
 
@@ -8,16 +8,18 @@ namespace nequar {
 ///
 /// The operations come in families, each of which is a class that derives from the one before:
 ///
-///     MatrixFactorization  <-  TriangularSolver  <-  OrthogonalSolver  <-  ...  <-  LinearEquation
-///                              LU, Cholesky,         QR, QL, RQ, LQ
+///     MatrixFactorization  <-  TriangularSolver  <-  OrthogonalSolver  <-  EigenSolver
+///                              LU, Cholesky,         QR, QL, RQ, LQ        symmetric matrices
 ///                              Gauss-Jordan
+///                          <-  SpectralSolver  <-  ...  <-  LinearEquation
+///                              singular values
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //
 // A new family is a class template of its own in this folder, with a protected default constructor:
 // it derives from the family that is now last, and LinearEquation from it.
 template <class Real>
-class NEQUAR_API LinearEquation : public OrthogonalSolver<Real> {
+class NEQUAR_API LinearEquation : public SpectralSolver<Real> {
 public:
     LinearEquation();
     LinearEquation(const LinearEquation&) = default;
