@@ -89,7 +89,7 @@ void svd(const SpectralOptions& options) {
         const Stopwatch watch;
         // A wide matrix by its transpose: A' = V S' U'
         Matrix<Real> tall;
-        if (is_wide) algebra.t_Transpose(&a, &tall);
+        if (is_wide) algebra.tpm_Transpose_Matrix(&a, &tall);
         Matrix<Real>* left = options.values_only ? nullptr : is_wide ? &v : &u;
         Matrix<Real>* right = options.values_only ? nullptr : is_wide ? &u : &v;
         if (!solver.dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(

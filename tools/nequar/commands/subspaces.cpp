@@ -30,8 +30,8 @@ struct SpaceOptions : FactorOptions {
     std::string method;
 
     template <class Real>
-    Real tolerance_for(const Matrix<Real>& a) const {
-        return static_cast<Real>(tolerance == kNotGiven ? rounding_tolerance<Real>(a.mh(), a.mw())
+    Real tolerance_for(const Matrix<Real>& of) const {
+        return static_cast<Real>(tolerance == kNotGiven ? rounding_tolerance<Real>(of.mh(), of.mw())
                                                         : tolerance);
     }
 };
