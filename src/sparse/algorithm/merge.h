@@ -99,7 +99,7 @@ Size merge_from_end(const Rule& rule, int* rows, Real* values, Range part, Size 
             values[to] = rule.both(values[i], b);
             --to, --i, --j;
         } else {
-            if (rule.inserts(b)) {
+            if (rule.inserts(b) && to > i) {
                 rows[to] = static_cast<int>(in_source);
                 values[to] = rule.inserted(b);
                 --to;
@@ -109,7 +109,7 @@ Size merge_from_end(const Rule& rule, int* rows, Real* values, Range part, Size 
     }
     for (; j >= 0; --j) {
         const Real b = source.values[j];
-        if (!rule.inserts(b)) continue;
+        if (!rule.inserts(b) || to <= i) continue;
         rows[to] = static_cast<int>(source.indices[j] + shift);
         values[to] = rule.inserted(b);
         --to;
