@@ -1,6 +1,6 @@
-// SparseMatrix: self-tests. Random sparse matrices with dense twins; each operation is carried out on
-// both, and the exported result has to equal the dense one exactly, since all of them move elements
-// or compute each by itself. Included by sparse_matrix.cpp alone.
+// SparseMatrix: self-tests. Random sparse matrices with dense twins; each operation is carried out
+// on both, and the exported result has to equal the dense one exactly, since all of them move
+// elements or compute each by itself. Included by sparse_matrix.cpp alone.
 #pragma once
 
 #include "frame/views.h"
@@ -215,8 +215,7 @@ bool SparseMatrix<Real>::u_tor_Test_Operations_for_Rows(int d1, int d2, double d
 
 template <class Real>
 bool SparseMatrix<Real>::u_tob_Test_Operations_for_Blocks(int d1, int d2, double density,
-                                                          double min, double max,
-                                                          int repetitions) {
+                                                          double min, double max, int repetitions) {
     constexpr const char* kName = "u_tob_Test_Operations_for_Blocks";
     const CNqClass::CallScope scope(this);
     const char* const bad = code_of_bad_parameter(d1, d2, density, min, max, repetitions);

@@ -18,12 +18,9 @@ using namespace sparse_test;
 template <class Number>
 class SparseTest : public testing::Test {
 public:
-    using Real = Number;
-    using Sparse = nequar::SparseMatrix<Real>;
-    using SVector = nequar::SparseVector<Real>;
-    using Values = nequar::GrowableVector<Real>;
-    using Indices = nequar::GrowableVector<int>;
-    static constexpr Real nan = std::numeric_limits<Real>::quiet_NaN();
+    using MatrixType = nequar::SparseMatrix<Number>;
+    using VectorType = nequar::SparseVector<Number>;
+    static constexpr Number kNan = std::numeric_limits<Number>::quiet_NaN();
 
     template <class T>
     static auto growable(std::initializer_list<T> list) {
@@ -37,8 +34,8 @@ public:
         std::copy(list.begin(), list.end(), v.p());
         return v;
     }
-    static auto reals(std::initializer_list<Real> list) {
-        nequar::Vector<Real> v;
+    static auto reals(std::initializer_list<Number> list) {
+        nequar::Vector<Number> v;
         v.c_Create(static_cast<int>(list.size()));
         std::copy(list.begin(), list.end(), v.p());
         return v;
@@ -63,7 +60,7 @@ void expect_failures(Object& object,
 
 TYPED_TEST(SparseTest, FailuresOfTheVector) {
     using Real = TypeParam;
-    using SVector = typename TestFixture::SVector;
+    using SVector = typename TestFixture::VectorType;
     SVector v, w, out;
     v.czv(4, 2);
     v.se(1, Real(5));
@@ -118,12 +115,12 @@ TYPED_TEST(SparseTest, FailuresOfTheVector) {
 
 TYPED_TEST(SparseTest, FailuresOfTheMatrix) {
     using Real = TypeParam;
-    using Sparse = typename TestFixture::Sparse;
+    using Sparse = typename TestFixture::MatrixType;
     Sparse a, b, out;
     a.czm(3, 4, 2);
     a.se(2, 1, Real(5));
     b.czm(4, 3, 0);
-    typename TestFixture::SVector v;
+    typename TestFixture::VectorType v;
     v.czv(3, 1);
     Real value = 7;
     const auto one = TestFixture::growable({Real(1)});
@@ -210,7 +207,7 @@ TYPED_TEST(SparseTest, FailuresOfTheMatrix) {
 
 TYPED_TEST(SparseTest, ImportedArraysAndHandedOutStorage) {
     using Real = TypeParam;
-    typename TestFixture::Sparse a, b;
+    typename TestFixture::MatrixType a, b;
     const auto values = TestFixture::growable({Real(1), Real(2), Real(3)});
     auto rows = TestFixture::growable({1, 0, 2});
     rows.mbs(7);
@@ -240,7 +237,7 @@ TYPED_TEST(SparseTest, ImportedArraysAndHandedOutStorage) {
 
 TYPED_TEST(SparseTest, ZeroElementsAndExtrema) {
     using Real = TypeParam;
-    typename TestFixture::SVector v;
+    typename TestFixture::VectorType v;
     int i = -7;
     int j = -7;
     v.czv(4, 0);
@@ -260,12 +257,12 @@ TYPED_TEST(SparseTest, ZeroElementsAndExtrema) {
     EXPECT_EQ(failures_of(v), "min_Minimum: impossible");
 
     // Element 0 wins among equals, else the last.
-    v = typename TestFixture::SVector();
+    v = typename TestFixture::VectorType();
     const auto dense = TestFixture::reals({3, 1, 3, 1, 2});
     v.im(&dense);
     Real least = 0;
     EXPECT_TRUE(v.maxmin(least, &i, &j) == Real(3) && i == 0 && least == Real(1) && j == 3);
-    typename TestFixture::Sparse a;
+    typename TestFixture::MatrixType a;
     int x = -1;
     int y = -1;
     for (const int n : {1, 7, 30}) {  // both ends of the vectorized search
@@ -280,7 +277,7 @@ TYPED_TEST(SparseTest, ZeroElementsAndExtrema) {
     for (const auto& [cx, cy] : {std::pair(0, 0), {0, 1}, {1, 1}}) a.se(cx, cy, Real(4));
     EXPECT_TRUE(a.fize(x, y) && x == 1 && y == 0 && a.min(&x, &y) == Real(0) && x == 1 && y == 0);
     // A NaN counts only at the first place.
-    a.se(0, 0, TestFixture::nan);
+    a.se(0, 0, TestFixture::kNan);
     EXPECT_NE(a.max(), a.max());
     EXPECT_NE(a.nf(), a.nf());
     EXPECT_NE(a.m(), a.m());
@@ -289,8 +286,8 @@ TYPED_TEST(SparseTest, ZeroElementsAndExtrema) {
 TYPED_TEST(SparseTest, Statistics) {
     using Real = TypeParam;
     const Real huge = std::is_same_v<Real, float> ? Real(1e30) : Real(1e200);
-    typename TestFixture::SVector v, w;
-    typename TestFixture::Sparse a;
+    typename TestFixture::VectorType v, w;
+    typename TestFixture::MatrixType a;
     Real deviation = -1;
     for (const Real scale : {Real(1), huge, 1 / huge}) {
         v.czv(4, 0);
@@ -338,7 +335,7 @@ TYPED_TEST(SparseTest, SpecialValues) {
     EXPECT_TRUE(a.smm(&a) && a.ge(0, 0, &value) && value != value);
     b.mmme(&a);
     EXPECT_TRUE(b.ge(0, 0, &value) && value != value);
-    b.se(1, 0, TestFixture::nan);
+    b.se(1, 0, TestFixture::kNan);
     EXPECT_TRUE(b == b && b != matrix_of(right) && b.nee() == 4);
     auto v = vector_of(left.transposed());
     const auto w = vector_of(right.transposed());
@@ -348,8 +345,8 @@ TYPED_TEST(SparseTest, SpecialValues) {
 // Sizes near INT_MAX: nothing overflows, takes long or is stored beyond the end.
 TYPED_TEST(SparseTest, VeryLargeShapes) {
     using Real = TypeParam;
-    typename TestFixture::Sparse a, b, out;
-    typename TestFixture::SVector v, w;
+    typename TestFixture::MatrixType a, b, out;
+    typename TestFixture::VectorType v, w;
     ASSERT_TRUE(a.czm(INT_MAX, 3, 2) && b.czm(INT_MAX, 3, 2));
     a.se(2, INT_MAX - 1, Real(1));
     a.se(0, 5, Real(2));
@@ -358,7 +355,7 @@ TYPED_TEST(SparseTest, VeryLargeShapes) {
     EXPECT_TRUE(a == b && a.mse(&b) == Real(0) && a.itze());
     EXPECT_TRUE(a.gc(2, INT_MAX - 2, 2, &v) && v.nee() == 1 && v.dim() == 2);
     EXPECT_FALSE(a.gc(2, INT_MAX - 2, 3, &v));
-    EXPECT_TRUE(b.mvva(&(v = typename TestFixture::SVector()), &v) == false && a.amm(&b));
+    EXPECT_TRUE(b.mvva(&(v = typename TestFixture::VectorType()), &v) == false && a.amm(&b));
     EXPECT_TRUE(a.gb(0, 0, 3, INT_MAX, &out) && out == a);
     ASSERT_TRUE(v.czv(INT_MAX, 1) && v.se(INT_MAX - 1, Real(3)) && w.czv(INT_MAX, 0));
     EXPECT_TRUE(v.g(INT_MAX - 1, INT_MAX, &w) && w.dim() == INT_MAX && w.nee() == 1);
@@ -379,8 +376,8 @@ TYPED_TEST(SparseTest, CountsOutOfStep) {
         auto v = vector_of(mirror.block(1, 0, 1, 4, true));
         broken.z_cne(dice(0, 2 * broken.nee()));
         v.z_cne(dice(0, 6));
-        typename TestFixture::Sparse other = intact, copy = broken, out;
-        typename TestFixture::SVector line, target = v;
+        typename TestFixture::MatrixType other = intact, copy = broken, out;
+        typename TestFixture::VectorType line, target = v;
         nequar::Matrix<Real> dense;
         nequar::Vector<Real> dense_line;
         int x = 0;
@@ -429,7 +426,7 @@ TYPED_TEST(SparseTest, CountsOutOfStep) {
 
 TYPED_TEST(SparseTest, CopiesAndMoves) {
     using Real = TypeParam;
-    typename TestFixture::Sparse a;
+    typename TestFixture::MatrixType a;
     EXPECT_EQ(a.mh() * 10 + a.mw(), 11);
     EXPECT_EQ(a.sbs(), 1);
     a.cim(3, 2);
@@ -442,18 +439,18 @@ TYPED_TEST(SparseTest, CopiesAndMoves) {
     Real value = 1;
     a.zet_s(false);
     nequar::Matrix<Real> dense;
-    typename TestFixture::Sparse out;
+    typename TestFixture::MatrixType out;
     EXPECT_FALSE(a.ge(0, 0, &value) || a.se(0, 0, 1) || a.t(&out) || a.itze());
     EXPECT_TRUE(a.rze() && a.ex(&dense) && a.mmc(2) && a.m() == Real(0) && a.czm(2, 2, 0));
-    typename TestFixture::SVector v = vector_of(Mirror<Real>{3, 1, {{{0, 1}, 4}}});
+    typename TestFixture::VectorType v = vector_of(Mirror<Real>{3, 1, {{{0, 1}, 4}}});
     const auto taken = std::move(v);
     EXPECT_TRUE(taken.nee() == 1 && v.dim() == 0 && v.nee() == 0 && !v.se(0, 1) &&
                 v.m() == Real(0));
 }
 
 TYPED_TEST(SparseTest, SelfTests) {
-    typename TestFixture::Sparse s, made;
-    typename TestFixture::SVector v;
+    typename TestFixture::MatrixType s, made;
+    typename TestFixture::VectorType v;
     nequar::Matrix<TypeParam> dense;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (const double density : {0.0, 0.1, 0.5, 1.0})
@@ -476,7 +473,7 @@ TYPED_TEST(SparseTest, SelfTests) {
                          Bad{2, 2, 1.1, 0, 1, 1, "4"}, Bad{2, 2, nan, 0, 1, 1, "4"},
                          Bad{2, 2, -0.1, 0, 1, 1, "4"}, Bad{2, 2, 0.5, 0, 1, -1, "5"},
                          Bad{2, 2, 0.5, 2, 1, 1, "6"}, Bad{2, 2, 0.5, nan, 1, 1, "6"}}) {
-        using Sparse = typename TestFixture::Sparse;
+        using Sparse = typename TestFixture::MatrixType;
         for (const auto test :
              {&Sparse::u_toc_Test_Operations_for_Columns, &Sparse::u_tor_Test_Operations_for_Rows,
               &Sparse::u_tob_Test_Operations_for_Blocks,
@@ -507,7 +504,7 @@ TYPED_TEST(SparseTest, SelfTests) {
 
 // Threads draw different matrices, all within bounds, about as full as they should be.
 TYPED_TEST(SparseTest, RandomMakers) {
-    typename TestFixture::Sparse made[4];
+    typename TestFixture::MatrixType made[4];
     std::vector<std::thread> threads;
     for (auto& one : made)
         threads.emplace_back(
