@@ -369,10 +369,7 @@ bool CompressedColumns<Real>::add(const CompressedColumns& b, Real factor, const
     zet_xm();
     if (b.mh() != mh() || b.mw() != mw()) return this->fail("different dimensions", method);
     if (b.nee() == 0) return true;
-    const Columns<Real> source = SparseInside<Real>::columns(b);
-    const Stored outcome = SparseInside<Real>::merge(
-        *this, AddRule<Real>{factor}, 0, mw(), whole_column,
-        [&source](Size c) { return source.column(c); }, 0);
+    const Stored outcome = SparseInside<Real>::add(*this, b, AddRule<Real>{factor});
     return outcome == Stored::done || this->fail(insertion_code(outcome), method);
 }
 

@@ -80,7 +80,7 @@ void fill_from_dense(View<const Real> a, const unsigned char* marks, int* start,
 
 template <class Real>
 void write_to_dense(const Columns<Real>& a, int* next, View<Real> out) {
-    constexpr Size kBandBytes = Size(1) << 19;
+    constexpr Size kBandBytes = Size(1) << 20;
     const Size row_bytes = out.width * Size(sizeof(Real));
     const Size band = std::max<Size>(8, kBandBytes / std::max<Size>(1, row_bytes));
     for (Size c = 0; c < a.width; ++c) next[c] = static_cast<int>(a.range(c).begin);

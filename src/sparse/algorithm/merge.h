@@ -90,7 +90,7 @@ Real if_wanted(Real x, bool is_wanted) {
 // a coin toss in each step, so nothing branches on it.
 template <class Rule, class Real>
 Size add_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
-                  const Run<Real>& source, Size shift) {
+                  const Run<Real>& source) {
     Size i = part.end - 1;
     Size j = source.count - 1;
     while (i >= part.begin && j >= 0 && room > 0) {
@@ -99,13 +99,13 @@ Size add_from_end(const Rule& rule, int* rows, Real* values, Range part, Size ro
             --j;
             continue;
         }
-        const Size in_target = rows[i];
-        const Size in_source = source.indices[j] + shift;
+        const int in_target = rows[i];
+        const int in_source = source.indices[j];
         const bool takes_target = in_target >= in_source;
         const bool takes_source = in_source >= in_target;
-        const Size to = i + room;
-        values[to] = if_wanted(values[i], takes_target) + if_wanted(rule.inserted(b), takes_source);
-        rows[to] = static_cast<int>(std::max(in_target, in_source));
+        values[i + room] =
+            if_wanted(values[i], takes_target) + if_wanted(rule.inserted(b), takes_source);
+        rows[i + room] = takes_target ? in_target : in_source;
         i -= takes_target;
         j -= takes_source;
         room -= !takes_target;
@@ -113,8 +113,8 @@ Size add_from_end(const Rule& rule, int* rows, Real* values, Range part, Size ro
     if (room == 0) {  // what is left of the source stands in the target already
         while (i >= part.begin && j >= 0) {
             const Real b = source.values[j];
-            const Size in_target = rows[i];
-            const Size in_source = source.indices[j] + shift;
+            const int in_target = rows[i];
+            const int in_source = source.indices[j];
             values[i] += if_wanted(rule.inserted(b), in_target == in_source && rule.inserts(b));
             i -= in_target >= in_source;
             j -= in_source >= in_target;
@@ -124,12 +124,14 @@ Size add_from_end(const Rule& rule, int* rows, Real* values, Range part, Size ro
     for (; j >= 0 && room > 0; --j) {
         const Real b = source.values[j];
         if (!rule.inserts(b)) continue;
-        rows[i + room] = static_cast<int>(source.indices[j] + shift);
+        rows[i + room] = source.indices[j];
         values[i + room] = rule.inserted(b);
         --room;
     }
-    move_up(values, part.begin, i + 1, room);
-    move_up(rows, part.begin, i + 1, room);
+    for (; i >= part.begin; --i) {
+        rows[i + room] = rows[i];
+        values[i + room] = values[i];
+    }
     return room;
 }
 
@@ -162,7 +164,7 @@ template <class Rule, class Real>
 Size merge_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
                     const Run<Real>& source, Size shift) {
     if constexpr (Rule::adds)
-        return add_from_end(rule, rows, values, part, room, source, shift);
+        return add_from_end(rule, rows, values, part, room, source);  // adding never shifts
     else
         return write_from_end(rule, rows, values, part, room, source, shift);
 }
@@ -181,13 +183,14 @@ Size count_absent(const Rule& rule, const Columns<Real>& target, Size first, Siz
     return absent;
 }
 
-// Carries it out. `count` elements were stored, the arrays have room for `absent` more, and the
-// start pointers are in order. The columns are asked for from last-1 down to first.
+// Carries it out. `count` elements were stored, the arrays have `room` more, at least as many as
+// are absent, and the start pointers are in order. The columns are asked for from last-1 down to
+// first. Answers the room that was not needed: the elements of the first column and what follows
+// stand that much too high, and so do their start pointers but the first.
 template <class Rule, class Real, class PartOf, class SourceOf>
-void merge_columns(const Rule& rule, Size width, int* start, int* rows, Real* values, Size count,
-                   Size absent, Size first, Size last, const PartOf& part_of,
+Size merge_columns(const Rule& rule, Size width, int* start, int* rows, Real* values, Size count,
+                   Size room, Size first, Size last, const PartOf& part_of,
                    const SourceOf& source_of, Size shift) {
-    Size room = absent;
     move_up(values, start[last], count, room);
     move_up(rows, start[last], count, room);
     if (room != 0)
@@ -204,6 +207,31 @@ void merge_columns(const Rule& rule, Size width, int* start, int* rows, Real* va
         move_up(rows, begin, part.begin, room);
         end = begin;
     }
+    return room;
+}
+
+// Takes the room that a merge of all columns left before the elements away.
+template <class Real>
+void move_down(int* start, Size width, int* rows, Real* values, Size room) {
+    if (room == 0) return;
+    const auto count = static_cast<std::size_t>(start[width] - room);
+    std::memmove(values, values + room, count * sizeof(Real));
+    std::memmove(rows, rows + room, count * sizeof(int));
+    for (Size c = 1; c <= width; ++c) start[c] -= static_cast<int>(room);
+}
+
+// Whether two matrices of one shape store the same places; the first difference ends the search.
+template <class Real>
+bool have_same_places(const Columns<Real>& a, const Columns<Real>& b) {
+    return a.count == b.count && std::equal(a.rows, a.rows + a.count, b.rows) &&
+           std::equal(a.start, a.start + a.width + 1, b.start);
+}
+
+// values += factor source for equal places; may be the source's own values.
+template <class Real>
+void add_values(const AddRule<Real>& rule, const Real* source, Size count, Real* values) {
+    for (Size k = 0; k < count; ++k)
+        values[k] = rule.inserts(source[k]) ? values[k] + rule.inserted(source[k]) : values[k];
 }
 
 }  // namespace nequar

@@ -17,26 +17,38 @@ bool beats(Real a, Real b) {
     return largest ? a > b : a < b;
 }
 
+// The extremum of a block, or `other` if that is none worse.
 template <bool largest, class Real>
-Size position_of_extremum(const Real* x, Size count) {
+Real extremum(const Real* x, Size count, Real other) {
     constexpr Size kLanes = 16;
-    if (x[0] != x[0]) return 0;
     Real best[kLanes];
-    for (Real& lane : best) lane = x[0];
+    for (Real& lane : best) lane = other;
     Size k = 0;
     for (; k + kLanes <= count; k += kLanes)
         for (Size lane = 0; lane < kLanes; ++lane)
             best[lane] = beats<largest>(x[k + lane], best[lane]) ? x[k + lane] : best[lane];
     for (; k < count; ++k) best[0] = beats<largest>(x[k], best[0]) ? x[k] : best[0];
     for (const Real lane : best) best[0] = beats<largest>(lane, best[0]) ? lane : best[0];
-    if (x[0] == best[0]) return 0;
-    Size position = count - 1;
-    for (; position >= kLanes; position -= kLanes) {
-        int hits = 0;
-        for (Size lane = 0; lane < kLanes; ++lane) hits += x[position - lane] == best[0];
-        if (hits != 0) break;
+    return best[0];
+}
+
+// Block by block from the end: the first block that holds the extremum holds its last place.
+template <bool largest, class Real>
+Size position_of_extremum(const Real* x, Size count) {
+    constexpr Size kBlock = 1024;
+    if (x[0] != x[0]) return 0;
+    Real best = x[0];
+    Size best_end = 0;
+    for (Size end = count; end > 0; end -= std::min(end, kBlock)) {
+        const Size begin = end - std::min(end, kBlock);
+        const Real of_block = extremum<largest>(x + begin, end - begin, best);
+        if (!beats<largest>(of_block, best)) continue;
+        best = of_block;
+        best_end = end;
     }
-    while (!(x[position] == best[0])) --position;
+    if (best_end == 0) return 0;
+    Size position = best_end - 1;
+    while (!(x[position] == best)) --position;
     return position;
 }
 
