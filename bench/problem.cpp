@@ -184,6 +184,29 @@ double error_of_solution(const Problem<Real>& a, const std::vector<Real>& x,
         multiply(plain(b, n, k), Part::all, v), n);
 }
 
+template <class Real>
+double error_of_similarity(const Problem<Real>& a, const std::vector<Real>& q,
+                           const std::vector<Real>& h) {
+    const Size n = a.height;
+    const Tracked v = random_vector(n);
+    const Factor<Real> orthogonal = plain(q, n, n);
+    const Tracked product = multiply(
+        orthogonal, Part::all,
+        multiply(plain(h, n, n), Part::all, multiply(transposed(orthogonal), Part::all, v)));
+    return scaled_difference<Real>(multiply(plain(a.rows, n, n), Part::all, v), product, n);
+}
+
+template <class Real>
+double error_of_root(const Problem<Real>& a, const std::vector<Real>& r) {
+    const Tracked v = random_vector(a.width);
+    const auto square = [&](const Factor<Real>& f) {
+        return multiply(transposed(f), Part::all, multiply(f, Part::all, v));
+    };
+    return scaled_difference<Real>(square(plain(a.rows, a.height, a.width)),
+                                   square(plain(r, a.height, a.width)),
+                                   std::max(a.height, a.width));
+}
+
 #define NEQUAR_FOR(Real)                                                                     \
     template struct Problem<Real>;                                                           \
     template Problem<Real> random_matrix<Real>(Size, Size, unsigned);                        \
@@ -194,6 +217,9 @@ double error_of_solution(const Problem<Real>& a, const std::vector<Real>& x,
     template double error_of_cholesky(const Problem<Real>&, const std::vector<Real>&);       \
     template double error_of_product(const Problem<Real>&, bool, const Problem<Real>&, bool, \
                                      const std::vector<Real>&);                              \
+    template double error_of_similarity(const Problem<Real>&, const std::vector<Real>&,      \
+                                        const std::vector<Real>&);                           \
+    template double error_of_root(const Problem<Real>&, const std::vector<Real>&);           \
     template double error_of_solution(const Problem<Real>&, const std::vector<Real>&,        \
                                       const std::vector<Real>&, Size);
 NEQUAR_FOR(double)

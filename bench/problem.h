@@ -53,4 +53,11 @@ template <class Real>
 double error_of_solution(const Problem<Real>& a, const std::vector<Real>& x,
                          const std::vector<Real>& b, Size k);
 
+// A = Q H Q^T, and A^T A = R^T R for an m x n triangle R, all in row order.
+template <class Real>
+double error_of_similarity(const Problem<Real>& a, const std::vector<Real>& q,
+                           const std::vector<Real>& h);
+template <class Real>
+double error_of_root(const Problem<Real>& a, const std::vector<Real>& r);
+
 }  // namespace bench

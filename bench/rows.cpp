@@ -25,6 +25,22 @@ std::span<const Row> row_table() {
         {"solve LL' n", "n right-hand sides, sll", NEQUAR_BOTH(make_solve_cholesky_matrix)},
         {"inverse LU", "ilu", NEQUAR_BOTH(make_inverse_lu)},
         {"inverse LUP", "ilup", NEQUAR_BOTH(make_inverse_lup)},
+        {"QR with Q", "A = Q R in place, u_dqrh", NEQUAR_BOTH(make_qr_with_q)},
+        {"QR alone", "R only", NEQUAR_BOTH(make_qr)},
+        {"QR tall", "R only, 10000 x n", NEQUAR_BOTH(make_tall_qr)},
+        {"QL with Q", "A = Q L in place, u_dqlh", NEQUAR_BOTH(make_ql)},
+        {"RQ with Q", "A = R Q in place, u_drqh", NEQUAR_BOTH(make_rq)},
+        {"LQ with Q", "A = L Q in place, u_dlqh", NEQUAR_BOTH(make_lq)},
+        {"QRP with Q", "A P = Q R in place, column pivoting", NEQUAR_BOTH(make_pivoted_qr)},
+        {"Hessenberg", "A = Q H Q' in place, u_dhr", NEQUAR_BOTH(make_hessenberg)},
+        {"solve QR 1", "one right-hand side, sqr", NEQUAR_BOTH(make_solve_qr)},
+        {"triangle 1", "T x = b, slet", NEQUAR_BOTH(make_triangular_solve_vector)},
+        {"triangle n", "T X = B, slet", NEQUAR_BOTH(make_triangular_solve_matrix)},
+        {"triangle inv", "imt", NEQUAR_BOTH(make_triangular_inverse)},
+        {"eig values", "symmetric, devt; LAPACK's syev", NEQUAR_BOTH(make_eigenvalues)},
+        {"eig vectors", "symmetric, devt; LAPACK's syev", NEQUAR_BOTH(make_eigenvectors)},
+        {"eig beside DC", "the same; LAPACK's syevd", NEQUAR_BOTH(make_eigenvectors_beside_dc)},
+        {"Jacobi", "symmetric with vectors, devj", NEQUAR_BOTH(make_jacobi)},
     };
     return rows;
 }

@@ -37,4 +37,39 @@ Case make_inverse_lu(Size n);  // ilu_
 template <class Real>
 Case make_inverse_lup(Size n);  // ilup_
 
+// Reductions with and without Q, solves and inverses by triangles: rows/orthogonal.cpp
+template <class Real>
+Case make_qr_with_q(Size n);
+template <class Real>
+Case make_qr(Size n);
+template <class Real>
+Case make_tall_qr(Size n);  // 10000 x n
+template <class Real>
+Case make_ql(Size n);
+template <class Real>
+Case make_rq(Size n);
+template <class Real>
+Case make_lq(Size n);
+template <class Real>
+Case make_pivoted_qr(Size n);
+template <class Real>
+Case make_hessenberg(Size n);
+template <class Real>
+Case make_solve_qr(Size n);
+template <class Real>
+Case make_triangular_solve_vector(Size n);
+template <class Real>
+Case make_triangular_solve_matrix(Size n);
+template <class Real>
+Case make_triangular_inverse(Size n);
+
+template <class Real>
+Case make_eigenvalues(Size n);  // symmetric, devt_ with enough steps
+template <class Real>
+Case make_eigenvectors(Size n);
+template <class Real>
+Case make_eigenvectors_beside_dc(Size n);  // the peer's divide and conquer
+template <class Real>
+Case make_jacobi(Size n);  // devj_
+
 }  // namespace bench

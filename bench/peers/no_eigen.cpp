@@ -1,5 +1,7 @@
 // Stands for Eigen where it was not found.
+#include "peers/orthogonal.h"
 #include "peers/peers.h"
+#include "peers/spectrum.h"
 
 namespace bench {
 
@@ -9,6 +11,24 @@ const Peer<double>* eigen() {
 }
 template <>
 const Peer<float>* eigen() {
+    return nullptr;
+}
+
+template <>
+const OrthogonalPeer<double>* orthogonal_eigen() {
+    return nullptr;
+}
+template <>
+const OrthogonalPeer<float>* orthogonal_eigen() {
+    return nullptr;
+}
+
+template <>
+const SpectrumPeer<double>* spectrum_eigen() {
+    return nullptr;
+}
+template <>
+const SpectrumPeer<float>* spectrum_eigen() {
     return nullptr;
 }
 

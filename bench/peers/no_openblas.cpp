@@ -1,5 +1,7 @@
 // Stands for OpenBLAS where it was not found.
+#include "peers/orthogonal.h"
 #include "peers/peers.h"
+#include "peers/spectrum.h"
 
 namespace bench {
 
@@ -9,6 +11,24 @@ const Peer<double>* openblas() {
 }
 template <>
 const Peer<float>* openblas() {
+    return nullptr;
+}
+
+template <>
+const OrthogonalPeer<double>* orthogonal_openblas() {
+    return nullptr;
+}
+template <>
+const OrthogonalPeer<float>* orthogonal_openblas() {
+    return nullptr;
+}
+
+template <>
+const SpectrumPeer<double>* spectrum_openblas() {
+    return nullptr;
+}
+template <>
+const SpectrumPeer<float>* spectrum_openblas() {
     return nullptr;
 }
 

@@ -17,8 +17,11 @@ struct Twin {
 
     using Matrix = Choose<CNqMatrix, CNqMatrixFloat>;
     using Vector = Choose<CNqVector, CNqVectorFloat>;
+    using Diagonal = Choose<CNqMatrix_Diagonal, CNqMatrixFloat_Diagonal>;
     using Symmetric = Choose<CNqMatrix_Symmetric, CNqMatrixFloat_Symmetric>;
     using Algebra = Choose<LCNqAlgebra_for_Matrix, LCNqAlgebra_for_MatrixFloat>;
+    using TriangularAlgebra =
+        Choose<LCNqAlgebra_for_Matrix_Special, LCNqAlgebra_for_MatrixFloat_Special>;
     using Solver = Choose<LCNqUtility_for_Linear_Equation, LCNqUtility_for_Linear_Equation_Float>;
 };
 

@@ -3,4 +3,5 @@
 
 #include "nequar_algebra/sparse/compressed_columns.h"
 #include "nequar_algebra/sparse/sparse_matrix.h"
+#include "nequar_algebra/sparse/sparse_symmetric_matrix.h"
 #include "nequar_algebra/sparse/sparse_vector.h"

@@ -5,6 +5,7 @@
 #include "algebra/temporary.h"
 #include "core/twin_name.h"
 #include "kernel/kernel.h"
+#include "structured/algorithm/band.h"
 #include "structured/views.h"
 
 namespace nequar {
@@ -12,15 +13,6 @@ namespace {
 
 constexpr const char* kSolve = "slet_Solve_Linear_Equation_for_Triangular_matrix";
 constexpr const char* kInvert = "imt_Inverse_Matrix_for_Triangular_matrix";
-
-template <class Real>
-View<Real> columns_to_fill(Matrix<Real>* x) {
-    return view_of(x);
-}
-template <class Real>
-View<Real> columns_to_fill(Vector<Real>* x) {
-    return {x->p(), x->vs(), 1, 1, 1};
-}
 
 template <class Real>
 void solve_triangle(bool lower, View<const Real> t, View<Real> x) {
@@ -40,6 +32,12 @@ bool overlap(const Matrix<Real>* t, const View<Real>& x) {
 template <class Packed>
 bool is_whole_square(const Packed* t) {
     return t->mh() == t->mw() && holds_its_elements(t);
+}
+
+template <class Real>
+void set_identity(const View<Real>& a) {
+    kernel::fill(Real(0), a);
+    for (Size i = 0; i < a.height; ++i) a(i, i) = 1;
 }
 
 constexpr bool is_lower(TriangleSide side) {
@@ -86,7 +84,7 @@ template <class Object>
 bool AlgebraForMatrixSpecial<Real>::solve_copy(bool lower, const View<const Real>& t,
                                                const Object* b, Object* x) const {
     if (x->cp_Copy(b) == nullptr) return this->fail(kCannotSizeOutput, kSolve);
-    const View<Real> columns = columns_to_fill(x);
+    const View<Real> columns = columns_of(x);
     if (!can_solve(t, columns.height)) return false;
     solve_triangle(lower, t, columns);
     return true;
@@ -106,7 +104,8 @@ template <class Real>
 template <TriangleSide side, class Object>
 bool AlgebraForMatrixSpecial<Real>::solve_packed(const MatrixTriangular<Real, side>* t,
                                                  const Object* b, Object* x) const {
-    if (!is_whole_square(t)) return this->fail("1", kSolve);
+    if (!is_whole_square(t))
+        return this->fail(x->cp_Copy(b) == nullptr ? kCannotSizeOutput : "1", kSolve);
     const TemporaryMatrix<Real> dense(t->mh(), t->mw());
     if (!dense) return this->fail(kOutOfMemory, kSolve);
     unpack_lower(t->p(), as_lower(side, dense.view()));
@@ -158,8 +157,7 @@ bool AlgebraForMatrixSpecial<Real>::invert(bool lower, const View<const Real>& t
         invert_lower(lower ? t : t.transposed(), lower ? x : x.transposed());
         return true;
     }
-    kernel::fill(Real(0), x);
-    for (Size i = 0; i < n; ++i) x(i, i) = 1;
+    set_identity(x);
     return this->fail("2", kInvert);
 }
 
@@ -177,6 +175,9 @@ bool AlgebraForMatrixSpecial<Real>::invert_packed(const MatrixTriangular<Real, s
                                                   Matrix<Real>* inverse) const {
     const CNqClass::CallScope scope(this);
     if (!is_whole_square(t)) {
+        const int n = t->mh();
+        if (inverse->c_Create(n, n) == nullptr) return this->fail("1", kInvert);
+        set_identity(view_of(inverse));
         this->fail("1", kSolve);
         return this->fail("2", kInvert);
     }
@@ -249,6 +250,37 @@ template <class Real>
 bool AlgebraForMatrixSpecial<Real>::muu_Multiply_Umatrix_Umatrix(const Upper* a, const Upper* b,
                                                                  Upper* c) const {
     return multiply("muu_Multiply_Umatrix_Umatrix", false, a, b, c);
+}
+
+// ---- band products -----------------------------------------------------------------------------
+
+template <class Real>
+bool AlgebraForMatrixSpecial<Real>::multiply_bands(const char* method, const MatrixBand<Real>* a,
+                                                   const MatrixBand<Real>* b, bool accumulate,
+                                                   Matrix<Real>* c) const {
+    const BandShape left = band_shape_of(a);
+    const BandShape right = band_shape_of(b);
+    bool agrees = left.width == right.height && a->vs() >= left.count() && b->vs() >= right.count();
+    if (accumulate) agrees = agrees && c->mh() == left.height && c->mw() == right.width;
+    if (!agrees) return this->fail("1", method);
+    if (!accumulate) {
+        if (c->c_Create(a->mh(), b->mw()) == nullptr) return this->fail(kCannotSizeOutput, method);
+        kernel::fill(Real(0), view_of(c));
+    }
+    add_product_of_bands(left, a->p(), right, b->p(), view_of(c));
+    return true;
+}
+
+template <class Real>
+bool AlgebraForMatrixSpecial<Real>::mbba_Multiply_Bmatrix_Bmatrix_and_Accumulate(
+    const MatrixBand<Real>* a, const MatrixBand<Real>* b, Matrix<Real>* c) const {
+    return multiply_bands("mbba_Multiply_Bmatrix_Bmatrix_and_Accumulate", a, b, true, c);
+}
+template <class Real>
+bool AlgebraForMatrixSpecial<Real>::mbb_Multiply_Bmatrix_Bmatrix(const MatrixBand<Real>* a,
+                                                                 const MatrixBand<Real>* b,
+                                                                 Matrix<Real>* c) const {
+    return multiply_bands("mbb_Multiply_Bmatrix_Bmatrix", a, b, false, c);
 }
 
 template class AlgebraForMatrixSpecial<double>;

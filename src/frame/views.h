@@ -24,6 +24,24 @@ Strided<const Real> view_of(const Vector<Real>* vector) {
     return {vector->p(), vector->vs()};
 }
 
+// Right-hand sides: a matrix as it is, a vector as its only column.
+template <class Real>
+View<Real> columns_of(Matrix<Real>* matrix) {
+    return view_of(matrix);
+}
+template <class Real>
+View<const Real> columns_of(const Matrix<Real>* matrix) {
+    return view_of(matrix);
+}
+template <class Real>
+View<Real> columns_of(Vector<Real>* vector) {
+    return {vector->p(), vector->vs(), 1, 1, 1};
+}
+template <class Real>
+View<const Real> columns_of(const Vector<Real>* vector) {
+    return {vector->p(), vector->vs(), 1, 1, 1};
+}
+
 // A raw array of height x width elements, row by row or column by column.
 template <class Real>
 View<Real> view_of_array(bool row_major, Size height, Size width, Real* elements) {

@@ -30,26 +30,12 @@ const Names& names_of(OrthogonalForm form) {
     return kNames[static_cast<std::size_t>(form)];
 }
 
-template <class Real>
-View<Real> square_view(Real* elements, Size n) {
-    return {elements, n, n, n};
-}
-
 // Whether the array of a matrix and one given from outside have an element in common.
 template <class Real>
 bool overlap(const Matrix<Real>* q, const View<Real>& x) {
     const Real* const first = q->p()[0];
     const Real* const last = first + element_count(q);
     return !x.is_empty() && x.data < last && first < x.data + x.height * x.width;
-}
-
-template <class Real>
-View<Real> columns_to_fill(Matrix<Real>* x) {
-    return view_of(x);
-}
-template <class Real>
-View<Real> columns_to_fill(Vector<Real>* x) {
-    return {x->p(), x->vs(), 1, 1, 1};
 }
 
 }  // namespace
@@ -87,7 +73,7 @@ bool OrthogonalSolver<Real>::solve(OrthogonalForm form, const Matrix<Real>* a, c
         this->fail(text::kCannotSize, names.solve_with_factors);
         return this->fail("2", names.solve);
     }
-    const Outcome outcome = solve_by_orthogonal(form, matrix, columns_to_fill(x));
+    const Outcome outcome = solve_by_orthogonal(form, matrix, columns_of(x));
     if (outcome) return true;
     if (outcome.kind == OutcomeKind::no_memory) {
         this->fail_orthogonal_for_memory(form);
@@ -182,7 +168,7 @@ bool OrthogonalSolver<Real>::solve_with(OrthogonalForm form, const Matrix<Real>*
     kernel::copy(right, solution);
     if (!solve_in_place(form, q, t, solution)) return this->fail(text::kOutOfMemory, method);
     if (x != b && x->cp_Copy(b) == nullptr) return this->fail(text::kCannotSize, method);
-    kernel::copy(reading(solution), columns_to_fill(x));
+    kernel::copy(reading(solution), columns_of(x));
     return true;
 }
 

@@ -20,11 +20,6 @@ constexpr const char* invert_with_cholesky_name(bool upper) {
     return upper ? "u_iuu_Inverse_matrix_based_on_UUD" : "u_ill_Inverse_matrix_based_on_LLD";
 }
 
-template <class Real>
-View<Real> square_view(Real* elements, Size n) {
-    return {elements, n, n, n};
-}
-
 // The diagonal of a packed triangle is its band 0.
 template <class Packed>
 bool has_zero_on_diagonal(const Packed* factor, Size n) {
@@ -51,10 +46,12 @@ TriangularSolver<Real>::~TriangularSolver() = default;
 
 // ---- LUD and LUP -------------------------------------------------------------------------------
 
+// Factors A and calls use(factors, perm), which answers the detail of the failure of `inner`, null
+// when there is none.
 template <class Real>
-template <class Object>
-bool TriangularSolver<Real>::solve_lu(Pivoting pivoting, const char* method, const Matrix<Real>* a,
-                                      const Object* b, Object* x) const {
+template <class Use>
+bool TriangularSolver<Real>::with_lu(Pivoting pivoting, const char* method, const char* inner,
+                                     const Matrix<Real>* a, const Use& use) const {
     const CNqClass::CallScope scope(this);
     if (!this->can_begin_lu(pivoting, a)) return this->fail("1", method);
     const Size n = a->mh();
@@ -64,72 +61,35 @@ bool TriangularSolver<Real>::solve_lu(Pivoting pivoting, const char* method, con
     const View<Real> lu = square_view(work.data(), n);
     int interchanges = 0;
     if (!this->find_lu(pivoting, a, lu, perm.data(), interchanges)) return this->fail("1", method);
-    const View<const Real> right = columns_of(b);
-    const char* detail = "1";
-    if (right.height == n && right.width >= 1)
-        detail = deliver(b, x, [&](const View<const Real>& from, const View<Real>& to) {
-            solve_from_lu(reading(lu), perm.data(), from, to);
-        });
+    const char* const detail = use(reading(lu), perm.data());
     if (detail == nullptr) return true;
-    this->fail(detail, kSolveWithLu);
+    this->fail(detail, inner);
     return this->fail("2", method);
+}
+
+template <class Real>
+template <class Object>
+bool TriangularSolver<Real>::solve_lu(Pivoting pivoting, const char* method, const Matrix<Real>* a,
+                                      const Object* b, Object* x) const {
+    const auto solve = [&](const View<const Real>& lu, const int* perm) {
+        const View<const Real> right = columns_of(b);
+        if (right.height != lu.height || right.width < 1) return "1";
+        return deliver(b, x, [&](const View<const Real>& from, const View<Real>& to) {
+            solve_from_lu(lu, perm, from, to);
+        });
+    };
+    return with_lu(pivoting, method, kSolveWithLu, a, solve);
 }
 
 template <class Real>
 bool TriangularSolver<Real>::invert_lu(Pivoting pivoting, const char* method, const Matrix<Real>* a,
                                        Matrix<Real>* inverse) const {
-    const CNqClass::CallScope scope(this);
-    if (!this->can_begin_lu(pivoting, a)) return this->fail("1", method);
-    const Size n = a->mh();
-    Workspace<Real, kSquareBytes> work(n * n);
-    Workspace<int, 1024> perm(n);
-    if (!work || !perm) return this->fail(text::kOutOfMemory, method);
-    const View<Real> lu = square_view(work.data(), n);
-    int interchanges = 0;
-    if (!this->find_lu(pivoting, a, lu, perm.data(), interchanges)) return this->fail("1", method);
-    const char* detail = "1";
-    if (inverse->c_Create(a->mh(), a->mh()) != nullptr)
-        detail = invert_from_lu(reading(lu), perm.data(), view_of(inverse)) ? nullptr
-                                                                            : text::kOutOfMemory;
-    if (detail == nullptr) return true;
-    this->fail(detail, kInvertWithLu);
-    return this->fail("2", method);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::slu_Solve_based_on_LUD(const Matrix<Real>* a, const Matrix<Real>* b,
-                                                    Matrix<Real>* x) const {
-    return solve_lu(Pivoting::before_update, "slu_Solve_based_on_LUD", a, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::slu_Solve_based_on_LUD(const Matrix<Real>* a, const Vector<Real>* b,
-                                                    Vector<Real>* x) const {
-    return solve_lu(Pivoting::before_update, "slu_Solve_based_on_LUD", a, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::ilu_Inverse_matrix_based_on_LUD(const Matrix<Real>* a,
-                                                             Matrix<Real>* inverse) const {
-    return invert_lu(Pivoting::before_update, "ilu_Inverse_matrix_based_on_LUD", a, inverse);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::slup_Solve_based_on_LUP(const Matrix<Real>* a, const Matrix<Real>* b,
-                                                     Matrix<Real>* x) const {
-    return solve_lu(Pivoting::partial, "slup_Solve_based_on_LUP", a, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::slup_Solve_based_on_LUP(const Matrix<Real>* a, const Vector<Real>* b,
-                                                     Vector<Real>* x) const {
-    return solve_lu(Pivoting::partial, "slup_Solve_based_on_LUP", a, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::ilup_Inverse_matrix_based_on_LUP(const Matrix<Real>* a,
-                                                              Matrix<Real>* inverse) const {
-    return invert_lu(Pivoting::partial, "ilup_Inverse_matrix_based_on_LUP", a, inverse);
+    const int n = a->mh();
+    const auto invert = [&](const View<const Real>& lu, const int* perm) {
+        if (inverse->c_Create(n, n) == nullptr) return "1";
+        return invert_from_lu(lu, perm, view_of(inverse)) ? nullptr : text::kOutOfMemory;
+    };
+    return with_lu(pivoting, method, kInvertWithLu, a, invert);
 }
 
 // Records why not, if not.
@@ -185,24 +145,6 @@ bool TriangularSolver<Real>::solve_with_lu(const MatrixTriangularLower<Real>* l,
 template <class Real>
 bool TriangularSolver<Real>::u_slu_Solve_based_on_LUD(const MatrixTriangularLower<Real>* l,
                                                       const MatrixTriangularUpper<Real>* u,
-                                                      const CNqVectorInt* perm,
-                                                      const Matrix<Real>* b,
-                                                      Matrix<Real>* x) const {
-    return solve_with_lu(l, u, perm, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_slu_Solve_based_on_LUD(const MatrixTriangularLower<Real>* l,
-                                                      const MatrixTriangularUpper<Real>* u,
-                                                      const CNqVectorInt* perm,
-                                                      const Vector<Real>* b,
-                                                      Vector<Real>* x) const {
-    return solve_with_lu(l, u, perm, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_slu_Solve_based_on_LUD(const MatrixTriangularLower<Real>* l,
-                                                      const MatrixTriangularUpper<Real>* u,
                                                       const CNqVectorInt* perm, Real* data,
                                                       bool row_major, int k, int n) const {
     if (!can_solve_with(l, u, perm, n, k)) return false;
@@ -239,11 +181,11 @@ bool TriangularSolver<Real>::u_ilu_Inverse_matrix_based_on_LUD(const MatrixTrian
 
 // ---- LLD and UUD -------------------------------------------------------------------------------
 
+// As with_lu, with the dense factor.
 template <class Real>
-template <class Object>
-bool TriangularSolver<Real>::solve_cholesky(bool upper, const MatrixSymmetric<Real>* a,
-                                            const Object* b, Object* x) const {
-    const char* const method = upper ? "suu_Solve_based_on_UUD" : "sll_Solve_based_on_LLD";
+template <class Use>
+bool TriangularSolver<Real>::with_cholesky(bool upper, const char* method, const char* inner,
+                                           const MatrixSymmetric<Real>* a, const Use& use) const {
     const CNqClass::CallScope scope(this);
     if (!this->can_begin_cholesky(a)) return this->fail("1", method);
     const Size n = a->mh();
@@ -251,78 +193,42 @@ bool TriangularSolver<Real>::solve_cholesky(bool upper, const MatrixSymmetric<Re
     if (!work) return this->fail(text::kOutOfMemory, method);
     // L is kept by columns, so that the small factorization at the ends finds rows of L^T
     // contiguous.
-    const View<Real> factor =
-        upper ? square_view(work.data(), n) : square_view(work.data(), n).transposed();
+    const View<Real> square = square_view(work.data(), n);
+    const View<Real> factor = upper ? square : square.transposed();
     if (!this->find_cholesky(upper, a, factor)) return this->fail("1", method);
-    const char* detail = "1";
-    if (columns_of(b).height == n)
-        detail = deliver(b, x, [&](const View<const Real>& from, const View<Real>& to) {
-            kernel::copy(from, to);
-            solve_from_cholesky(triangle_of(upper), reading(factor), to);
-        });
+    const char* const detail = use(factor);
     if (detail == nullptr) return true;
-    this->fail(detail, solve_with_cholesky_name(upper));
+    this->fail(detail, inner);
     return this->fail("2", method);
 }
 
 template <class Real>
-bool TriangularSolver<Real>::invert_cholesky(bool upper, const MatrixSymmetric<Real>* a,
+template <class Object>
+bool TriangularSolver<Real>::solve_cholesky(bool upper, const char* method,
+                                            const MatrixSymmetric<Real>* a, const Object* b,
+                                            Object* x) const {
+    const auto solve = [&](const View<Real>& factor) {
+        if (columns_of(b).height != factor.height) return "1";
+        return deliver(b, x, [&](const View<const Real>& from, const View<Real>& to) {
+            kernel::copy(from, to);
+            solve_from_cholesky(triangle_of(upper), reading(factor), to);
+        });
+    };
+    return with_cholesky(upper, method, solve_with_cholesky_name(upper), a, solve);
+}
+
+template <class Real>
+bool TriangularSolver<Real>::invert_cholesky(bool upper, const char* method,
+                                             const MatrixSymmetric<Real>* a,
                                              Matrix<Real>* inverse) const {
-    const char* const method =
-        upper ? "iuu_Inverse_matrix_based_on_UUD" : "ill_Inverse_matrix_based_on_LLD";
-    const CNqClass::CallScope scope(this);
-    if (!this->can_begin_cholesky(a)) return this->fail("1", method);
-    const Size n = a->mh();
-    Workspace<Real, kSquareBytes> work(n * n);
-    if (!work) return this->fail(text::kOutOfMemory, method);
-    // L is kept by columns, so that the small factorization at the ends finds rows of L^T
-    // contiguous.
-    const View<Real> factor =
-        upper ? square_view(work.data(), n) : square_view(work.data(), n).transposed();
-    if (!this->find_cholesky(upper, a, factor)) return this->fail("1", method);
-    if (inverse->c_Create(a->mh(), a->mh()) == nullptr) {
-        this->fail("1", invert_with_cholesky_name(upper));
-        return this->fail("2", method);
-    }
-    invert_from_cholesky(triangle_of(upper), factor);
-    kernel::copy(reading(factor), view_of(inverse));
-    return true;
-}
-
-template <class Real>
-bool TriangularSolver<Real>::sll_Solve_based_on_LLD(const MatrixSymmetric<Real>* a,
-                                                    const Matrix<Real>* b, Matrix<Real>* x) const {
-    return solve_cholesky(false, a, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::sll_Solve_based_on_LLD(const MatrixSymmetric<Real>* a,
-                                                    const Vector<Real>* b, Vector<Real>* x) const {
-    return solve_cholesky(false, a, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::suu_Solve_based_on_UUD(const MatrixSymmetric<Real>* a,
-                                                    const Matrix<Real>* b, Matrix<Real>* x) const {
-    return solve_cholesky(true, a, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::suu_Solve_based_on_UUD(const MatrixSymmetric<Real>* a,
-                                                    const Vector<Real>* b, Vector<Real>* x) const {
-    return solve_cholesky(true, a, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::ill_Inverse_matrix_based_on_LLD(const MatrixSymmetric<Real>* a,
-                                                             Matrix<Real>* inverse) const {
-    return invert_cholesky(false, a, inverse);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::iuu_Inverse_matrix_based_on_UUD(const MatrixSymmetric<Real>* a,
-                                                             Matrix<Real>* inverse) const {
-    return invert_cholesky(true, a, inverse);
+    const int n = a->mh();
+    const auto invert = [&](const View<Real>& factor) -> const char* {
+        if (inverse->c_Create(n, n) == nullptr) return "1";
+        invert_from_cholesky(triangle_of(upper), factor);
+        kernel::copy(reading(factor), view_of(inverse));
+        return nullptr;
+    };
+    return with_cholesky(upper, method, invert_with_cholesky_name(upper), a, invert);
 }
 
 // Records why not, if not.
@@ -380,65 +286,14 @@ bool TriangularSolver<Real>::invert_with_cholesky(bool upper, const Triangular* 
 }
 
 template <class Real>
-bool TriangularSolver<Real>::u_sll_Solve_based_on_LLD(const MatrixTriangularLower<Real>* l,
-                                                      const Matrix<Real>* b,
-                                                      Matrix<Real>* x) const {
-    return solve_with_cholesky(false, l, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_sll_Solve_based_on_LLD(const MatrixTriangularLower<Real>* l,
-                                                      const Vector<Real>* b,
-                                                      Vector<Real>* x) const {
-    return solve_with_cholesky(false, l, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_sll_Solve_based_on_LLD(const MatrixTriangularLower<Real>* l,
-                                                      Real* data, bool row_major, int k,
-                                                      int n) const {
-    if (!can_solve_with(false, l, n)) return false;
-    if (k < 1) return true;
-    return solve_with_cholesky(false, l, view_of_array(row_major, n, k, data))
-               ? true
-               : this->fail(text::kOutOfMemory, solve_with_cholesky_name(false));
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_suu_Solve_based_on_UUD(const MatrixTriangularUpper<Real>* u,
-                                                      const Matrix<Real>* b,
-                                                      Matrix<Real>* x) const {
-    return solve_with_cholesky(true, u, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_suu_Solve_based_on_UUD(const MatrixTriangularUpper<Real>* u,
-                                                      const Vector<Real>* b,
-                                                      Vector<Real>* x) const {
-    return solve_with_cholesky(true, u, b, x);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_suu_Solve_based_on_UUD(const MatrixTriangularUpper<Real>* u,
-                                                      Real* data, bool row_major, int k,
-                                                      int n) const {
-    if (!can_solve_with(true, u, n)) return false;
-    if (k < 1) return true;
-    return solve_with_cholesky(true, u, view_of_array(row_major, n, k, data))
-               ? true
-               : this->fail(text::kOutOfMemory, solve_with_cholesky_name(true));
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_ill_Inverse_matrix_based_on_LLD(const MatrixTriangularLower<Real>* l,
-                                                               Matrix<Real>* inverse) const {
-    return invert_with_cholesky(false, l, inverse);
-}
-
-template <class Real>
-bool TriangularSolver<Real>::u_iuu_Inverse_matrix_based_on_UUD(const MatrixTriangularUpper<Real>* u,
-                                                               Matrix<Real>* inverse) const {
-    return invert_with_cholesky(true, u, inverse);
+template <class Triangular>
+bool TriangularSolver<Real>::solve_array_with_cholesky(bool upper, const Triangular* factor,
+                                                       Real* data, bool row_major, int k,
+                                                       int n) const {
+    if (!can_solve_with(upper, factor, n)) return false;
+    if (k < 1 || solve_with_cholesky(upper, factor, view_of_array(row_major, n, k, data)))
+        return true;
+    return this->fail(text::kOutOfMemory, solve_with_cholesky_name(upper));
 }
 
 // ---- GJE ---------------------------------------------------------------------------------------
@@ -525,6 +380,73 @@ bool TriangularSolver<Real>::igj_Inverse_matrix_based_on_GJE(const Matrix<Real>*
                ? true
                : this->fail("2", kMethod);
 }
+
+// ---- the names ---------------------------------------------------------------------------------
+
+#define NEQUAR_FROM_MATRIX(solve_name, invert_name, Input, how, kind)                             \
+    template <class Real>                                                                         \
+    bool TriangularSolver<Real>::solve_name(const Input<Real>* a, const Matrix<Real>* b,          \
+                                            Matrix<Real>* x) const {                              \
+        return solve_##how(kind, #solve_name, a, b, x);                                           \
+    }                                                                                             \
+    template <class Real>                                                                         \
+    bool TriangularSolver<Real>::solve_name(const Input<Real>* a, const Vector<Real>* b,          \
+                                            Vector<Real>* x) const {                              \
+        return solve_##how(kind, #solve_name, a, b, x);                                           \
+    }                                                                                             \
+    template <class Real>                                                                         \
+    bool TriangularSolver<Real>::invert_name(const Input<Real>* a, Matrix<Real>* inverse) const { \
+        return invert_##how(kind, #invert_name, a, inverse);                                      \
+    }
+
+#define NEQUAR_FROM_CHOLESKY(solve_name, invert_name, Triangular, upper)                           \
+    template <class Real>                                                                          \
+    bool TriangularSolver<Real>::solve_name(const Triangular<Real>* t, const Matrix<Real>* b,      \
+                                            Matrix<Real>* x) const {                               \
+        return solve_with_cholesky(upper, t, b, x);                                                \
+    }                                                                                              \
+    template <class Real>                                                                          \
+    bool TriangularSolver<Real>::solve_name(const Triangular<Real>* t, const Vector<Real>* b,      \
+                                            Vector<Real>* x) const {                               \
+        return solve_with_cholesky(upper, t, b, x);                                                \
+    }                                                                                              \
+    template <class Real>                                                                          \
+    bool TriangularSolver<Real>::solve_name(const Triangular<Real>* t, Real* data, bool row_major, \
+                                            int k, int n) const {                                  \
+        return solve_array_with_cholesky(upper, t, data, row_major, k, n);                         \
+    }                                                                                              \
+    template <class Real>                                                                          \
+    bool TriangularSolver<Real>::invert_name(const Triangular<Real>* t, Matrix<Real>* inverse)     \
+        const {                                                                                    \
+        return invert_with_cholesky(upper, t, inverse);                                            \
+    }
+
+#define NEQUAR_FROM_LU(Object)                                                      \
+    template <class Real>                                                           \
+    bool TriangularSolver<Real>::u_slu_Solve_based_on_LUD(                          \
+        const MatrixTriangularLower<Real>* l, const MatrixTriangularUpper<Real>* u, \
+        const CNqVectorInt* perm, const Object<Real>* b, Object<Real>* x) const {   \
+        return solve_with_lu(l, u, perm, b, x);                                     \
+    }
+
+NEQUAR_FROM_MATRIX(slu_Solve_based_on_LUD, ilu_Inverse_matrix_based_on_LUD, Matrix, lu,
+                   Pivoting::before_update)
+NEQUAR_FROM_MATRIX(slup_Solve_based_on_LUP, ilup_Inverse_matrix_based_on_LUP, Matrix, lu,
+                   Pivoting::partial)
+NEQUAR_FROM_MATRIX(sll_Solve_based_on_LLD, ill_Inverse_matrix_based_on_LLD, MatrixSymmetric,
+                   cholesky, false)
+NEQUAR_FROM_MATRIX(suu_Solve_based_on_UUD, iuu_Inverse_matrix_based_on_UUD, MatrixSymmetric,
+                   cholesky, true)
+NEQUAR_FROM_LU(Matrix)
+NEQUAR_FROM_LU(Vector)
+NEQUAR_FROM_CHOLESKY(u_sll_Solve_based_on_LLD, u_ill_Inverse_matrix_based_on_LLD,
+                     MatrixTriangularLower, false)
+NEQUAR_FROM_CHOLESKY(u_suu_Solve_based_on_UUD, u_iuu_Inverse_matrix_based_on_UUD,
+                     MatrixTriangularUpper, true)
+
+#undef NEQUAR_FROM_MATRIX
+#undef NEQUAR_FROM_CHOLESKY
+#undef NEQUAR_FROM_LU
 
 template class TriangularSolver<double>;
 template class TriangularSolver<float>;

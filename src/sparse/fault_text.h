@@ -20,6 +20,17 @@ inline const char* text_of_column_fault(SparseFault fault) {
     }
 }
 
+inline const char* text_of_half_fault(SparseFault fault) {
+    switch (fault) {
+        case SparseFault::index_too_large:
+            return "r[k]>=hh";
+        case SparseFault::above_diagonal:
+            return "r[k]<x";
+        default:
+            return text_of_column_fault(fault);
+    }
+}
+
 inline const char* text_of_run_fault(SparseFault fault) {
     switch (fault) {
         case SparseFault::index_negative:

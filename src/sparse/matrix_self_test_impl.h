@@ -7,6 +7,7 @@
 #include "nequar_algebra/sparse/sparse_matrix.h"
 #include "sparse/random_elements.h"
 #include "sparse/self_test.h"
+#include "sparse/self_test_dense.h"
 
 namespace nequar {
 
@@ -33,45 +34,6 @@ bool SparseMatrix<Real>::u_mrsm_Make_a_Random_Sparse_Matrix(int d1, int d2, int 
     this->adopt_failure_of(*s);
     return this->fail("4", kName);
 }
-
-namespace {
-
-template <class Real>
-bool holds(const SparseMatrix<Real>& s, const Matrix<Real>& a) {
-    Matrix<Real> exported;
-    return s.ex(&exported) && exported == a;
-}
-
-// The height x width part of a that begins at (x, y).
-template <class Real>
-Matrix<Real> dense_part(const Matrix<Real>& a, int x, int y, int width, int height) {
-    Matrix<Real> part;
-    part.c_Create(height, width);
-    kernel::copy<Real>(view_of(&a).block(y, x, height, width), view_of(&part));
-    return part;
-}
-
-template <class Real>
-Matrix<Real> dense_line(const SparseVector<Real>& v, bool is_row) {
-    Vector<Real> exported;
-    Matrix<Real> line;
-    v.ex(&exported);
-    line.c_Create(is_row ? 1 : exported.vs(), is_row ? exported.vs() : 1);
-    std::copy(exported.p(), exported.p() + exported.vs(), line.p()[0]);
-    return line;
-}
-
-template <class Real, class Operation>
-Matrix<Real> dense_result(const Matrix<Real>& a, const Matrix<Real>& b,
-                          const Operation& operation) {
-    Matrix<Real> result;
-    result.c_Create(a.mh(), a.mw());
-    for (Size i = 0; i < element_count(&a); ++i)
-        result.p()[0][i] = operation(a.p()[0][i], b.p()[0][i]);
-    return result;
-}
-
-}  // namespace
 
 // ---- elements, statistics, scalars --------------------------------------------------------------
 

@@ -8,6 +8,7 @@
 #include "core/workspace.h"
 #include "frame/views.h"
 #include "sparse/algorithm/dense.h"
+#include "sparse/algorithm/reduce.h"
 #include "sparse/fault_text.h"
 #include "sparse/inside.h"
 #include "sparse/matrix_lines_impl.h"
@@ -151,7 +152,7 @@ template <class Real>
 bool SparseMatrix<Real>::fize(int& x, int& y) const {
     Size column = 0;
     Size row = 0;
-    if (!find_zero(SparseInside<Real>::columns(*this), column, row)) return false;
+    if (!find_zero(SparseInside<Real>::columns(*this), StoredHalf::both, column, row)) return false;
     x = static_cast<int>(column);
     y = static_cast<int>(row);
     return true;

@@ -109,8 +109,7 @@ std::vector<Matrix<Real>> gallery(int m, int n) {
                                      test::rank_deficient_matrix<Real>(m, n, (n + 2) / 3, 5)};
     if (m == n) {
         all.push_back(test::hilbert_matrix<Real>(n));
-        // Larger ones: see KahanMatrixKeepsOrthogonality below.
-        if (n < 130) all.push_back(test::kahan_matrix<Real>(n));
+        all.push_back(test::kahan_matrix<Real>(n));
         all.push_back(test::growing_matrix<Real>(n));
         all.push_back(test::graded_matrix<Real>(n, decades));
         all.push_back(test::identity_of<Real>(n));
@@ -153,19 +152,6 @@ TYPED_TEST(OrthogonalFactorizations, RebuildTheMatrix) {
                 EXPECT_TRUE(as_output == q);
             }
         }
-}
-
-// Falls short of the bound of 30 n eps: LQ of the Kahan matrix of order 130, whose reflectors are
-// nearly parallel and have long runs of equal elements, gives 55 in float with AVX2, and 34 in
-// double with the plain loops. Not understood yet.
-TYPED_TEST(OrthogonalFactorizations, DISABLED_KahanMatrixKeepsOrthogonality) {
-    using Real = TypeParam;
-    const Matrix<Real> a = test::kahan_matrix<Real>(130);
-    for (const Form form : kForms) {
-        Matrix<Real> t, q;
-        ASSERT_TRUE(this->dense(form, &a, &t, &q));
-        EXPECT_LT(orthogonality(q), 30) << "form " << int(form);
-    }
 }
 
 TYPED_TEST(OrthogonalFactorizations, TextbookValues) {

@@ -37,7 +37,8 @@ TEST(ProgramSolve, EveryMethodSolvesInBothPrecisions) {
     const std::string a =
         folder.file("A.mtx", "%%MatrixMarket matrix array real symmetric\n3 3\n4\n2\n1\n5\n2\n6\n");
     const std::string b = folder.file("b.mtx", kArray + "3 1\n3\n-2\n15\n");
-    for (const char* method : {"auto", "lup", "lud", "llt", "uut", "gje"}) {
+    for (const char* method :
+         {"auto", "lup", "lud", "llt", "uut", "gje", "qrd", "qld", "rqd", "lqd"}) {
         SCOPED_TRACE(method);
         expect_values(solution_of(folder, {a, b, "--method", method}), {1, -2, 3}, 1e-14);
         expect_values(solution_of(folder, {a, b, "--method", method, "--float"}), {1, -2, 3}, 1e-5);

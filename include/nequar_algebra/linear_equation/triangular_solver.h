@@ -153,6 +153,9 @@ protected:
 private:
     using Pivoting = typename TriangularFactorization<Real>::Pivoting;
 
+    template <class Use>
+    bool with_lu(Pivoting pivoting, const char* method, const char* inner, const Matrix<Real>* a,
+                 const Use& use) const;
     template <class Object>
     bool solve_lu(Pivoting pivoting, const char* method, const Matrix<Real>* a, const Object* b,
                   Object* x) const;
@@ -167,10 +170,14 @@ private:
                        const CNqVectorInt* perm, const View<const Real>& b,
                        const View<Real>& x) const;
 
+    template <class Use>
+    bool with_cholesky(bool upper, const char* method, const char* inner,
+                       const MatrixSymmetric<Real>* a, const Use& use) const;
     template <class Object>
-    bool solve_cholesky(bool upper, const MatrixSymmetric<Real>* a, const Object* b,
-                        Object* x) const;
-    bool invert_cholesky(bool upper, const MatrixSymmetric<Real>* a, Matrix<Real>* inverse) const;
+    bool solve_cholesky(bool upper, const char* method, const MatrixSymmetric<Real>* a,
+                        const Object* b, Object* x) const;
+    bool invert_cholesky(bool upper, const char* method, const MatrixSymmetric<Real>* a,
+                         Matrix<Real>* inverse) const;
     template <class Triangular>
     bool can_solve_with(bool upper, const Triangular* factor, std::ptrdiff_t n) const;
     template <class Triangular, class Object>
@@ -178,6 +185,9 @@ private:
                              Object* x) const;
     template <class Triangular>
     bool solve_with_cholesky(bool upper, const Triangular* factor, const View<Real>& x) const;
+    template <class Triangular>
+    bool solve_array_with_cholesky(bool upper, const Triangular* factor, Real* data, bool row_major,
+                                   int k, int n) const;
     template <class Triangular>
     bool invert_with_cholesky(bool upper, const Triangular* factor, Matrix<Real>* inverse) const;
 

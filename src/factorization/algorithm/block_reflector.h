@@ -26,6 +26,10 @@ namespace nequar {
 template <class Real>
 void couple_reflectors(View<const Real> u, View<Real> s);
 
+// S12 := U1^T U2, the coupling of a block with one after it.
+template <class Real>
+void couple_blocks(View<const Real> u1, View<const Real> u2, View<Real> s12);
+
 enum class Side { q, q_transposed };
 
 // C := Q C or Q^T C with w (b x width of C) as scratch

@@ -171,7 +171,8 @@ Outcome hessenberg(View<Real> a, const View<Real>* q, Size block) {
                 for (Size j = 0; j < n; ++j) (*q)(i, j) = i == j;
         return Outcome::success();
     }
-    if (block == 0) block = n < kSmallestBlockedSize ? 1 : n < 160 ? 16 : n < 300 ? 24 : 32;
+    if (block == 0)
+        block = n < kSmallestBlockedSize ? 1 : n < 80 ? 8 : n < 300 ? 16 : n < 768 ? 32 : 48;
     return block == 1 ? hessenberg_plain(a, q) : hessenberg_blocked(a, q, block);
 }
 

@@ -13,7 +13,7 @@ using kernel::Update;
 
 namespace {
 
-constexpr Size kSmallestBlockedSize = 48;
+constexpr Size kSmallestBlockedSize = 80;
 
 // The running column norms and what they choose.
 template <class Real>
@@ -192,7 +192,11 @@ Outcome pivoted_qr(View<Real> a, const View<Real>* q, int* perm, PivotedQrResult
     result = {};
     Pivoting<Real> pivoting{norms.data(), perm, n, &result};
     pivoting.start(reading(a));
-    const Size block = blocking.block > 0 ? blocking.block : n < kSmallestBlockedSize ? 1 : 32;
+    const Size block = blocking.block > 0         ? blocking.block
+                       : n < kSmallestBlockedSize ? 1
+                       : n < 300                  ? 16
+                       : n < 768                  ? 32
+                                                  : 48;
     return block == 1 ? pivoted_qr_plain(a, q, pivoting)
                       : pivoted_qr_blocked(a, q, pivoting, block);
 }

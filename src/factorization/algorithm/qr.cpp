@@ -7,12 +7,11 @@
 
 namespace nequar {
 
-using kernel::Update;
-
 namespace {
 
 // Blocks pay when the trailing matrix is large beside a panel.
-constexpr Size kSmallestBlockedSize = 56;
+constexpr Size kSmallestBlockedSize = 32;
+constexpr Size kTall = 100;  // so high, columns are worth copying out whatever the width
 
 Size largest(Size a, Size b, Size c) {
     const Size of_two = a > b ? a : b;
@@ -75,8 +74,8 @@ void qr_panel(View<Real> p, View<Real> u, View<Real> s, Size leaf, Real* w) {
     qr_panel(p2.rows(first, rows - first), u2, s.block(first, first, second, second), leaf, w);
     kernel::fill(Real(0), u.block(0, first, first, second));
     // S12 = U1^T U2, where U2 is zero in the first rows
-    kernel::gemm(Real(1), reading(u1.rows(first, rows - first).transposed()), reading(u2),
-                 Update::set, s.block(0, first, first, second));
+    couple_blocks(reading(u1.rows(first, rows - first)), reading(u2),
+                  s.block(0, first, first, second));
 }
 
 template <class Real>
@@ -120,8 +119,13 @@ void qr_blocked(View<Real> a, const QrTargets<Real>& targets, Size block, Size l
 Size block_of_qr(Size height, Size width, QrBlocking blocking) {
     const Size count = reflections_of_qr(height, width);
     if (blocking.block > 0) return blocking.block;
-    if (count < kSmallestBlockedSize) return 1;
-    return count < 192 ? 24 : count < 384 ? 32 : count < 768 ? 48 : 64;
+    if (count < kSmallestBlockedSize) return height < kTall ? 1 : 8;
+    if (count < 80) return 16;
+    if (count < 160) return 24;
+    if (count < 384) return 32;
+    // The trailing matrix of a long one is beyond the caches: few ways through it.
+    if (count < 768) return height > 4 * width ? 128 : 48;
+    return height > 4 * width ? 128 : 64;
 }
 
 template <class Real>

@@ -149,22 +149,23 @@ Size first_zero_before_end(const Run<Real>& run) {
 }
 
 template <class Real>
-bool find_zero(const Columns<Real>& a, Size& column, Size& row) {
+bool find_zero(const Columns<Real>& a, StoredHalf half, Size& column, Size& row) {
     for (Size c = 0; c < a.width; ++c) {
         const Run<Real> run = a.column(c);
-        if (run.count >= a.height) continue;
-        // indices[k] - k never decreases along a run: it is 0 before the first gap and not after
-        // it.
+        const Size top = half == StoredHalf::lower ? c : 0;
+        if (run.count >= a.height - top) continue;
+        // indices[k] - k never decreases along a run: it is `top` before the first gap and not
+        // after it.
         Size gap = 0;
         for (Size end = run.count; gap < end;) {
             const Size middle = gap + (end - gap) / 2;
-            if (run.indices[middle] == middle)
+            if (run.indices[middle] == top + middle)
                 gap = middle + 1;
             else
                 end = middle;
         }
         column = c;
-        row = gap;
+        row = top + gap;
         return true;
     }
     for (Size c = 0; c < a.width; ++c) {
@@ -207,17 +208,17 @@ Size remove_zeros(Real* values, int* rows, int* start, Size width) {
     return to;
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                 \
-    template Real sum(const Real*, Size);                        \
-    template Real mean(const Real*, Size, Size);                 \
-    template Real deviation(const Real*, Size, Size, Real);      \
-    template Size position_of_largest(const Real*, Size);        \
-    template Size position_of_smallest(const Real*, Size);       \
-    template bool has_zero(const Real*, Size);                   \
-    template void divide(const Real*, Size, Real, Real*);        \
-    template Size first_zero_before_end(const Run<Real>&);       \
-    template bool find_zero(const Columns<Real>&, Size&, Size&); \
-    template Size remove_zeros(Real*, int*, Size);               \
+#define NEQUAR_INSTANTIATE(Real)                                             \
+    template Real sum(const Real*, Size);                                    \
+    template Real mean(const Real*, Size, Size);                             \
+    template Real deviation(const Real*, Size, Size, Real);                  \
+    template Size position_of_largest(const Real*, Size);                    \
+    template Size position_of_smallest(const Real*, Size);                   \
+    template bool has_zero(const Real*, Size);                               \
+    template void divide(const Real*, Size, Real, Real*);                    \
+    template Size first_zero_before_end(const Run<Real>&);                   \
+    template bool find_zero(const Columns<Real>&, StoredHalf, Size&, Size&); \
+    template Size remove_zeros(Real*, int*, Size);                           \
     template Size remove_zeros(Real*, int*, int*, Size);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sparse/algorithm/columns.h"
+#include "sparse/algorithm/validity.h"
 
 namespace nequar {
 
@@ -38,8 +39,9 @@ template <class Real>
 Size first_zero_before_end(const Run<Real>& run);
 
 // A zero element: the first gap of the first column that is not full, else the first stored zero.
+// Of a lower half, column c begins with row c.
 template <class Real>
-bool find_zero(const Columns<Real>& a, Size& column, Size& row);
+bool find_zero(const Columns<Real>& a, StoredHalf half, Size& column, Size& row);
 
 // Deletes the zeros; answers how many elements remain. For a matrix the start pointers, which are
 // in order, follow.

@@ -1,18 +1,15 @@
 #include "numbers/methods.h"
 
-#include <chrono>
 #include <cmath>
 #include <limits>
 #include <type_traits>
 
 #include "long_step.h"
+#include "numbers/stopwatch.h"
+#include "numbers/tolerance.h"
 
 namespace program {
 namespace {
-
-double seconds_since(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 // max |a_i|; NaN when there is one.
 template <class Real>
@@ -61,17 +58,17 @@ void solve_by_lu(const typename Twin<Real>::Matrix& a, const typename Twin<Real>
     CNqVectorInt perm;
     int interchanges = 0;
     const LongStep step("factoring P A = L U");
-    auto start = std::chrono::steady_clock::now();
+    const Stopwatch factoring;
     if (!factor(solver, &a, &l, &u, &perm, interchanges)) fail(solver, *solution.method, hint);
-    solution.factor_seconds = seconds_since(start);
+    solution.factor_seconds = factoring.seconds();
     solution.growth = largest_magnitude(u.p(), u.vs()) / largest_magnitude<Real>(a);
     solution.growth_is = "max|U| / max|A|";
-    start = std::chrono::steady_clock::now();
+    const Stopwatch solving;
     if (!solve_columns<Real>(b, solution, [&](const auto* right, auto* x) {
             return solver.u_slu_Solve_based_on_LUD(&l, &u, &perm, right, x);
         }))
         fail(solver, *solution.method, "");
-    solution.solve_seconds = seconds_since(start);
+    solution.solve_seconds = solving.seconds();
 }
 
 template <class Real>
@@ -107,22 +104,22 @@ void solve_by_cholesky(const typename Twin<Real>::Matrix& a, const typename Twin
     typename Twin<Real>::Symmetric packed;
     Factor factor;
     const LongStep step(std::string("factoring ") + solution.method->equation);
-    auto start = std::chrono::steady_clock::now();
+    const Stopwatch factoring;
     packed.i_Import(&a);
     if (packed.mh_Matrix_Height() != a.mh())
         throw Failure("there is not enough memory for the factorization");
     if (!solver.dch_Decompose_matrix_by_Cholesky_algorithm(&packed, &factor))
         fail(solver, *solution.method, "");
-    solution.factor_seconds = seconds_since(start);
+    solution.factor_seconds = factoring.seconds();
     const double largest = largest_magnitude(factor.p(), factor.vs());
     solution.growth = largest / largest_magnitude<Real>(a) * largest;
     solution.growth_is = "max|factor|^2 / max|A|";
-    start = std::chrono::steady_clock::now();
+    const Stopwatch solving;
     if (!solve_columns<Real>(b, solution, [&](const auto* right, auto* x) {
             return solve_by_factor(solver, &factor, right, x);
         }))
         fail(solver, *solution.method, "");
-    solution.solve_seconds = seconds_since(start);
+    solution.solve_seconds = solving.seconds();
 }
 
 template <class Real>
@@ -143,17 +140,75 @@ void solve_by_uut(const typename Twin<Real>::Matrix& a, const typename Twin<Real
         });
 }
 
-template <class Real>
-void solve_by_gje(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
+// The methods that hand out no factors: one operation of the library does all.
+struct ByGaussJordan {
+    static constexpr const char* step = "eliminating by Gauss-Jordan";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        return solver.sgj_Solve_based_on_GJE(a, b, x);
+    }
+};
+struct ByQr {
+    static constexpr const char* step = "factoring A = Q R and solving";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        return solver.sqr_Solve_based_on_QRD(a, b, x);
+    }
+};
+struct ByQl {
+    static constexpr const char* step = "factoring A = Q L and solving";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        return solver.sql_Solve_based_on_QLD(a, b, x);
+    }
+};
+struct ByRq {
+    static constexpr const char* step = "factoring A = R Q and solving";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        return solver.srq_Solve_based_on_RQD(a, b, x);
+    }
+};
+struct ByLq {
+    static constexpr const char* step = "factoring A = L Q and solving";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        return solver.slq_Solve_based_on_LQD(a, b, x);
+    }
+};
+
+struct BySvd {
+    static constexpr const char* step = "decomposing A = U S V' and solving";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        using Real = std::remove_cvref_t<decltype((*a)[0][0])>;
+        return solver.ssv_Solve_based_on_SVD(
+            a, static_cast<Real>(rounding_tolerance<Real>(a->mh(), a->mw())), b, x);
+    }
+};
+struct ByEigenvalues {
+    static constexpr const char* step = "decomposing A = V D V' and solving";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        using Real = std::remove_cvref_t<decltype((*a)[0][0])>;
+        typename Twin<Real>::Symmetric packed;
+        packed.i_Import(a);
+        return solver.sev_Solve_based_on_EVD(
+            &packed, static_cast<Real>(rounding_tolerance<Real>(a->mh(), a->mw())), b, x);
+    }
+};
+
+template <class Real, class Way>
+void solve_in_one(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
                   Solution<Real>& solution) {
-    typename Twin<Real>::Solver solver;
-    const LongStep step("eliminating by Gauss-Jordan");
-    const auto start = std::chrono::steady_clock::now();
+    const typename Twin<Real>::Solver solver;
+    const LongStep step(Way::step);
+    const Stopwatch watch;
     if (!solve_columns<Real>(b, solution, [&](const auto* right, auto* x) {
-            return solver.sgj_Solve_based_on_GJE(&a, right, x);
+            return Way::solve(solver, &a, right, x);
         }))
         fail(solver, *solution.method, "");
-    solution.solve_seconds = seconds_since(start);
+    solution.solve_seconds = watch.seconds();
 }
 
 constexpr Method kMethods[] = {
@@ -170,8 +225,26 @@ constexpr Method kMethods[] = {
     {"gje", "Gauss-Jordan",
      "elimination with full pivot search, which scales by the magnitude of each pivot: one "
      "negative pivot makes the solution wrong",
-     false, solve_by_gje<double>, solve_by_gje<float>},
+     false, solve_in_one<double, ByGaussJordan>, solve_in_one<float, ByGaussJordan>},
+    {"qrd", "A = Q R",
+     "Householder QR, for any regular matrix: growth never happens, at twice the "
+     "cost of LU",
+     false, solve_in_one<double, ByQr>, solve_in_one<float, ByQr>},
+    {"qld", "A = Q L", "Householder QL, as safe", false, solve_in_one<double, ByQl>,
+     solve_in_one<float, ByQl>},
+    {"rqd", "A = R Q", "Householder RQ, as safe", false, solve_in_one<double, ByRq>,
+     solve_in_one<float, ByRq>},
+    {"lqd", "A = L Q", "Householder LQ, as safe", false, solve_in_one<double, ByLq>,
+     solve_in_one<float, ByLq>},
+    {"svd", "A = U S V'", "singular values, which tell how near to singular the matrix is", false,
+     solve_in_one<double, BySvd>, solve_in_one<float, BySvd>},
+    {"evd", "A = V D V'", "eigenvalues, for symmetric matrices", true,
+     solve_in_one<double, ByEigenvalues>, solve_in_one<float, ByEigenvalues>},
 };
+
+// The library's numbers of its methods.
+constexpr const char* kByNumber[] = {"gje", "lud", "qrd", "qld", "rqd",
+                                     "lqd", "svd", "llt", "uut", "evd"};
 
 template <class Real>
 void run(const Method& method, const typename Twin<Real>::Matrix& a,
@@ -216,8 +289,10 @@ std::span<const Method> method_table() {
 }
 
 const Method* find_method(const std::string& name) {
+    const bool is_number = name.size() == 1 && name[0] >= '0' && name[0] <= '9';
+    const std::string word = is_number ? kByNumber[name[0] - '0'] : name;
     for (const Method& method : kMethods)
-        if (name == method.name) return &method;
+        if (word == method.name) return &method;
     return nullptr;
 }
 

@@ -13,9 +13,18 @@ struct Twin<double> {
     static constexpr const char* precision = "double";
     using Matrix = CNqMatrix;
     using Vector = CNqVector;
+    using Diagonal = CNqMatrix_Diagonal;
     using Symmetric = CNqMatrix_Symmetric;
     using Lower = CNqMatrix_TriangularLower;
     using Upper = CNqMatrix_TriangularUpper;
+    using Toeplitz = CNqMatrix_Toeplitz_Symmetric;
+    using Vandermonde = CNqMatrix_Vandermonde;
+    using Random = CNqRandom_Number_Generator_Advanced;
+    using Pca = CNqPrPca;
+    using SparseVector = CNqSvector;
+    using Sparse = CNqSmatrix;
+    using SparseSymmetric = CNqSmatrix_Symmetric;
+    using Algebra = LCNqAlgebra_for_Matrix;
     using Solver = LCNqUtility_for_Linear_Equation;
 };
 
@@ -24,9 +33,18 @@ struct Twin<float> {
     static constexpr const char* precision = "single";
     using Matrix = CNqMatrixFloat;
     using Vector = CNqVectorFloat;
+    using Diagonal = CNqMatrixFloat_Diagonal;
     using Symmetric = CNqMatrixFloat_Symmetric;
     using Lower = CNqMatrixFloat_TriangularLower;
     using Upper = CNqMatrixFloat_TriangularUpper;
+    using Toeplitz = CNqMatrixFloat_Toeplitz_Symmetric;
+    using Vandermonde = CNqMatrixFloat_Vandermonde;
+    using Random = CNqRandomFloat_Number_Generator_Advanced;
+    using Pca = CNqPrPcaFloat;
+    using SparseVector = CNqSvectorFloat;
+    using Sparse = CNqSmatrixFloat;
+    using SparseSymmetric = CNqSmatrixFloat_Symmetric;
+    using Algebra = LCNqAlgebra_for_MatrixFloat;
     using Solver = LCNqUtility_for_Linear_Equation_Float;
 };
 
