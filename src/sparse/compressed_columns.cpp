@@ -290,8 +290,7 @@ bool CompressedColumns<Real>::write_element(int x, int y, Real v, const char* me
     if (x < settled_) {
         for (int c = x + 1; c <= settled_; ++c) ++start_[c];
     } else {
-        std::fill(start_.p() + settled_ + 1, start_.p() + x + 1, before);
-        settled_ = x;
+        while (settled_ < x) start_[++settled_] = before;
         if (start_is_shared_) settle();
     }
     return true;

@@ -198,6 +198,8 @@ TYPED_TEST(SparseSymmetric, ExtremeValues) {
         s.mst(deviation);
         EXPECT_NEAR(deviation / v, std::sqrt(39.0) / 16, 1e-6);
         EXPECT_NEAR(s.nf() / v, std::sqrt(3.0), 1e-6);
+        s.czm(1, 1);  // no zero elements
+        EXPECT_TRUE(s.se(0, 0, v) && s.mst(deviation) == v && deviation == Real(0));
     }
     auto s = sample<Real>();
     s.se(3, 3, std::numeric_limits<Real>::quiet_NaN());

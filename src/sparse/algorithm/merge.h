@@ -13,7 +13,11 @@
 // the target's own run.
 #pragma once
 
+#include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "sparse/algorithm/columns.h"
 
@@ -24,11 +28,9 @@ template <class Real>
 struct AddRule {
     Real factor;
 
-    static constexpr bool keeps_alone = true;
+    static constexpr bool adds = true;
     bool inserts(Real b) const { return b != Real(0); }
     Real inserted(Real b) const { return factor * b; }
-    Real both(Real a, Real b) const { return b != Real(0) ? a + factor * b : a; }
-    Real alone(Real a) const { return a; }
 };
 
 // target += factor source, element by element: only a product other than zero is inserted.
@@ -36,21 +38,17 @@ template <class Real>
 struct AddElementsRule {
     Real factor;
 
-    static constexpr bool keeps_alone = true;
+    static constexpr bool adds = true;
     bool inserts(Real b) const { return factor * b != Real(0); }
     Real inserted(Real b) const { return factor * b; }
-    Real both(Real a, Real b) const { return a + factor * b; }
-    Real alone(Real a) const { return a; }
 };
 
 // target := source. What only the target stores becomes a stored zero.
 template <class Real>
 struct WriteRule {
-    static constexpr bool keeps_alone = false;
+    static constexpr bool adds = false;
     bool inserts(Real b) const { return b != Real(0); }
     Real inserted(Real b) const { return b; }
-    Real both(Real, Real b) const { return b; }
-    Real alone(Real) const { return Real(0); }
 };
 
 // How many elements of the source, each moved down by `shift` rows, are to be inserted among the
@@ -78,50 +76,95 @@ void move_up(Element* elements, Size begin, Size end, Size by) {
                      static_cast<std::size_t>(end - begin) * sizeof(Element));
 }
 
-// Writes the source into the target's elements [part.begin, part.end); the result ends where the
-// part did, `room` places further up. Answers the room that is left below the result.
+// x, or, if it is not wanted, -0.0, which added to anything leaves it as it is.
+template <class Real>
+Real if_wanted(Real x, bool is_wanted) {
+    using Bits = std::conditional_t<sizeof(Real) == 8, std::uint64_t, std::uint32_t>;
+    constexpr Bits kSign = Bits(1) << (8 * sizeof(Bits) - 1);
+    const Bits mask = Bits(0) - Bits(is_wanted);
+    return std::bit_cast<Real>(((std::bit_cast<Bits>(x) ^ kSign) & mask) ^ kSign);
+}
+
+// Adds the source to the target's elements [part.begin, part.end); the result ends where the part
+// did, `room` places further up. Answers the room that is left below the result. What comes next is
+// a coin toss in each step, so nothing branches on it.
 template <class Rule, class Real>
-Size merge_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
+Size add_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
+                  const Run<Real>& source, Size shift) {
+    Size i = part.end - 1;
+    Size j = source.count - 1;
+    while (i >= part.begin && j >= 0 && room > 0) {
+        const Real b = source.values[j];
+        if (!rule.inserts(b)) {  // rare
+            --j;
+            continue;
+        }
+        const Size in_target = rows[i];
+        const Size in_source = source.indices[j] + shift;
+        const bool takes_target = in_target >= in_source;
+        const bool takes_source = in_source >= in_target;
+        const Size to = i + room;
+        values[to] = if_wanted(values[i], takes_target) + if_wanted(rule.inserted(b), takes_source);
+        rows[to] = static_cast<int>(std::max(in_target, in_source));
+        i -= takes_target;
+        j -= takes_source;
+        room -= !takes_target;
+    }
+    if (room == 0) {  // what is left of the source stands in the target already
+        while (i >= part.begin && j >= 0) {
+            const Real b = source.values[j];
+            const Size in_target = rows[i];
+            const Size in_source = source.indices[j] + shift;
+            values[i] += if_wanted(rule.inserted(b), in_target == in_source && rule.inserts(b));
+            i -= in_target >= in_source;
+            j -= in_source >= in_target;
+        }
+        return 0;
+    }
+    for (; j >= 0 && room > 0; --j) {
+        const Real b = source.values[j];
+        if (!rule.inserts(b)) continue;
+        rows[i + room] = static_cast<int>(source.indices[j] + shift);
+        values[i + room] = rule.inserted(b);
+        --room;
+    }
+    move_up(values, part.begin, i + 1, room);
+    move_up(rows, part.begin, i + 1, room);
+    return room;
+}
+
+// The same for a source that replaces the target's elements: what it does not store becomes zero.
+template <class Rule, class Real>
+Size write_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
                     const Run<Real>& source, Size shift) {
     Size i = part.end - 1;
     Size j = source.count - 1;
-    Size to = part.end + room - 1;
-    while (i >= part.begin && j >= 0) {
-        const Size in_target = rows[i];
-        const Size in_source = source.indices[j] + shift;
-        const Real b = source.values[j];
-        if (in_target > in_source) {
-            rows[to] = rows[i];
-            values[to] = rule.alone(values[i]);
-            --to, --i;
-        } else if (in_target == in_source) {
-            rows[to] = rows[i];
-            values[to] = rule.both(values[i], b);
-            --to, --i, --j;
+    while (i >= part.begin || (j >= 0 && room > 0)) {
+        const Size in_target = i >= part.begin ? rows[i] : PTRDIFF_MIN;
+        const Size in_source = j >= 0 ? source.indices[j] + shift : PTRDIFF_MIN;
+        if (in_target >= in_source) {
+            rows[i + room] = rows[i];
+            values[i + room] = in_target == in_source ? source.values[j] : Real(0);
+            --i;
+            j -= in_target == in_source;
         } else {
-            if (rule.inserts(b)) {
-                rows[to] = static_cast<int>(in_source);
-                values[to] = rule.inserted(b);
-                --to;
-            }
-            --j;
+            const Real b = source.values[j--];
+            if (!rule.inserts(b) || room == 0) continue;
+            rows[i + room] = static_cast<int>(in_source);
+            values[i + room] = rule.inserted(b);
+            --room;
         }
     }
-    for (; j >= 0; --j) {
-        const Real b = source.values[j];
-        if (!rule.inserts(b)) continue;
-        rows[to] = static_cast<int>(source.indices[j] + shift);
-        values[to] = rule.inserted(b);
-        --to;
-    }
-    const Size left = to - i;
-    if constexpr (Rule::keeps_alone) {
-        move_up(values, part.begin, i + 1, left);
-    } else {
-        for (Size k = i; k >= part.begin; --k) values[k + left] = rule.alone(values[k]);
-    }
-    move_up(rows, part.begin, i + 1, left);
-    return left;
+    return room;
+}
+
+template <class Rule, class Real>
+Size merge_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
+                    const Run<Real>& source, Size shift) {
+    if constexpr (Rule::adds)
+        return add_from_end(rule, rows, values, part, room, source, shift);
+    else
+        return write_from_end(rule, rows, values, part, room, source, shift);
 }
 
 // The number of elements to be inserted into columns first … last-1 of the target: part_of(rows,
