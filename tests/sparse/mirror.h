@@ -103,7 +103,7 @@ nequar::Matrix<Real> dense_of(const Mirror<Real>& m) {
 // What is wrong with the storage of a matrix, or how it differs from its mirror; "" when all is
 // well.
 template <class Real>
-std::string fault_of(const nequar::SparseMatrix<Real>& s, const Mirror<Real>& m) {
+std::string fault_of(const nequar::CompressedColumns<Real>& s, const Mirror<Real>& m) {
     const nequar::Vector<int>* start_vector = nullptr;
     const Real* values = nullptr;
     const int* rows = nullptr;

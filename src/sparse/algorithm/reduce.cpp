@@ -97,7 +97,8 @@ Real deviation(const Real* x, Size count, Size total, Real mean) {
     if (total == 0) return Real(0);
     const auto elements = static_cast<Real>(total);
     const auto zeros = static_cast<Real>(total - count);
-    const Real plain = squares_about(x, count, mean) + zeros * (mean * mean);
+    Real plain = squares_about(x, count, mean);
+    if (total > count) plain += zeros * (mean * mean);  // which may overflow
     if (std::isfinite(plain) && plain > kSafelyLarge<Real>) return std::sqrt(plain / elements);
     Real largest = total > count ? std::abs(mean) : Real(0);
     for (Size k = 0; k < count; ++k) largest = std::max(largest, std::abs(x[k] - mean));
