@@ -10,7 +10,6 @@
 #include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
-#include "support/stated_schemes.h"
 
 namespace nequar {
 namespace {
@@ -391,9 +390,6 @@ TYPED_TEST(TriangularSolvers, GaussJordan) {
     for (const int n : {1, 4, 33}) {
         for (const int k : {1, 2, n + 3}) {
             this->prepare(n, k);
-            Matrix<Real> stated_a = this->a;
-            Matrix<Real> stated_b = this->b;
-            ASSERT_TRUE(test::stated_gauss_jordan(stated_a, stated_b));
             for (const bool row_major : {true, false}) {
                 Matrix<Real> left = this->a;  // symmetric: the same in both layouts
                 const Matrix<Real> laid = row_major ? this->b : test::transposed(this->b);
@@ -401,14 +397,12 @@ TYPED_TEST(TriangularSolvers, GaussJordan) {
                 data.push_back(77);
                 ASSERT_TRUE(f.u_sgj_Solve_based_on_GJE(row_major, n, k, left.p()[0], data.data()));
                 EXPECT_EQ(data.back(), Real(77));
-                const auto at = [&](int i, int c) {
+                const auto x_of_array = test::matrix_of<Real>(n, k, [&](int i, int c) {
                     return data[static_cast<std::size_t>(row_major ? i * k + c : i + n * c)];
-                };
-                EXPECT_LT(test::largest_difference(test::matrix_of<Real>(n, k, at), stated_b),
+                });
+                EXPECT_LT(test::solution_residual(this->a, x_of_array, this->b), 3.0);
+                EXPECT_LT(test::largest_difference(left, test::identity_of<Real>(n)),
                           1e4 * test::kEpsilon<Real>);
-                EXPECT_LT(
-                    test::largest_difference(row_major ? left : test::transposed(left), stated_a),
-                    1e4 * test::kEpsilon<Real>);
             }
         }
     }
