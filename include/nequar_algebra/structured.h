@@ -7,4 +7,6 @@
 #include "nequar_algebra/structured/diagonal.h"
 #include "nequar_algebra/structured/packed.h"
 #include "nequar_algebra/structured/symmetric.h"
+#include "nequar_algebra/structured/toeplitz.h"
 #include "nequar_algebra/structured/triangular.h"
+#include "nequar_algebra/structured/vandermonde.h"

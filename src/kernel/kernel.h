@@ -32,6 +32,7 @@ template <class Real> void add_constant(Size n, const Real* a, Real c, Real* out
 template <class Real> void scale(Size n, const Real* a, Real c, Real* out);  // out = c a
 template <class Real> void multiply_elementwise(Size n, const Real* a, const Real* b, Real* out);
 template <class Real> void fill(Size n, Real value, Real* out);
+template <class Real> void add_reversed(Size n, Real alpha, Real* x);  // x_i += alpha x_{n-1-i}
 
 // ---- level 1, strided (any stride, zero and negative included where they make sense) ------------
 
@@ -59,6 +60,8 @@ template <class Real> Size index_of_largest_magnitude(Strided<const Real> x);
 template <class Real> void gemv(Real alpha, View<const Real> a, Strided<const Real> x, Update update, Strided<Real> y);
 // A += alpha x y^T
 template <class Real> void ger(Real alpha, Strided<const Real> x, Strided<const Real> y, View<Real> a);
+// y := A x for a symmetric A (contiguous rows) of which the upper triangle alone is read; no overlap
+template <class Real> void symv_upper(View<const Real> a, const Real* x, Real* y);
 // x := T^-1 x
 template <class Real> void trsv(Triangle triangle, Diagonal diagonal, View<const Real> t, Strided<Real> x);
 
@@ -121,5 +124,16 @@ template <class Real> void last_largest_of_columns(View<const Real> a, const int
 // For each row r of a (contiguous): factors[r] := a(r, column), a(r, :) -= factors[r] pivot_row, and then
 // largest[r] := max |a(r, j)| weight[j], NaN left out.
 template <class Real> void eliminate_column(Size column, const Real* pivot_row, const Real* weight, View<Real> a, Real* factors, Real* largest);
+
+// ---- rotations of rows --------------------------------------------------------------------------
+
+// For each row r of `pairs` in turn, and in it for i = 0, 1, ... while row i + 1 of A exists:
+//   (a_i, a_(i+1)) := (c a_i - s a_(i+1), s a_i + c a_(i+1)),  c = pairs(r, 2 i), s = pairs(r, 2 i + 1)
+// The rows of both are contiguous; A is best a strip of columns that stays in the cache.
+template <class Real> void rotate_rows(View<const Real> pairs, View<Real> a);
+// For q = 0, 1, ...: with g an element of x and h that of row q of A (contiguous rows),
+//   (g, h) := (g - s (h + g tau), h + s (g - h tau)),   s = pairs[2 q], tau = pairs[2 q + 1]
+// A row with s = 0 is passed over. x is no row of A.
+template <class Real> void rotate_with_rows(const Real* pairs, Real* x, View<Real> a);
 
 }  // namespace nequar::kernel

@@ -41,6 +41,11 @@ void fill(Size n, Real value, Real* out) {
 }
 
 template <class Real>
+void add_reversed(Size n, Real alpha, Real* x) {
+    table<Real>().add_reversed(n, alpha, x);
+}
+
+template <class Real>
 Real dot(Strided<const Real> x, Strided<const Real> y) {
     turn_forwards(x, y);
     return table<Real>().dot(x.size, x.data, x.stride, y.data, y.stride);
@@ -99,6 +104,7 @@ Size index_of_largest_magnitude(Strided<const Real> x) {
     template void scale(Size, const Real*, Real, Real*);                           \
     template void multiply_elementwise(Size, const Real*, const Real*, Real*);     \
     template void fill(Size, Real, Real*);                                         \
+    template void add_reversed(Size, Real, Real*);                                 \
     template Real dot(Strided<const Real>, Strided<const Real>);                   \
     template Real sum_of_magnitudes(Strided<const Real>);                          \
     template Real distance_squared(Strided<const Real>, Strided<const Real>);      \

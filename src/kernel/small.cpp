@@ -1,4 +1,4 @@
-// The face of the eliminations of what is small, or a step.
+// The face of the eliminations of what is small, or a step, and of rotations.
 #include "kernel/block.h"
 #include "kernel/dispatch.h"
 #include "kernel/kernel.h"
@@ -36,12 +36,31 @@ void eliminate_column(Size column, const Real* pivot_row, const Real* weight, Vi
                                    a.row_stride, factors, largest);
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                             \
-    template Size lu_small(Rounding, View<const Real>, const int*, View<Real>);              \
-    template Size cholesky_small(Rounding, View<const Real>, View<Real>);                    \
-    template Size lu_panel(Rounding, View<Real>, int*);                                      \
-    template void last_largest_of_columns(View<const Real>, const int*, Size, Real*, Real*); \
-    template void eliminate_column(Size, const Real*, const Real*, View<Real>, Real*, Real*);
+template <class Real>
+void rotate_rows(View<const Real> pairs, View<Real> a) {
+    table<Real>().rotate_rows(pairs.height, a.height - 1, a.width, pairs.data, pairs.row_stride,
+                              a.data, a.row_stride);
+}
+
+template <class Real>
+void rotate_with_rows(const Real* pairs, Real* x, View<Real> a) {
+    table<Real>().rotate_with_rows(a.height, a.width, x, a.data, a.row_stride, pairs);
+}
+
+template <class Real>
+void symv_upper(View<const Real> a, const Real* x, Real* y) {
+    table<Real>().symv_upper(a.height, a.data, a.row_stride, x, y);
+}
+
+#define NEQUAR_INSTANTIATE(Real)                                                              \
+    template Size lu_small(Rounding, View<const Real>, const int*, View<Real>);               \
+    template Size cholesky_small(Rounding, View<const Real>, View<Real>);                     \
+    template Size lu_panel(Rounding, View<Real>, int*);                                       \
+    template void last_largest_of_columns(View<const Real>, const int*, Size, Real*, Real*);  \
+    template void eliminate_column(Size, const Real*, const Real*, View<Real>, Real*, Real*); \
+    template void rotate_rows(View<const Real>, View<Real>);                                  \
+    template void rotate_with_rows(const Real*, Real*, View<Real>);                           \
+    template void symv_upper(View<const Real>, const Real*, Real*);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

@@ -36,6 +36,7 @@ struct Table {
     void (*multiply_by)(std::ptrdiff_t n, const Real* a, Real c, Real* out);
     void (*multiply_elementwise)(std::ptrdiff_t n, const Real* a, const Real* b, Real* out);
     void (*fill)(std::ptrdiff_t n, Real value, Real* out);
+    void (*add_reversed)(std::ptrdiff_t n, Real alpha, Real* x);
 
     // ---- level 1, strided: each vector is followed by its stride ----
     Real (*dot)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx, const Real* y,
@@ -98,6 +99,17 @@ struct Table {
     void (*eliminate_column)(std::ptrdiff_t m, std::ptrdiff_t n, std::ptrdiff_t column,
                              const Real* pivot_row, const Real* weight, Real* a,
                              std::ptrdiff_t row_stride, Real* factors, Real* largest);
+
+    // ---- rotations of rows: see kernel.h ----
+    void (*rotate_rows)(std::ptrdiff_t sweeps, std::ptrdiff_t count, std::ptrdiff_t n,
+                        const Real* pairs, std::ptrdiff_t sweep_stride, Real* a,
+                        std::ptrdiff_t row_stride);
+    void (*rotate_with_rows)(std::ptrdiff_t count, std::ptrdiff_t n, Real* x, Real* rows,
+                             std::ptrdiff_t row_stride, const Real* pairs);
+
+    // ---- symmetric: y := A x from the upper triangle of A, rows contiguous ----
+    void (*symv_upper)(std::ptrdiff_t n, const Real* a, std::ptrdiff_t a_row, const Real* x,
+                       Real* y);
 };
 
 // The tables of the variants that were compiled in. Reading one is safe on every CPU; calling its

@@ -52,6 +52,9 @@ TYPED_TEST(Level1, ContiguousLoopsAgreeWithThePlainOnesAlsoInPlace) {
                   "multiply_elementwise");
             check([&](const Table<Real>& t, const Real*, Real* out) { t.fill(n, Real(4), out); },
                   "fill");
+            check([&](const Table<Real>& t, const Real*,
+                      Real* out) { t.add_reversed(n, Real(-0.7), out); },
+                  "add_reversed");
         }
     }
 }

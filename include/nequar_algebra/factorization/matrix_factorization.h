@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nequar_algebra/factorization/hessenberg_factorization.h"
+#include "nequar_algebra/factorization/subspace_factorization.h"
 
 namespace nequar {
 
@@ -10,8 +10,10 @@ namespace nequar {
 ///
 ///     CNqClass  <-  TriangularFactorization  <-  OrthogonalFactorization
 ///                   LU, Cholesky, determinant    QR, QL, RQ, LQ, pivoting
-///               <-  HessenbergFactorization  <-  ...  <-  MatrixFactorization
-///                   Hessenberg, Givens QR
+///               <-  HessenbergFactorization  <-  SingularValueFactorization
+///                   Hessenberg, Givens QR        singular values
+///               <-  SubspaceFactorization    <-  MatrixFactorization
+///                   rank, subspaces
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //
@@ -20,7 +22,7 @@ namespace nequar {
 // defined, and the class instantiated for double and float, in sources of its own. A name that an
 // earlier family has already must be brought in by a using declaration, or it is hidden.
 template <class Real>
-class NEQUAR_API MatrixFactorization : public HessenbergFactorization<Real> {
+class NEQUAR_API MatrixFactorization : public SubspaceFactorization<Real> {
 public:
     MatrixFactorization();
     MatrixFactorization(const MatrixFactorization&) = default;

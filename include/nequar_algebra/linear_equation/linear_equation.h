@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nequar_algebra/linear_equation/orthogonal_solver.h"
+#include "nequar_algebra/linear_equation/spectral_solver.h"
 
 namespace nequar {
 
@@ -17,7 +17,7 @@ namespace nequar {
 // A new family is a class template of its own in this folder, with a protected default constructor:
 // it derives from the family that is now last, and LinearEquation from it.
 template <class Real>
-class NEQUAR_API LinearEquation : public OrthogonalSolver<Real> {
+class NEQUAR_API LinearEquation : public SpectralSolver<Real> {
 public:
     LinearEquation();
     LinearEquation(const LinearEquation&) = default;

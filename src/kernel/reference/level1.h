@@ -57,6 +57,16 @@ Real sum_of_magnitudes(Size n, const Real* x, Size sx) {
 }
 
 template <class Real>
+void add_reversed(Size n, Real alpha, Real* x) {
+    for (Size i = 0, j = n - 1; i <= j; ++i, --j) {
+        const Real low = x[i];
+        const Real high = x[j];
+        x[i] = low + alpha * high;
+        x[j] = high + alpha * low;
+    }
+}
+
+template <class Real>
 Real sum_of_squares(Size n, const Real* x, Size sx) {
     Real sum = 0;
     for (Size i = 0; i < n; ++i) sum += x[i * sx] * x[i * sx];

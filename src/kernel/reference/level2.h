@@ -46,4 +46,12 @@ void trsv(bool lower, bool unit, Size n, Block<const Real> t, Real* x, Size sx) 
     }
 }
 
+template <class Real>
+void symv_upper(Size n, const Real* a, Size a_row, const Real* x, Real* y) {
+    for (Size i = 0; i < n; ++i) {
+        y[i] = 0;
+        for (Size j = 0; j < n; ++j) y[i] += (j < i ? a[j * a_row + i] : a[i * a_row + j]) * x[j];
+    }
+}
+
 }  // namespace nequar::kernel::reference

@@ -6,6 +6,7 @@
 #include "kernel/reference/level1.h"
 #include "kernel/reference/level2.h"
 #include "kernel/reference/level3.h"
+#include "kernel/reference/rotations.h"
 #include "kernel/reference/whole.h"
 
 namespace nequar::kernel::reference {
@@ -22,6 +23,7 @@ constexpr Table<Real> kTable = {
     .multiply_by = multiply_by<Real>,
     .multiply_elementwise = multiply_elementwise<Real>,
     .fill = fill<Real>,
+    .add_reversed = add_reversed<Real>,
     .dot = dot<Real>,
     .sum_of_magnitudes = sum_of_magnitudes<Real>,
     .sum_of_squares = sum_of_squares<Real>,
@@ -51,6 +53,9 @@ constexpr Table<Real> kTable = {
     .lu_panel = lu_panel<Real>,
     .last_largest_of_columns = last_largest_of_columns<Real>,
     .eliminate_column = eliminate_column<Real>,
+    .rotate_rows = rotate_rows<Real>,
+    .rotate_with_rows = rotate_with_rows<Real>,
+    .symv_upper = symv_upper<Real>,
 };
 
 }  // namespace

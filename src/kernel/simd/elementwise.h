@@ -103,6 +103,44 @@ void axpy(Size n, Real alpha, const Real* x, Size sx, Real* y, Size sy) {
     for (Size i = 0; i < n; ++i) y[i * sy] += alpha * x[i * sx];
 }
 
+template <unsigned... Lane>
+struct LaneList {};
+template <unsigned count, unsigned... Lane>
+struct DescendingLanes : DescendingLanes<count - 1, Lane..., count - 1> {};
+template <unsigned... Lane>
+struct DescendingLanes<0, Lane...> {
+    using Type = LaneList<Lane...>;
+};
+template <class AnyVector, unsigned... Lane>
+NEQUAR_INLINE AnyVector reversed_lanes(const AnyVector& v, LaneList<Lane...>) {
+    return __builtin_shufflevector(v, v, Lane...);
+}
+template <class Real>
+NEQUAR_INLINE Vector<Real> reversed(const Vector<Real>& v) {
+    return reversed_lanes(v, typename DescendingLanes<unsigned(kLanes<Real>)>::Type{});
+}
+
+// Vectors from both ends towards the middle.
+template <class Real>
+void add_reversed(Size n, Real alpha, Real* x) {
+    constexpr Size lanes = kLanes<Real>;
+    const Vector<Real> va = broadcast(alpha);
+    Size i = 0;
+    for (; 2 * (i + lanes) <= n; i += lanes) {
+        Real* const from_end = x + n - i - lanes;
+        const Vector<Real> low = load(x + i);
+        const Vector<Real> high = load(from_end);
+        store(x + i, multiply_add(va, reversed<Real>(high), low));
+        store(from_end, multiply_add(va, reversed<Real>(low), high));
+    }
+    for (Size j = n - 1 - i; i <= j; ++i, --j) {
+        const Real low = x[i];
+        const Real high = x[j];
+        x[i] = low + alpha * high;
+        x[j] = high + alpha * low;
+    }
+}
+
 template <class Real>
 void scale(Size n, Real alpha, Real* x, Size sx) {
     if (sx == 1) {

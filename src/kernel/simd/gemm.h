@@ -1,19 +1,24 @@
 // C := alpha A B (+ C), or a triangle of it: the loops around the micro-kernels.
 //
-//     for columns jc of C in steps of NC          B(pc, jc) packed: kc x nc, stays in the last
-//     cache
-//       for pc of k in steps of KC
-//         for rows ic of C in steps of MC         A(ic, pc) packed: mc x kc, stays in the second
+//     for pc of k in steps of KC
+//       for rows ic of C in steps of MC           A(ic, pc): packed where its rows are not
+//       contiguous
+//         for columns jc of C in steps of NC      B(pc, jc) packed: kc x nc, stays in the second
 //         cache
-//           for panels jr of the packed B         kc x NV vectors, stays in the first cache
-//             for panels ir of the packed A       micro-kernel: one tile of C
+//           for panels ir of A                    R rows x kc, stay in the first cache
+//             for panels jr of the packed B       micro-kernel: one tile of C
 //
-// (Goto, van de Geijn, Anatomy of High-Performance Matrix Multiplication, ACM TOMS 34, 2008.)
+// Tiles follow each other along the rows of C, so that R pages of C are at hand at a time, and each
+// line of it is fetched once for KC steps. This is Goto's order with the parts of A and B
+// exchanged. (Goto, van de Geijn, Anatomy of High-Performance Matrix Multiplication, ACM TOMS 34,
+// 2008.)
 //
-// What is small is not packed: the micro-kernels read A through any strides, and B where its rows
-// are contiguous. C has unit stride along its rows; a C whose columns are contiguous is the
-// transposed product, any other C is written tile by tile from scratch. Where packing memory cannot
-// be had, the same loops run with blocks that fit a small buffer on the stack.
+// The micro-kernels read A through any strides, so contiguous rows of it are never packed, and B
+// where its rows are contiguous and it fits the second cache. With few rows in A nothing would be
+// gained by packing B; it streams through in steps of a few of its rows. C has unit stride along
+// its rows; a C whose columns are contiguous is the transposed product, any other C is written tile
+// by tile from scratch. Where packing memory cannot be had, the same loops run with blocks that fit
+// a small buffer on the stack.
 #pragma once
 
 #include "kernel/memory.h"
@@ -109,64 +114,70 @@ NEQUAR_INLINE Placement placement_of(const Product<Real>& product, Size i, Size 
     return i + height - 1 <= j ? Placement::inside : Placement::crossing;
 }
 
+// One tile of the block: `task` holds what all tiles share.
+template <class Real>
+NEQUAR_INLINE void run_tile(const Product<Real>& product, const BlockProduct<Real>& block,
+                            bool in_place, Size i, Size height, Size j, Size vectors,
+                            TileTask<Real>& task) {
+    constexpr Size lanes = kLanes<Real>;
+    const Size row = block.i0 + i;
+    const Size column = block.j0 + j;
+    const Size width = smaller(vectors * lanes, block.nc - j);
+    const Placement placement = placement_of(product, row, column, height, width);
+    if (placement == Placement::outside) return;
+    task.b = block.b.data + (block.packed_b ? j * block.kc : j);
+    task.b_row = block.packed_b ? vectors * lanes : block.b.row_stride;
+    const TileKernel<Real> kernel = tile_kernel<Real>(width < vectors * lanes, vectors, height);
+    task.last = first_lanes<Real>(width - (vectors - 1) * lanes);
+    if (in_place && placement == Placement::inside) {
+        task.c = product.c.data + row * product.c.row_stride + column;
+        task.c_row = product.c.row_stride;
+        task.accumulate = block.accumulate;
+        kernel(task);
+        return;
+    }
+    Real scratch[kMostRows * kMostVectors * unsigned(lanes)];
+    task.c = scratch;
+    task.c_row = vectors * lanes;
+    task.accumulate = false;
+    kernel(task);
+    merge_tile(product, row, column, height, width, scratch, task.c_row, block.accumulate);
+}
+
+inline constexpr Size kNearElements = 32768;  // a C that is larger is fetched ahead
+
 template <class Real>
 void multiply_block(const Product<Real>& product, const BlockProduct<Real>& block) {
-    constexpr Size lanes = kLanes<Real>;
-    const bool packed = block.packed_a && block.packed_b;
     const bool in_place = product.c.column_stride == 1 || product.n == 1;
     const Partition panels = vector_panels<Real>(block.nc, block.packed_b);
+    const Size widest = panels.small + (panels.larges > 0 ? 1 : 0);
+    const Partition rows = block.packed_a || widest == Size(kMostVectors)
+                               ? partition(block.mc, block.packed_a ? Size(kPackedRows)
+                                                                    : Size(most_rows(kMostVectors)))
+                               : partition(block.mc, Size(most_rows(unsigned(widest))));
     TileTask<Real> task;
     task.k = block.kc;
     task.a_row = block.a.row_stride;
     task.a_column = block.a.column_stride;
     task.alpha = product.alpha;
-    Size j = 0;
-    for (Size panel = 0; panel < panels.parts; ++panel) {
-        const Size vectors = size_of_part(panels, panel);
-        const Size width = smaller(vectors * lanes, block.nc - j);
-        const bool partial = width < vectors * lanes;
-        const Partition rows = partition(
-            block.mc, block.packed_a ? Size(kPackedRows) : Size(most_rows(unsigned(vectors))));
-        const TileKernel<Real> small =
-            rows.small > 0 ? tile_kernel<Real>(packed, partial, vectors, rows.small) : nullptr;
-        const TileKernel<Real> large =
-            rows.larges > 0 ? tile_kernel<Real>(packed, partial, vectors, rows.small + 1) : small;
-        task.last = first_lanes<Real>(width - (vectors - 1) * lanes);
-        task.b = block.packed_b ? block.b.data + j * block.kc : block.b.data + j;
-        task.b_row = block.packed_b ? vectors * lanes : block.b.row_stride;
-        Size i = 0;
-        for (Size part = 0; part < rows.parts; ++part) {
-            const Size height = size_of_part(rows, part);
-            const TileKernel<Real> kernel = part < rows.larges ? large : small;
-            const Size row = block.i0 + i;
-            const Size column = block.j0 + j;
-            const Placement placement = placement_of(product, row, column, height, width);
-            if (placement != Placement::outside) {
-                if (block.packed_a) {
-                    task.a = block.a.data + i * block.kc;
-                    task.a_row = 1;
-                    task.a_column = height;
-                } else {
-                    task.a = block.a.data + i * block.a.row_stride;
-                }
-                if (in_place && placement == Placement::inside) {
-                    task.c = product.c.data + row * product.c.row_stride + column;
-                    task.c_row = product.c.row_stride;
-                    task.accumulate = block.accumulate;
-                    kernel(task);
-                } else {
-                    Real scratch[kMostRows * kMostVectors * unsigned(lanes)];
-                    task.c = scratch;
-                    task.c_row = vectors * lanes;
-                    task.accumulate = false;
-                    kernel(task);
-                    merge_tile(product, row, column, height, width, scratch, task.c_row,
-                               block.accumulate);
-                }
-            }
-            i += height;
+    task.prefetch = product.m * product.n > kNearElements;
+    Size i = 0;
+    for (Size part = 0; part < rows.parts; ++part) {
+        const Size height = size_of_part(rows, part);
+        if (block.packed_a) {
+            task.a = block.a.data + i * block.kc;
+            task.a_row = 1;
+            task.a_column = height;
+        } else {
+            task.a = block.a.data + i * block.a.row_stride;
         }
-        j += vectors * lanes;
+        Size j = 0;
+        for (Size panel = 0; panel < panels.parts; ++panel) {
+            const Size vectors = size_of_part(panels, panel);
+            run_tile(product, block, in_place, i, height, j, vectors, task);
+            j += vectors * kLanes<Real>;
+        }
+        i += height;
     }
 }
 
@@ -205,26 +216,27 @@ void multiply_in_blocks(const Product<Real>& product, const Blocking& blocking, 
     BlockProduct<Real> block;
     block.packed_a = blocking.pack_a;
     block.packed_b = blocking.pack_b;
-    block.j0 = 0;
-    for (Size jc = 0; jc < columns.parts; ++jc, block.j0 += block.nc) {
-        block.nc = size_of_part(columns, jc);
-        Size p0 = 0;
-        for (Size pc = 0; pc < steps.parts; ++pc, p0 += block.kc) {
-            block.kc = size_of_part(steps, pc);
-            block.accumulate = product.accumulate || pc > 0;
-            block.b = moved(product.b, p0, block.j0);
-            if (blocking.pack_b) {
-                pack_b(vector_panels<Real>(block.nc, true), block.nc, block.kc, block.b, packed_b);
-                block.b = {packed_b, 0, 0};
+    Size p0 = 0;
+    for (Size pc = 0; pc < steps.parts; ++pc, p0 += block.kc) {
+        block.kc = size_of_part(steps, pc);
+        block.accumulate = product.accumulate || pc > 0;
+        block.i0 = 0;
+        for (Size ic = 0; ic < rows.parts; ++ic, block.i0 += block.mc) {
+            block.mc = size_of_part(rows, ic);
+            block.a = moved(product.a, block.i0, p0);
+            if (blocking.pack_a) {
+                pack_a(partition(block.mc, kPackedRows), block.kc, block.a, packed_a);
+                block.a = {packed_a, 0, 0};
             }
-            block.i0 = 0;
-            for (Size ic = 0; ic < rows.parts; ++ic, block.i0 += block.mc) {
-                block.mc = size_of_part(rows, ic);
+            block.j0 = 0;
+            for (Size jc = 0; jc < columns.parts; ++jc, block.j0 += block.nc) {
+                block.nc = size_of_part(columns, jc);
                 if (skips(product, block.i0, block.j0, block.mc, block.nc)) continue;
-                block.a = moved(product.a, block.i0, p0);
-                if (blocking.pack_a) {
-                    pack_a(partition(block.mc, kPackedRows), block.kc, block.a, packed_a);
-                    block.a = {packed_a, 0, 0};
+                block.b = moved(product.b, p0, block.j0);
+                if (blocking.pack_b) {
+                    pack_b(vector_panels<Real>(block.nc, true), block.nc, block.kc, block.b,
+                           packed_b);
+                    block.b = {packed_b, 0, 0};
                 }
                 multiply_block(product, block);
             }
@@ -235,6 +247,31 @@ void multiply_in_blocks(const Product<Real>& product, const Blocking& blocking, 
 // ---- the choice of blocks ----------------------------------------------------------------------
 
 inline constexpr unsigned kStackBytes = 32768;
+
+// The product as one block, B in place or packed.
+template <class Real>
+NEQUAR_INLINE void multiply_whole(const Product<Real>& product, const Block<const Real>& b,
+                                  bool packed_b) {
+    BlockProduct<Real> block;
+    block.i0 = 0;
+    block.j0 = 0;
+    block.mc = product.m;
+    block.nc = product.n;
+    block.kc = product.k;
+    block.a = product.a;
+    block.b = b;
+    block.packed_a = false;
+    block.packed_b = packed_b;
+    block.accumulate = product.accumulate;
+    multiply_block(product, block);
+}
+
+template <class Real>
+__attribute__((noinline)) void multiply_small_packed(const Product<Real>& product) {
+    alignas(64) Real buffer[kStackBytes / sizeof(Real)];
+    pack_b(vector_panels<Real>(product.n, true), product.n, product.k, product.b, buffer);
+    multiply_whole<Real>(product, {buffer, 0, 0}, true);
+}
 
 template <class Real>
 __attribute__((noinline)) void multiply_on_stack(const Product<Real>& product,
@@ -259,13 +296,42 @@ Blocking packed_blocking(const Product<Real>& product) {
     const CacheSizes& caches = cache_sizes();
     constexpr Size size = sizeof(Real);
     constexpr Size panel = Size(kPackedVectors) * kLanes<Real>;
-    // A panel of B takes half to three quarters of the first cache, a block of A half of the
-    // second, the block of B a part of the last.
-    const Size kc_most = round_up(caches.first * 5 / 8 / (panel * size) - 15, 16);
+    // A panel of A takes half of the first cache, a block of B half of the second, a packed A a
+    // part of the last.
+    const Size kc_most = caches.first / 2 / (Size(kPackedRows) * size);
     const Size kc = partition(product.k, kc_most).small + 1;
-    const Size mc_most = caches.second / 2 / (kc * size);
-    const Size nc_most = smaller(caches.last / 4, Size(4) << 20) / (kc * size);
-    return {.mc = mc_most, .nc = nc_most, .kc = kc_most, .pack_a = true, .pack_b = true};
+    const Size nc_most = caches.second / 2 / (kc * size * panel) * panel;
+    const Size mc_most = smaller(caches.last / 4, Size(4) << 20) / (kc * size);
+    const bool pack_a =
+        product.a.column_stride != 1 && product.m * product.k * size > caches.second / 4;
+    return {.mc = pack_a ? mc_most : product.m,
+            .nc = nc_most > panel ? nc_most : panel,
+            .kc = kc_most,
+            .pack_a = pack_a,
+            .pack_b = true};
+}
+
+inline constexpr Size kFewRows = 24;
+inline constexpr Size kFewestSteps = 32;
+
+// B in place, as many of its rows at a time as take a part of the second cache.
+template <class Real>
+Blocking streaming_blocking(const Product<Real>& product) {
+    constexpr Size size = sizeof(Real);
+    const Size kc = (Size(1) << 18) / (product.n * size);
+    return {.mc = product.m,
+            .nc = (Size(1) << 20) / (kFewestSteps * size),
+            .kc = kc > kFewestSteps ? kc : kFewestSteps,
+            .pack_a = false,
+            .pack_b = false};
+}
+
+// Whether a B of contiguous rows is best read where it is. With A read across its rows too, both
+// change pages at every step, and less of them is at hand.
+template <class Real>
+NEQUAR_INLINE bool stays_in_place(const Product<Real>& product, Size bytes_of_b) {
+    if (bytes_of_b <= 65536) return true;
+    return product.a.column_stride == 1 && bytes_of_b <= cache_sizes().second / 3;
 }
 
 template <class Real>
@@ -273,13 +339,16 @@ void multiply(const Product<Real>& product) {
     constexpr Size size = sizeof(Real);
     const bool rows_of_b = product.b.column_stride == 1 || product.n == 1;
     const Size bytes_of_b = round_up(product.n, kLanes<Real>) * product.k * size;
-    if (rows_of_b && bytes_of_b <= 65536 && product.m * product.k * size <= 65536) {
-        const Blocking blocking = {product.m, product.n, product.k, false, false};
-        multiply_in_blocks<Real>(product, blocking, nullptr, nullptr);
+    if (rows_of_b && stays_in_place(product, bytes_of_b)) {
+        multiply_whole(product, product.b, false);
         return;
     }
     if (bytes_of_b <= Size(kStackBytes)) {
-        multiply_on_stack(product, {product.m, product.n, product.k, false, true});
+        multiply_small_packed(product);
+        return;
+    }
+    if (rows_of_b && product.m <= kFewRows) {
+        multiply_in_blocks<Real>(product, streaming_blocking(product), nullptr, nullptr);
         return;
     }
     Blocking blocking = packed_blocking(product);

@@ -257,4 +257,86 @@ void ger(Size m, Size n, Real alpha, const Real* x, Size sx, const Real* y, Size
     }
 }
 
+// ---- symmetric, from the upper triangle in contiguous rows
+// ---------------------------------------
+
+// Four rows at a time right of their square, each element used twice: for its row's sum and for
+// the column's. The first vector is cut so that the others are aligned.
+template <class Real>
+NEQUAR_INLINE void add_four_symmetric_rows(Size n, const Real* a, Size a_row, const Real* x,
+                                           const Real (&xi)[4], Real* y, Real (&sums)[4]) {
+    constexpr Size lanes = kLanes<Real>;
+    constexpr Size bytes = NEQUAR_VECTOR_BYTES;
+    Vector<Real> acc[4] = {};
+    Vector<Real> factor[4];
+    NEQUAR_UNROLL for (unsigned r = 0; r < 4; ++r) factor[r] = broadcast(xi[r]);
+    Size j = 0;
+    const Size past = static_cast<Size>(reinterpret_cast<std::size_t>(a) % std::size_t(bytes)) /
+                      Size(sizeof(Real));
+    if (past != 0 && n > 0) {
+        const FirstLanes<Real> part = first_lanes<Real>(smaller(n, lanes - past));
+        const Vector<Real> vx = load(x, part);
+        Vector<Real> vy = load(y, part);
+        NEQUAR_UNROLL for (unsigned r = 0; r < 4; ++r) {
+            const Vector<Real> v = load(a + r * a_row, part);
+            acc[r] = multiply_add(v, vx, acc[r]);
+            vy = multiply_add(v, factor[r], vy);
+        }
+        store(y, vy, part);
+        j = lanes - past;
+    }
+    for (; j + lanes <= n; j += lanes) {
+        const Vector<Real> vx = load(x + j);
+        Vector<Real> vy = load(y + j);
+        NEQUAR_UNROLL for (unsigned r = 0; r < 4; ++r) {
+            const Vector<Real> v = load(a + r * a_row + j);
+            acc[r] = multiply_add(v, vx, acc[r]);
+            vy = multiply_add(v, factor[r], vy);
+        }
+        store(y + j, vy);
+    }
+    if (j < n) {
+        const FirstLanes<Real> part = first_lanes<Real>(n - j);
+        const Vector<Real> vx = load(x + j, part);
+        Vector<Real> vy = load(y + j, part);
+        NEQUAR_UNROLL for (unsigned r = 0; r < 4; ++r) {
+            const Vector<Real> v = load(a + r * a_row + j, part);
+            acc[r] = multiply_add(v, vx, acc[r]);
+            vy = multiply_add(v, factor[r], vy);
+        }
+        store(y + j, vy, part);
+    }
+    NEQUAR_UNROLL for (unsigned r = 0; r < 4; ++r) sums[r] = sum_of_lanes<Real>(acc[r]);
+}
+
+// y := A x
+template <class Real>
+void symv_upper(Size n, const Real* a, Size a_row, const Real* x, Real* y) {
+    for (Size j = 0; j < n; ++j) y[j] = 0;
+    Size i = 0;
+    for (; i + 4 <= n; i += 4) {
+        const Real* const rows = a + i * a_row + i;
+        const Real xi[4] = {x[i], x[i + 1], x[i + 2], x[i + 3]};
+        Real sums[4];
+        add_four_symmetric_rows(n - i - 4, rows + 4, a_row, x + i + 4, xi, y + i + 4, sums);
+        NEQUAR_UNROLL for (unsigned r = 0; r < 4; ++r) {
+            sums[r] += rows[Size(r) * a_row + Size(r)] * xi[r];
+            NEQUAR_UNROLL for (unsigned c = r + 1; c < 4; ++c) {
+                const Real element = rows[Size(r) * a_row + Size(c)];
+                sums[r] += element * xi[c];
+                sums[c] += element * xi[r];
+            }
+        }
+        NEQUAR_UNROLL for (unsigned r = 0; r < 4; ++r) y[i + Size(r)] += sums[r];
+    }
+    for (; i < n; ++i) {
+        Real sum = a[i * a_row + i] * x[i];
+        for (Size j = i + 1; j < n; ++j) {
+            sum += a[i * a_row + j] * x[j];
+            y[j] += a[i * a_row + j] * x[i];
+        }
+        y[i] += sum;
+    }
+}
+
 }  // namespace nequar::kernel::NEQUAR_UNIT

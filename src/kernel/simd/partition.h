@@ -14,6 +14,7 @@ struct Partition {
 };
 
 NEQUAR_INLINE Partition partition(Size total, Size most) {
+    if (total <= most) return {1, total, 0};  // divisions take as long as a small product
     const Size parts = (total + most - 1) / most;
     const Size small = total / parts;
     return {parts, small, total - small * parts};

@@ -5,9 +5,8 @@
 //                 B  k x w   rows of NV vectors, unit stride along a row
 //   A  R x k      C  R x w   one broadcast of a(r, p) meets NV vectors of b(p, :)
 //
-// A is read through two strides, or packed (R elements for each p, one after the other). B is read
-// through a row stride, or packed (NV whole vectors for each p, zeros in lanes past the width). C
-// has unit stride along its rows.
+// A is read through two strides, B through one along its columns; packed operands are operands of
+// short strides. C has unit stride along its rows.
 //
 // R x NV accumulators, NV vectors of B and one broadcast fill the register file: 16 registers hold
 // 6 x 2 or 4 x 3 accumulators, 32 hold 8 x 3 or 12 x 2. At least 8 accumulators are needed to hide
@@ -32,6 +31,7 @@ struct TileTask {
     Size c_row;
     Real alpha;
     bool accumulate;
+    bool prefetch;          // C is far away
     FirstLanes<Real> last;  // lanes of the last vector, where it is partial
 };
 
@@ -60,7 +60,7 @@ inline constexpr unsigned kMostRows = 12;
 // ---- the kernels -------------------------------------------------------------------------------
 
 // acc += A B over k steps.
-template <unsigned R, unsigned NV, bool Partial, bool Packed, class Real>
+template <unsigned R, unsigned NV, bool Partial, class Real>
 NEQUAR_INLINE void accumulate_tile(Size k, const Real* a, Size a_row, Size a_column, const Real* b,
                                    Size b_row, FirstLanes<Real> last, Vector<Real> (&acc)[R][NV]) {
     for (Size p = 0; p < k; ++p) {
@@ -80,27 +80,26 @@ NEQUAR_INLINE void accumulate_tile(Size k, const Real* a, Size a_row, Size a_col
     }
 }
 
-template <class Real, unsigned R, unsigned NV, bool Partial, bool Packed>
+template <class Real, unsigned R, unsigned NV, bool Partial>
 void tile(const TileTask<Real>& task) {
     constexpr Size lanes = kLanes<Real>;
     const Size c_row = task.c_row;
     const FirstLanes<Real> last = task.last;
     Real* c = task.c;
-    NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
-        prefetch_for_writing(c + r * c_row);
-        if (NV * sizeof(Vector<Real>) > 64) prefetch_for_writing(c + r * c_row + 64 / sizeof(Real));
+    if (task.prefetch) {
+        constexpr Size line = 64 / Size(sizeof(Real));
+        NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
+            NEQUAR_UNROLL for (Size j = 0; j < Size(NV) * lanes; j += line) {
+                prefetch_for_writing(c + r * c_row + j);
+            }
+        }
     }
     Vector<Real> acc[R][NV];
     NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
         NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) acc[r][v] = Vector<Real>{};
     }
-    if (Packed) {
-        accumulate_tile<R, NV, false, true>(task.k, task.a, Size(1), Size(R), task.b,
-                                            Size(NV) * lanes, last, acc);
-    } else {
-        accumulate_tile<R, NV, Partial, false>(task.k, task.a, task.a_row, task.a_column, task.b,
-                                               task.b_row, last, acc);
-    }
+    accumulate_tile<R, NV, Partial>(task.k, task.a, task.a_row, task.a_column, task.b, task.b_row,
+                                    last, acc);
     const Vector<Real> alpha = broadcast(task.alpha);
     if (task.accumulate) {
         NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r, c += c_row) {
@@ -127,37 +126,29 @@ void tile(const TileTask<Real>& task) {
     }
 }
 
-// All kernels of one element type, found by index: [packed][partial][vectors - 1][rows - 1].
+// All kernels of one element type, found by index: [partial][vectors - 1][rows - 1].
 template <class Real>
 struct TileSet {
-    TileKernel<Real> kernel[2][2][kMostVectors][kMostRows];
+    TileKernel<Real> kernel[2][kMostVectors][kMostRows];
 };
 
-template <class Real, unsigned NV, bool Partial, bool Packed, unsigned R>
-constexpr void enter_tile(TileSet<Real>& set) {
-    if constexpr (R <= (Packed ? kPackedRows : most_rows(NV))) {
-        set.kernel[Packed][Partial][NV - 1][R - 1] = tile<Real, R, NV, Partial, Packed>;
-        enter_tile<Real, NV, Partial, Packed, R + 1>(set);
-    }
-}
-
-template <class Real, unsigned NV = 1>
-constexpr void enter_vectors(TileSet<Real>& set) {
+template <class Real, unsigned NV = 1, unsigned R = 1>
+constexpr void enter_tiles(TileSet<Real>& set) {
     if constexpr (NV <= kMostVectors) {
-        enter_tile<Real, NV, false, false, 1>(set);
-        enter_tile<Real, NV, true, false, 1>(set);
-        if constexpr (NV <= kPackedVectors) {
-            enter_tile<Real, NV, false, true, 1>(set);
-            enter_tile<Real, NV, true, true, 1>(set);
+        set.kernel[false][NV - 1][R - 1] = tile<Real, R, NV, false>;
+        set.kernel[true][NV - 1][R - 1] = tile<Real, R, NV, true>;
+        if constexpr (R < most_rows(NV)) {
+            enter_tiles<Real, NV, R + 1>(set);
+        } else {
+            enter_tiles<Real, NV + 1, 1>(set);
         }
-        enter_vectors<Real, NV + 1>(set);
     }
 }
 
 template <class Real>
 constexpr TileSet<Real> all_tiles() {
     TileSet<Real> set = {};
-    enter_vectors<Real>(set);
+    enter_tiles<Real>(set);
     return set;
 }
 
@@ -165,8 +156,8 @@ template <class Real>
 inline constexpr TileSet<Real> kTiles = all_tiles<Real>();
 
 template <class Real>
-NEQUAR_INLINE TileKernel<Real> tile_kernel(bool packed, bool partial, Size vectors, Size rows) {
-    return kTiles<Real>.kernel[packed][partial][vectors - 1][rows - 1];
+NEQUAR_INLINE TileKernel<Real> tile_kernel(bool partial, Size vectors, Size rows) {
+    return kTiles<Real>.kernel[partial][vectors - 1][rows - 1];
 }
 
 }  // namespace nequar::kernel::NEQUAR_UNIT

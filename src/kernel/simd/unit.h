@@ -7,6 +7,7 @@
 #include "kernel/simd/gemm.h"
 #include "kernel/simd/level2.h"
 #include "kernel/simd/reduction.h"
+#include "kernel/simd/rotations.h"
 #include "kernel/simd/triangular.h"
 #include "kernel/simd/whole.h"
 
@@ -23,6 +24,7 @@ constexpr Table<Real> table_named(const char* name) {
         .multiply_by = multiply_by<Real>,
         .multiply_elementwise = multiply_elementwise<Real>,
         .fill = fill<Real>,
+        .add_reversed = add_reversed<Real>,
         .dot = dot<Real>,
         .sum_of_magnitudes = sum_of_magnitudes<Real>,
         .sum_of_squares = sum_of_squares<Real>,
@@ -52,6 +54,9 @@ constexpr Table<Real> table_named(const char* name) {
         .lu_panel = lu_panel<Real>,
         .last_largest_of_columns = last_largest_of_columns<Real>,
         .eliminate_column = eliminate_column<Real>,
+        .rotate_rows = rotate_rows<Real>,
+        .rotate_with_rows = rotate_with_rows<Real>,
+        .symv_upper = symv_upper<Real>,
     };
 }
 

@@ -1,0 +1,196 @@
+#include "factorization/algorithm/golub_kahan.h"
+
+#include <cmath>
+#include <initializer_list>
+#include <limits>
+
+namespace nequar {
+
+template <class Real>
+void deflate(Size n, const Real* d, Real* f) {
+    constexpr Real least = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
+    for (Size i = 0; i + 1 < n; ++i) {
+        const Real size = std::abs(d[i]) + std::abs(d[i + 1]);
+        if (std::abs(f[i]) + size == size || std::abs(f[i]) < least) f[i] = 0;
+    }
+}
+
+template <class Real>
+bool find_block(Size n, const Real* f, BidiagonalBlock& block) {
+    Size last = n - 2;
+    while (last >= 0 && f[last] == 0) --last;
+    if (last < 0) return false;
+    Size first = 0;
+    while (f[first] == 0) ++first;
+    block = {first, last + 2};
+    return true;
+}
+
+template <class Real>
+void first_vector(const Real* d, const Real* f, BidiagonalBlock piece, Real& y, Real& z) {
+    const Size p = piece.begin;
+    const Size q = piece.end - 1;
+    const Real above = q - 1 > p ? f[q - 2] : Real(0);
+    Real scale = 0;
+    for (const Real element : {d[p], f[p], above, d[q - 1], f[q - 1], d[q]})
+        if (std::abs(element) > scale) scale = std::abs(element);
+    const Real f2 = above / scale;
+    const Real d1 = d[q - 1] / scale;
+    const Real f1 = f[q - 1] / scale;
+    const Real d0 = d[q] / scale;
+    const Real t11 = d1 * d1 + f2 * f2;
+    const Real t12 = d1 * f1;
+    const Real t22 = d0 * d0 + f1 * f1;
+    Real mu = t22;
+    if (t12 != 0) {
+        const Real h = (t11 - t22) / 2;
+        const Real root = std::sqrt(h * h + t12 * t12);
+        mu = t22 - t12 * (t12 / (h + (h < 0 ? -root : root)));
+    }
+    const Real dp = d[p] / scale;
+    const Real fp = f[p] / scale;
+    y = dp * dp - mu;
+    z = dp * fp;
+    if (z == 0) {  // underflow would make it no step at all: one without a shift then
+        y = d[p];
+        z = f[p];
+    }
+}
+
+namespace {
+
+// a := c a - s b = r of the rotation that annihilates b.
+template <class Real>
+Rotation<Real> annihilate(Real& a, Real b) {
+    const Rotation<Real> g = givens_rotation(a, b);
+    a = g.c * a - g.s * b;
+    return g;
+}
+
+template <class Real>
+void step_on_piece(Real* d, Real* f, BidiagonalBlock piece, Rotation<Real>* right,
+                   Rotation<Real>* left) {
+    const Size last = piece.end - 1;
+    Real y = 0, z = 0;
+    first_vector(d, f, piece, y, z);
+    Rotation<Real> g = givens_rotation(y, z);
+    for (Size j = piece.begin; j < last; ++j) {
+        // columns j and j+1:  | d(j)    f(j)   |
+        //                     | bulge   d(j+1) |
+        right[j] = g;
+        const Real dj = d[j];
+        const Real fj = f[j];
+        d[j] = g.c * dj - g.s * fj;
+        f[j] = g.s * dj + g.c * fj;
+        const Real below = -g.s * d[j + 1];
+        d[j + 1] = g.c * d[j + 1];
+        // rows j and j+1:  | d(j)   f(j)     bulge  |
+        //                  | 0      d(j+1)   f(j+1) |
+        g = annihilate(d[j], below);
+        left[j] = g;
+        const Real fr = f[j];
+        const Real dn = d[j + 1];
+        f[j] = g.c * fr - g.s * dn;
+        d[j + 1] = g.s * fr + g.c * dn;
+        if (j + 1 == last) break;
+        const Real beside = -g.s * f[j + 1];
+        f[j + 1] = g.c * f[j + 1];
+        g = annihilate(f[j], beside);
+    }
+}
+
+}  // namespace
+
+template <class Real>
+void golub_kahan_step(Real* d, Real* f, BidiagonalBlock block, Rotation<Real>* right,
+                      Rotation<Real>* left) {
+    const Size last = block.end - 1;
+    Size begin = block.begin;
+    while (begin < last) {
+        if (f[begin] == 0) {
+            right[begin] = left[begin] = {};
+            ++begin;
+            continue;
+        }
+        Size end = begin + 1;
+        while (end < last && f[end] != 0) ++end;
+        step_on_piece(d, f, {begin, end + 1}, right, left);
+        begin = end;
+    }
+}
+
+template <class Real>
+ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block) {
+    for (Size i = block.end - 1; i >= block.begin; --i) {
+        if (d[i] != 0) continue;
+        if (i + 1 < block.end && f[i] != 0) return {ZeroChase::row, i, i};
+        if (i > block.begin && f[i - 1] != 0) return {ZeroChase::column, i, i};
+    }
+    return {};
+}
+
+template <class Real>
+ZeroChase chase_zero(Real* d, Real* f, BidiagonalBlock block, ZeroChase chase,
+                     Rotation<Real>* rotations) {
+    if (chase.kind == ZeroChase::none) return chase;
+    const bool is_row = chase.kind == ZeroChase::row;
+    const Size step = is_row ? 1 : -1;
+    const Size end = is_row ? block.end - 1 : block.begin;
+    // the element beyond line j in the direction of the chase is f(j) in a row, f(j-1) in a column
+    const Size beyond = is_row ? 0 : -1;
+    Real driven = f[chase.index + beyond];
+    f[chase.index + beyond] = 0;
+    Size j = chase.index;
+    for (Size i = 0; driven != 0; ++i) {
+        j += step;
+        rotations[i] = annihilate(d[j], driven);
+        if (j == end) break;
+        driven = rotations[i].s * f[j + beyond];
+        f[j + beyond] *= rotations[i].c;
+    }
+    chase.last = j;
+    return chase;
+}
+
+namespace {
+
+template <class Real>
+inline void rotate(Real& x, Real& y, Rotation<Real> g) {
+    const Real old = x;
+    x = g.c * old - g.s * y;
+    y = g.s * old + g.c * y;
+}
+
+}  // namespace
+
+template <class Real>
+void rotate_columns(Real* const* rows, Size count, BidiagonalBlock block,
+                    const Rotation<Real>* rotations) {
+    for (Size i = 0; i < count; ++i)
+        for (Size j = block.begin; j + 1 < block.end; ++j)
+            rotate(rows[i][j], rows[i][j + 1], rotations[j]);
+}
+
+template <class Real>
+void rotate_columns(Real* const* rows, Size count, const ZeroChase& chase,
+                    const Rotation<Real>* rotations) {
+    for (Size i = 0; i < count; ++i)
+        for (Size j = 0; j < chase.count(); ++j)
+            rotate(rows[i][chase.line(j)], rows[i][chase.index], rotations[j]);
+}
+
+#define NEQUAR_INSTANTIATE(Real)                                                              \
+    template void deflate(Size, const Real*, Real*);                                          \
+    template bool find_block(Size, const Real*, BidiagonalBlock&);                            \
+    template void first_vector(const Real*, const Real*, BidiagonalBlock, Real&, Real&);      \
+    template void golub_kahan_step(Real*, Real*, BidiagonalBlock, Rotation<Real>*,            \
+                                   Rotation<Real>*);                                          \
+    template ZeroChase find_zero(const Real*, const Real*, BidiagonalBlock);                  \
+    template ZeroChase chase_zero(Real*, Real*, BidiagonalBlock, ZeroChase, Rotation<Real>*); \
+    template void rotate_columns(Real* const*, Size, BidiagonalBlock, const Rotation<Real>*); \
+    template void rotate_columns(Real* const*, Size, const ZeroChase&, const Rotation<Real>*);
+NEQUAR_INSTANTIATE(double)
+NEQUAR_INSTANTIATE(float)
+#undef NEQUAR_INSTANTIATE
+
+}  // namespace nequar

@@ -1,0 +1,170 @@
+#include "nequar_algebra/structured/vandermonde.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "support/residual.h"
+
+namespace {
+
+using namespace nequar;
+
+template <class Real>
+class VandermondeTest : public testing::Test {};
+using Reals = testing::Types<double, float>;
+TYPED_TEST_SUITE(VandermondeTest, Reals);
+
+template <class Real>
+Vector<Real> vector_of(std::initializer_list<double> values) {
+    Vector<Real> v;
+    v.c_Create(static_cast<int>(values.size()));
+    int i = 0;
+    for (const double value : values) v[i++] = static_cast<Real>(value);
+    return v;
+}
+
+template <class Real>
+Matrix<Real> column(const Vector<Real>& v) {
+    Matrix<Real> m;
+    m.c_Create(v.vs(), 1);
+    for (int i = 0; i < v.vs(); ++i) m[i][0] = v[i];
+    return m;
+}
+
+TYPED_TEST(VandermondeTest, InterpolatesAndSolves) {
+    using Real = TypeParam;
+    const MatrixVandermonde<Real> any;
+    auto f = vector_of<Real>({1, 2, 5});
+    ASSERT_TRUE(any.u_fcp_Find_Coefficients_of_Polynomial(vector_of<Real>({0, 1, 2}), f, true));
+    EXPECT_TRUE(f == vector_of<Real>({1, 0, 1}));
+    auto b = vector_of<Real>({2, 3});
+    ASSERT_TRUE(any.u_sle_Solve_Linear_Equation(vector_of<Real>({1, 2}), b, true));
+    EXPECT_TRUE(b == vector_of<Real>({1, 1}));
+
+    for (const int n : {1, 2, 3, 5, 8, 13, 16}) {
+        SCOPED_TRACE(n);
+        Vector<Real> nodes;
+        Vector<Real> data;
+        nodes.c_Create(n);
+        data.c_Create(n);
+        for (int i = 0; i < n; ++i) {
+            nodes[i] = Real(-1 + 2.0 * (i + 0.5) / n);
+            data[i] = Real(std::cos(2.0 * i));
+        }
+        MatrixVandermonde<Real> v;
+        ASSERT_TRUE(v.im_Import(nodes));
+        Matrix<Real> matrix;
+        Matrix<Real> transposed;
+        v.ex_Export(&matrix, &transposed, nullptr);
+        auto x = data;
+        ASSERT_TRUE(v.sle_Solve_Linear_Equation(x));
+        EXPECT_LT(test::solution_residual(matrix, column(x), column(data)), 10);
+        x = data;
+        ASSERT_TRUE(v.fcp_Find_Coefficients_of_Polynomial(x));
+        EXPECT_LT(test::solution_residual(transposed, column(x), column(data)), 10);
+
+        // The nodes as their own data: p(t) = t, and the sum of nothing but the first powers.
+        x = nodes;
+        auto kept = nodes;
+        ASSERT_TRUE(any.u_fcp_Find_Coefficients_of_Polynomial(x, x, false));
+        ASSERT_TRUE(any.u_fcp_Find_Coefficients_of_Polynomial(nodes, kept, false));
+        EXPECT_TRUE(x == kept);
+        x = kept = nodes;
+        ASSERT_TRUE(any.u_sle_Solve_Linear_Equation(x, x, true));
+        ASSERT_TRUE(any.u_sle_Solve_Linear_Equation(nodes, kept, true));
+        EXPECT_TRUE(x == kept);
+    }
+}
+
+TYPED_TEST(VandermondeTest, RefusesEqualNodesAndOtherSizes) {
+    using Real = TypeParam;
+    constexpr const char* kEqual = "All the elements should be different !!!";
+    const MatrixVandermonde<Real> any;
+    const auto data = vector_of<Real>({1, 2, 3});
+    struct Row {
+        Vector<Real> nodes;
+        bool test;
+        const char* detail;
+    };
+    const Row rows[] = {{vector_of<Real>({1, 1, 2}), true, kEqual},
+                        {vector_of<Real>({0, 5, -0.0}), true, kEqual},
+                        {vector_of<Real>({1, 2}), true, "1"},
+                        {vector_of<Real>({1, 1}), false, "1"},
+                        {vector_of<Real>({1, 2, 3, 3}), true, kEqual}};
+    const std::string name = any.gcn_Get_Class_Name().c_str();
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.nodes);
+        auto f = data;
+        EXPECT_FALSE(any.u_fcp_Find_Coefficients_of_Polynomial(row.nodes, f, row.test));
+        EXPECT_EQ(any.gft_Get_Failure_Trace().c_str(),
+                  name + "::u_fcp_Find_Coefficients_of_Polynomial: " + row.detail);
+        EXPECT_FALSE(any.u_sle_Solve_Linear_Equation(row.nodes, f, row.test));
+        EXPECT_EQ(any.gft_Get_Failure_Trace().c_str(),
+                  name + "::u_sle_Solve_Linear_Equation: " + row.detail);
+        EXPECT_TRUE(f == data);
+    }
+    MatrixVandermonde<Real> v;
+    EXPECT_FALSE(v.im_Import(rows[0].nodes));
+    EXPECT_EQ(v.gft_Get_Failure_Trace().c_str(), name + "::im_Import: " + kEqual);
+    EXPECT_EQ(v.ge_Get_Element(2, 1), Real(2));
+    auto f = data;
+    EXPECT_FALSE(v.fcp_Find_Coefficients_of_Polynomial(f));
+    // Without the test equal or endless nodes never give plausible numbers.
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    for (const auto& nodes : {vector_of<Real>({1, 1, 2}), vector_of<Real>({0, 1, inf})})
+        for (const bool interpolating : {true, false}) {
+            f = data;
+            EXPECT_TRUE(interpolating ? any.u_fcp_Find_Coefficients_of_Polynomial(nodes, f, false)
+                                      : any.u_sle_Solve_Linear_Equation(nodes, f, false));
+            EXPECT_FALSE(std::isfinite(f[0]) && std::isfinite(f[1]) && std::isfinite(f[2])) << f;
+        }
+}
+
+TYPED_TEST(VandermondeTest, ElementsRowsAndExportsAgree) {
+    using Real = TypeParam;
+    MatrixVandermonde<Real> v;
+    EXPECT_EQ(v.ge_Get_Element(3, 7), Real(1));
+    const int n = 9;
+    Vector<Real> nodes;
+    nodes.c_Create(n);
+    for (int i = 0; i < n; ++i) nodes[i] = Real(i) / 3 - 1;
+    ASSERT_TRUE(v.im_Import(nodes));
+    Matrix<Real> matrix;
+    Matrix<Real> transposed;
+    Vector<Real> same;
+    v.ex_Export(&matrix, &transposed, &same);
+    EXPECT_TRUE(same == nodes);
+    EXPECT_TRUE(transposed == test::transposed(matrix));
+    Real rows[n * n];
+    Real columns[n * n];
+    int order = 0;
+    v.ex_Export(true, rows, &order);
+    v.ex_Export(false, columns, &order);
+    EXPECT_EQ(order, n);
+    for (int y = 0; y < n; ++y) {
+        Vector<Real> row;
+        Real column[n];
+        v.gr_Get_Row(y - n, &row);
+        v.gc_Get_Column(y + n, column);
+        for (int x = 0; x < n; ++x) {
+            const double expected = std::pow(double(nodes[x]), y);
+            EXPECT_LE(std::abs(double(matrix[y][x]) - expected),
+                      8 * test::kEpsilon<Real> * std::abs(expected));
+            EXPECT_EQ(v.ge_Get_Element(x - n, y + 2 * n), matrix[y][x]);
+            EXPECT_EQ(row[x], matrix[y][x]);
+            EXPECT_EQ(column[x], matrix[x][y]);
+            EXPECT_EQ(rows[y * n + x], matrix[y][x]);
+            EXPECT_EQ(columns[x * n + y], matrix[y][x]);
+        }
+    }
+    MatrixVandermonde<Real> other;
+    EXPECT_TRUE(other != v);
+    other.cp_Copy(&v);
+    EXPECT_TRUE(other == v);
+    v.ex_Export(&matrix, &matrix, nullptr);
+    EXPECT_STREQ(v.ged_Get_Error_Detail().c_str(), "1");
+}
+
+}  // namespace
