@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "nequar_algebra/factorization/hessenberg_factorization.h"
+#include "nequar_algebra/factorization/symmetric_eigen_factorization.h"
 #include "nequar_algebra/structured/band.h"
 
 namespace nequar {
@@ -30,7 +30,7 @@ struct Strided;
 /// delivered, and U S V^T is not A. For larger matrices use the form that takes a limit, with 4 n
 /// or more, and look at the steps that come back: fewer than the limit mean convergence.
 template <class Real>
-class NEQUAR_API SingularValueFactorization : public HessenbergFactorization<Real> {
+class NEQUAR_API SingularValueFactorization : public SymmetricEigenFactorization<Real> {
 public:
     // ---- bidiagonalization ----
 
