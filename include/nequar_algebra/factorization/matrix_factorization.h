@@ -12,9 +12,8 @@ namespace nequar {
 ///                   LU, Cholesky, determinant    QR, QL, RQ, LQ, pivoting
 ///               <-  HessenbergFactorization  <-  SymmetricEigenFactorization
 ///                   Hessenberg, Givens QR        eigenvalues, tridiagonal forms
-///               <-  SingularValueFactorization  <-  SubspaceFactorization
+///               <-  SingularValueFactorization  <-  SubspaceFactorization  <-  MatrixFactorization
 ///                   singular values                 rank, subspaces
-///               <-  MatrixFactorization
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //

@@ -8,9 +8,11 @@ namespace nequar {
 ///
 /// The operations come in families, each of which is a class that derives from the one before:
 ///
-///     MatrixFactorization  <-  TriangularSolver  <-  OrthogonalSolver  <-  ...  <-  LinearEquation
-///                              LU, Cholesky,         QR, QL, RQ, LQ
+///     MatrixFactorization  <-  TriangularSolver  <-  OrthogonalSolver  <-  EigenSolver
+///                              LU, Cholesky,         QR, QL, RQ, LQ        symmetric matrices
 ///                              Gauss-Jordan
+///                          <-  SpectralSolver  <-  ...  <-  LinearEquation
+///                              singular values
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //

@@ -120,10 +120,11 @@ void golub_kahan_step(Real* d, Real* f, BidiagonalBlock block, Rotation<Real>* r
 }
 
 template <class Real>
-ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block) {
+ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block, bool at_inner_ends) {
     for (Size i = block.end - 1; i >= block.begin; --i) {
         if (d[i] != 0) continue;
         if (i + 1 < block.end && f[i] != 0) return {ZeroChase::row, i, i};
+        if (i + 1 < block.end && !at_inner_ends) continue;
         if (i > block.begin && f[i - 1] != 0) return {ZeroChase::column, i, i};
     }
     return {};
@@ -185,7 +186,7 @@ void rotate_columns(Real* const* rows, Size count, const ZeroChase& chase,
     template void first_vector(const Real*, const Real*, BidiagonalBlock, Real&, Real&);      \
     template void golub_kahan_step(Real*, Real*, BidiagonalBlock, Rotation<Real>*,            \
                                    Rotation<Real>*);                                          \
-    template ZeroChase find_zero(const Real*, const Real*, BidiagonalBlock);                  \
+    template ZeroChase find_zero(const Real*, const Real*, BidiagonalBlock, bool);            \
     template ZeroChase chase_zero(Real*, Real*, BidiagonalBlock, ZeroChase, Rotation<Real>*); \
     template void rotate_columns(Real* const*, Size, BidiagonalBlock, const Rotation<Real>*); \
     template void rotate_columns(Real* const*, Size, const ZeroChase&, const Rotation<Real>*);

@@ -62,9 +62,10 @@ struct ZeroChase {
     Size line(Size i) const { return kind == row ? index + 1 + i : index - 1 - i; }
 };
 
-// The last zero of the block with an element to be cleared.
+// The last zero of the block with an element to be cleared: a row; a column at the end of the
+// block, or, where `at_inner_ends`, at that of any piece.
 template <class Real>
-ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block);
+ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block, bool at_inner_ends);
 // Clears it: f(index), or f(index-1), becomes zero and no other element of f stops being so. The
 // chase ends where the element that it drives vanishes, and `last` is where that is.
 template <class Real>

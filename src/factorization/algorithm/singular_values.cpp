@@ -119,7 +119,7 @@ void iterate(Size n, Real* d, Real* f, Accumulator<Real>& wu, Accumulator<Real>&
     for (;;) {
         deflate(n, d, f);
         if (!find_block(n, f, block)) break;
-        const ZeroChase zero = find_zero(d, f, block);
+        const ZeroChase zero = find_zero(d, f, block, true);
         if (zero.kind != ZeroChase::none) {
             const ZeroChase chase = chase_zero(d, f, block, zero, rotations);
             (chase.kind == ZeroChase::row ? wu : wv).rotate(chase, rotations);
