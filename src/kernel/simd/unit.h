@@ -29,6 +29,7 @@ constexpr Table<Real> table_named(const char* name) {
         .sum_of_magnitudes = sum_of_magnitudes<Real>,
         .sum_of_squares = sum_of_squares<Real>,
         .distance_squared = distance_squared<Real>,
+        .squared_distances = squared_distances<Real>,
         .axpy = axpy<Real>,
         .scale = scale<Real>,
         .copy = copy<Real>,
