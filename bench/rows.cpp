@@ -37,6 +37,10 @@ std::span<const Row> row_table() {
         {"triangle 1", "T x = b, slet", NEQUAR_BOTH(make_triangular_solve_vector)},
         {"triangle n", "T X = B, slet", NEQUAR_BOTH(make_triangular_solve_matrix)},
         {"triangle inv", "imt", NEQUAR_BOTH(make_triangular_inverse)},
+        {"eig values", "symmetric, devt; LAPACK's syev", NEQUAR_BOTH(make_eigenvalues)},
+        {"eig vectors", "symmetric, devt; LAPACK's syev", NEQUAR_BOTH(make_eigenvectors)},
+        {"eig beside DC", "the same; LAPACK's syevd", NEQUAR_BOTH(make_eigenvectors_beside_dc)},
+        {"Jacobi", "symmetric with vectors, devj", NEQUAR_BOTH(make_jacobi)},
     };
     return rows;
 }

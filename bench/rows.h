@@ -63,4 +63,13 @@ Case make_triangular_solve_matrix(Size n);
 template <class Real>
 Case make_triangular_inverse(Size n);
 
+template <class Real>
+Case make_eigenvalues(Size n);  // symmetric, devt_ with enough steps
+template <class Real>
+Case make_eigenvectors(Size n);
+template <class Real>
+Case make_eigenvectors_beside_dc(Size n);  // the peer's divide and conquer
+template <class Real>
+Case make_jacobi(Size n);  // devj_
+
 }  // namespace bench
