@@ -12,6 +12,7 @@
 .sum_of_magnitudes = sum_of_magnitudes<Real>,
 .sum_of_squares = sum_of_squares<Real>,
 .distance_squared = distance_squared<Real>,
+.squared_distances = squared_distances<Real>,
 .axpy = axpy<Real>,
 .scale = scale<Real>,
 .copy = copy<Real>,
