@@ -6,15 +6,22 @@
 
 namespace nequar {
 
+namespace {
+
+// Below this a product has lost digits to underflow.
+template <class Real>
+constexpr Real kLeast = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
+
+}  // namespace
+
 template <class Real>
 bool deflate(const Real* d, Real* f, BidiagonalBlock block) {
-    constexpr Real least = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
     if (block.end <= block.begin) return false;
     Size zeros = d[block.end - 1] == 0;
     for (Size i = block.begin; i + 1 < block.end; ++i) {
         const Real size = std::abs(d[i]) + std::abs(d[i + 1]);
         const Real magnitude = std::abs(f[i]);
-        f[i] = magnitude + size == size || magnitude < least ? Real(0) : f[i];
+        f[i] = magnitude + size == size || magnitude < kLeast<Real> ? Real(0) : f[i];
         zeros += d[i] == 0;
     }
     return zeros > 0;
@@ -56,7 +63,7 @@ void first_vector(const Real* d, const Real* f, BidiagonalBlock piece, Real& y, 
     const Real fp = f[p] / scale;
     y = dp * dp - mu;
     z = dp * fp;
-    if (z == 0) {  // underflow would make it no step at all: one without a shift then
+    if (std::abs(z) < kLeast<Real>) {  // a direction of few digits, or none: no shift then
         y = d[p];
         z = f[p];
     }
