@@ -37,16 +37,23 @@ bool for_columns(const Columns<Real>& a, const Columns<Real>& b, const OfColumns
 
 }  // namespace
 
+// No branch depends on which of two indices is the smaller.
 template <class Real>
 Real distance_squared(const Run<Real>& a, const Run<Real>& b) {
     Real total = 0;
-    const auto add = [&total](Real difference) {
-        total += difference * difference;
-        return true;
-    };
-    walk(
-        a, b, [&](Size i, Size j) { return add(a.values[i] - b.values[j]); },
-        [&](Size i) { return add(a.values[i]); }, [&](Size j) { return add(b.values[j]); });
+    Size i = 0;
+    Size j = 0;
+    while (i < a.count && j < b.count) {
+        const int at = a.indices[i];
+        const int bt = b.indices[j];
+        const Real of_a = at <= bt ? a.values[i] : Real(0);
+        const Real of_b = bt <= at ? b.values[j] : Real(0);
+        total += (of_a - of_b) * (of_a - of_b);
+        i += at <= bt;
+        j += bt <= at;
+    }
+    for (; i < a.count; ++i) total += a.values[i] * a.values[i];
+    for (; j < b.count; ++j) total += b.values[j] * b.values[j];
     return total;
 }
 
