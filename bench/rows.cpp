@@ -59,6 +59,10 @@ std::span<const Row> row_table() {
         {"sparse mean", "m", NEQUAR_SPARSE(mean)},
         {"sparse stdev", "mst", NEQUAR_SPARSE(deviation)},
         {"sparse max", "max", NEQUAR_SPARSE(largest)},
+        {"sparse expand", "symmetric to general, ex", NEQUAR_SPARSE(expand)},
+        {"sparse half", "general to symmetric, im", NEQUAR_SPARSE(lower_half)},
+        {"sparse snorm", "symmetric, nf", NEQUAR_SPARSE(symmetric_norm)},
+        {"sparse sstdev", "symmetric, mst", NEQUAR_SPARSE(symmetric_deviation)},
     };
     return rows;
 }

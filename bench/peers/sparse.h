@@ -16,14 +16,18 @@ enum class SparseOperation {
     build,         // element by element, in the order of the columns
     import_dense,
     export_dense,
-    reads,    // of the elements at `places`
-    columns,  // of the first kLines columns
-    rows,     // of kLines rows, spread
-    block,    // the middle quarter
+    expand,      // the lower half of A as a symmetric matrix, written out in full
+    lower_half,  // the lower half of A
+    reads,       // of the elements at `places`
+    columns,     // of the first kLines columns
+    rows,        // of kLines rows, spread
+    block,       // the middle quarter
     norm,
     mean,
     deviation,
     largest,
+    symmetric_norm,
+    symmetric_deviation,
 };
 
 inline constexpr int kLines = 32;

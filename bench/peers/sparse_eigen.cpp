@@ -31,7 +31,7 @@ Elements<Real> elements(const Sparse<Real>& a) {
 
 template <class Real>
 struct State {
-    Sparse<Real> a, b, c;
+    Sparse<Real> a, b, c, half;
     Dense<Real> dense;
     Eigen::SparseVector<Real> column;
     Eigen::SparseVector<Real, Eigen::RowMajor> row;
@@ -77,6 +77,32 @@ SparseTask<Real> sparse_task(SparseOperation operation, const SparseProblem<Real
             task.run = [s] { s->dense = s->a; };
             task.result = [s] {
                 return SparseResult<Real>{elements<Real>(s->dense.sparseView()), 0};
+            };
+            break;
+        case SparseOperation::expand:
+            s->half = s->a.template triangularView<Eigen::Lower>();
+            task.run = [s] { s->c = s->half.template selfadjointView<Eigen::Lower>(); };
+            break;
+        case SparseOperation::lower_half:
+            task.run = [s] { s->c = s->a.template triangularView<Eigen::Lower>(); };
+            break;
+        case SparseOperation::symmetric_norm:
+            s->half = s->a.template triangularView<Eigen::Lower>();
+            task.run = [s] {
+                const double all = double(s->half.squaredNorm());
+                s->number = std::sqrt(2 * all - double(s->half.diagonal().squaredNorm()));
+            };
+            break;
+        case SparseOperation::symmetric_deviation:
+            s->half = s->a.template triangularView<Eigen::Lower>();
+            task.run = [s, n] {
+                const Sparse<Real>& half = s->half;
+                const Eigen::Matrix<Real, Eigen::Dynamic, 1> diagonal = half.diagonal();
+                const double elements = double(n) * n;
+                const double mean = (2 * double(half.sum()) - double(diagonal.sum())) / elements;
+                const double squares =
+                    2 * double(half.squaredNorm()) - double(diagonal.squaredNorm());
+                s->number = std::sqrt(squares / elements - mean * mean);
             };
             break;
         case SparseOperation::reads:

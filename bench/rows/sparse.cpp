@@ -115,6 +115,28 @@ double expected(SparseOperation operation, const SparseProblem<Real>& p) {
                 for (int c = 0; c < n; ++c)
                     lines += element(p.a, c, int(std::int64_t(i) * n / kLines));
             return lines;
+        case SparseOperation::expand:
+            for_elements(p.a, [&](int c, int r, double v) {
+                if (r >= c) lines += v * probe(r) * probe(c + 12345);
+                if (r > c) lines += v * probe(c) * probe(r + 12345);
+            });
+            return lines;
+        case SparseOperation::lower_half:
+            for_elements(p.a, [&](int c, int r, double v) {
+                if (r >= c) lines += v * probe(r) * probe(c + 12345);
+            });
+            return lines;
+        case SparseOperation::symmetric_norm:
+        case SparseOperation::symmetric_deviation:
+            sum = 0;
+            squares = 0;
+            for_elements(p.a, [&](int c, int r, double v) {
+                const double times = r > c ? 2 : r == c ? 1 : 0;
+                sum += times * v;
+                squares += times * v * v;
+            });
+            if (operation == SparseOperation::symmetric_norm) return std::sqrt(squares);
+            return std::sqrt(squares / elements - (sum / elements) * (sum / elements));
         case SparseOperation::norm:
             return std::sqrt(squares);
         case SparseOperation::mean:
@@ -129,7 +151,7 @@ double expected(SparseOperation operation, const SparseProblem<Real>& p) {
 }
 
 constexpr bool gives_matrix(SparseOperation operation) {
-    return operation <= SparseOperation::export_dense || operation == SparseOperation::block;
+    return operation <= SparseOperation::lower_half || operation == SparseOperation::block;
 }
 
 template <class Real>
@@ -149,6 +171,7 @@ struct Ours {
     using Sparse = nequar::SparseMatrix<Real>;
 
     Sparse a, b, c;
+    nequar::SparseSymmetricMatrix<Real> symmetric;
     nequar::SparseVector<Real> line;
     nequar::Matrix<Real> dense;
     double number = 0;
@@ -169,7 +192,7 @@ void fill(nequar::SparseMatrix<Real>& s, const Elements<Real>& a) {
 }
 
 template <class Real>
-Elements<Real> elements(const nequar::SparseMatrix<Real>& s) {
+Elements<Real> elements(const nequar::CompressedColumns<Real>& s) {
     const Real* values = nullptr;
     const int* rows = nullptr;
     const int* start = nullptr;
@@ -231,6 +254,26 @@ SparseTask<Real> our_task(SparseOperation operation, const SparseProblem<Real>& 
             task.result = [s] {
                 s->c.im_Import(&s->dense);
                 return SparseResult<Real>{elements(s->c), 0};
+            };
+            break;
+        case SparseOperation::expand:
+            s->symmetric.im_Import(&s->a, true);
+            task.run = [s] { s->symmetric.ex_Export(&s->c); };
+            break;
+        case SparseOperation::lower_half:
+            task.run = [s] { s->symmetric.im_Import(&s->a, true); };
+            task.result = [s] { return SparseResult<Real>{elements(s->symmetric), 0}; };
+            break;
+        case SparseOperation::symmetric_norm:
+            s->symmetric.im_Import(&s->a, true);
+            task.run = [s] { s->number = double(s->symmetric.nf_Norm_Frobenius()); };
+            break;
+        case SparseOperation::symmetric_deviation:
+            s->symmetric.im_Import(&s->a, true);
+            task.run = [s] {
+                Real deviation = 0;
+                s->symmetric.mst_Mean_and_Stdev(deviation);
+                s->number = double(deviation);
             };
             break;
         case SparseOperation::reads:
@@ -323,6 +366,8 @@ NEQUAR_SPARSE(add_weighted)
 NEQUAR_SPARSE(build)
 NEQUAR_SPARSE(import_dense)
 NEQUAR_SPARSE(export_dense)
+NEQUAR_SPARSE(expand)
+NEQUAR_SPARSE(lower_half)
 NEQUAR_SPARSE(reads)
 NEQUAR_SPARSE(columns)
 NEQUAR_SPARSE(rows)
@@ -331,6 +376,8 @@ NEQUAR_SPARSE(norm)
 NEQUAR_SPARSE(mean)
 NEQUAR_SPARSE(deviation)
 NEQUAR_SPARSE(largest)
+NEQUAR_SPARSE(symmetric_norm)
+NEQUAR_SPARSE(symmetric_deviation)
 #undef NEQUAR_SPARSE
 
 }  // namespace bench

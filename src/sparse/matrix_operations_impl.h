@@ -7,6 +7,7 @@
 #include "sparse/algorithm/compare.h"
 #include "sparse/algorithm/reduce.h"
 #include "sparse/algorithm/transpose.h"
+#include "sparse/extremum.h"
 #include "sparse/inside.h"
 
 namespace nequar {
@@ -145,29 +146,9 @@ Real SparseMatrix<Real>::nf() const {
 
 template <class Real>
 Real SparseMatrix<Real>::extremum(bool largest, int* x, int* y, const char* method) const {
-    const auto give = [x, y](int column, int row) {
-        if (x != nullptr) *x = column;
-        if (y != nullptr) *y = row;
-    };
-    const Columns<Real> columns = SparseInside<Real>::columns(*this);
-    if (columns.count == 0) {
-        give(0, 0);
-        return Real(0);
-    }
-    const Size at = largest ? position_of_largest(columns.values, columns.count)
-                            : position_of_smallest(columns.values, columns.count);
-    const Real value = columns.values[at];
-    if ((largest ? value < Real(0) : value > Real(0)) && itze()) {
-        int column = 0;
-        int row = 0;
-        if (fize(column, row))
-            give(column, row);
-        else
-            this->report("impossible", method);
-        return Real(0);
-    }
-    if (x != nullptr || y != nullptr)
-        give(static_cast<int>(column_of(columns, at)), columns.rows[at]);
+    bool impossible = false;
+    const Real value = find_extremum<Real>(*this, largest, x, y, impossible);
+    if (impossible) this->report("impossible", method);
     return value;
 }
 

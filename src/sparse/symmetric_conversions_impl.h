@@ -82,7 +82,9 @@ bool SparseSymmetricMatrix<Real>::im(const SparseMatrix<Real>* m, bool lower,
     const CNqClass::CallScope scope(this);
     const int n = m->mh();
     if (m->mw() != n) return this->fail("4", kName);
-    if (symmetric != nullptr && symmetric->c_Create(n, n, Real(0)) == nullptr) {
+    Workspace<int> scratch(n);
+    if (!scratch) return this->fail("4", kName);
+    if (symmetric != nullptr && symmetric->c_Create(n, n) == nullptr) {
         this->adopt_failure_of(*symmetric);
         return this->fail("4", kName);
     }
@@ -97,7 +99,7 @@ bool SparseSymmetricMatrix<Real>::im(const SparseMatrix<Real>* m, bool lower,
             return this->fail("4", kName);
     }
     if (symmetric != nullptr)
-        write_full_to_dense(SparseInside<Real>::columns(*this), view_of(symmetric));
+        write_full_to_dense(SparseInside<Real>::columns(*this), scratch.data(), view_of(symmetric));
     return true;
 }
 
@@ -109,7 +111,9 @@ bool SparseSymmetricMatrix<Real>::ex(SparseMatrix<Real>* m, Matrix<Real>* a) con
     const CNqClass::CallScope scope(this);
     const int n = this->mh();
     const Columns<Real> columns = SparseInside<Real>::columns(*this);
-    if (a != nullptr && a->c_Create(n, n, Real(0)) == nullptr) {
+    Workspace<int> scratch(n);
+    if (!scratch) return this->fail("2", kName);
+    if (a != nullptr && a->c_Create(n, n) == nullptr) {
         this->adopt_failure_of(*a);
         return this->fail("1", kName);
     }
@@ -124,7 +128,7 @@ bool SparseSymmetricMatrix<Real>::ex(SparseMatrix<Real>* m, Matrix<Real>* a) con
             return this->fail(outcome == Gathered::not_created ? "czm" : "z_cne", kName);
         }
     }
-    if (a != nullptr) write_full_to_dense(columns, view_of(a));
+    if (a != nullptr) write_full_to_dense(columns, scratch.data(), view_of(a));
     return true;
 }
 
@@ -137,7 +141,7 @@ bool SparseSymmetricMatrix<Real>::gc(int x, int y, int dy, SparseVector<Real>* o
     const CNqClass::CallScope scope(this);
     out->zet_s(this->get_Get_Error_Trace_mode());
     if (!this->ivrc(x, y, dy)) return this->fail("bad index range", kName);
-    const FullBlock<Real> part{SparseInside<Real>::columns(*this), x, y, 1, dy, true};
+    const FullColumn<Real> part{SparseInside<Real>::columns(*this), x, y, dy};
     int start[2];
     const int count = static_cast<int>(count_elements(part, start));
     if (count > kLargestIntCount - kSpare || !out->czv(dy, count + kSpare)) {

@@ -122,8 +122,8 @@ public:
     // ---- columns, rows, blocks of the full matrix -----------------------------------------------
 
     /// Rows y … y+dy-1 of column x, explicit zeros included, with four positions of blank space:
-    /// "bad index range", "czv", "z_cne". What stands above the diagonal is looked up in the
-    /// columns before x: O(dy log n).
+    /// "bad index range", "czv", "z_cne". What stands above the diagonal is looked for in columns y
+    /// … x-1: O(dy log n), less where they hold few elements.
     bool gc(int x, int y, int dy, SparseVector<Real>* out) const;
     bool gc_Get_Column(int x, int y, int dy, SparseVector<Real>* out) const {
         return gc(x, y, dy, out);

@@ -1,12 +1,14 @@
 // Gathering elements into compressed columns by counting: one pass over a source counts the
 // elements of each column, another puts them in their places.
 //
-// A source knows the number of columns that it fills, and calls visit(row, column, value) for each
-// element, those of a column by increasing row. Sources:
+// A source knows the number of columns that it fills, and hands its elements to a visitor, those of
+// a column by increasing row: visit.element(row, column, value), or visit.run(column, run, shift)
+// for stored elements that stand together, of which the row numbers are counted from `shift`.
 //
 //     DenseHalf     non-zeros of one triangle of a dense matrix, as a lower triangle
 //     ColumnsHalf   elements of one triangle of a sparse matrix, as a lower triangle
 //     FullBlock     a block of the symmetric matrix of which the lower half is stored
+//     FullColumn    a part of one of its columns
 //
 // The upper triangle is mirrored: element (r, c), r <= c, is visited as row c of column r.
 #pragma once
@@ -21,19 +23,37 @@ namespace nequar {
 enum class Half { lower, upper };
 
 template <class Real>
+Run<Real> run_of(const Columns<Real>& a, Range part) {
+    return {a.rows + part.begin, a.values + part.begin, part.length()};
+}
+
+// The part of column c, stored from its diagonal down, that lies in rows first … last-1.
+template <class Real>
+Range part_of_half(const Columns<Real>& lower, Range column, Size c, Size first, Size last) {
+    const int* const rows = lower.rows;
+    if (first == c + 1 && column.length() > 0)
+        column.begin += rows[column.begin] == c;
+    else if (first > c)
+        column.begin = first_not_below(rows, column.begin, column.end, first);
+    if (last < lower.height) column.end = first_not_below(rows, column.begin, column.end, last);
+    return column;
+}
+
+template <class Real>
 struct DenseHalf {
     View<const Real> a;  // square, row by row
     Half half;
 
     Size width() const { return a.width; }
-    template <class Visit>
-    void each(const Visit& visit) const {
+    template <class Visitor>
+    void each(Visitor& visit) const {
         for (Size r = 0; r < a.height; ++r) {
             const Real* const row = a.data + r * a.row_stride;
             if (half == Half::lower)
-                for_nonzeros(row, r + 1, [&](Size c) { visit(r, c, row[c]); });
+                for_nonzeros(row, r + 1, [&](Size c) { visit.element(r, c, row[c]); });
             else
-                for_nonzeros(row + r, a.width - r, [&](Size k) { visit(r + k, r, row[r + k]); });
+                for_nonzeros(row + r, a.width - r,
+                             [&](Size k) { visit.element(r + k, r, row[r + k]); });
         }
     }
 };
@@ -44,20 +64,21 @@ struct ColumnsHalf {
     Half half;
 
     Size width() const { return a.width; }
-    template <class Visit>
-    void each(const Visit& visit) const {
-        const bool lower = half == Half::lower;
+    template <class Visitor>
+    void each(Visitor& visit) const {
         Size end = 0;
         for (Size c = 0; c < a.width; ++c) {
             const Range column{end, a.end_after(end, c)};
             end = column.end;
-            const Size first = lower ? c : 0;
-            const Size last = lower ? a.height : c + 1;
-            const Range part = part_between(a.rows, column, first, last);
-            for (Size k = part.begin; k < part.end; ++k) {
+            if (half == Half::lower) {
+                const Size first = first_not_below(a.rows, column.begin, column.end, c);
+                visit.run(c, run_of(a, {first, column.end}), 0);
+                continue;
+            }
+            for (Size k = column.begin; k < column.end; ++k) {
                 const Size r = a.rows[k];
-                if (r >= first && r < last)
-                    lower ? visit(r, c, a.values[k]) : visit(c, r, a.values[k]);
+                if (r > c) break;
+                if (r >= 0) visit.element(c, r, a.values[k]);
             }
         }
     }
@@ -80,8 +101,8 @@ struct FullBlock {
     bool with_zeros;  // whether explicit zeros are elements
 
     Size width() const { return block_width; }
-    template <class Visit>
-    void each(const Visit& visit) const {
+    template <class Visitor>
+    void each(Visitor& visit) const {
         const Size right = x + block_width;
         const Size bottom = y + block_height;
         Size end = 0;
@@ -89,23 +110,119 @@ struct FullBlock {
             const Size begin = std::max(end, a.range(c).begin);
             const Range column{begin, a.end_after(begin, c)};
             end = column.end;
-            if (c >= y)
-                each_between(column, std::max(x, c + 1), right,
-                             [&](Size r, Real v) { visit(c - y, r - x, v); });
-            if (c >= x)
-                each_between(column, y, bottom, [&](Size r, Real v) { visit(r - y, c - x, v); });
+            if (c >= y) {
+                const Range mirrored = part_of_half(a, column, c, std::max(x, c + 1), right);
+                for (Size k = mirrored.begin; k < mirrored.end; ++k) {
+                    const Size at = a.rows[k] - x;
+                    if (at >= 0 && at < block_width && is_wanted(k))
+                        visit.element(c - y, at, a.values[k]);
+                }
+            }
+            if (c >= x) {
+                const Range own = part_of_half(a, column, c, y, bottom);
+                if (with_zeros) {
+                    visit.run(c - x, run_of(a, own), y);
+                    continue;
+                }
+                for (Size k = own.begin; k < own.end; ++k)
+                    if (is_wanted(k)) visit.element(a.rows[k] - y, c - x, a.values[k]);
+            }
         }
     }
 
 private:
-    template <class Visit>
-    void each_between(Range column, Size first, Size last, const Visit& visit) const {
-        const Range part = part_between(a.rows, column, first, last);
-        for (Size k = part.begin; k < part.end; ++k) {
-            const Size r = a.rows[k];
-            if (r >= first && r < last && (with_zeros || a.values[k] != Real(0)))
-                visit(r, a.values[k]);
+    bool is_wanted(Size k) const { return with_zeros || a.values[k] != Real(0); }
+};
+
+// Rows y … y+height-1 of column x. Row x is looked for in the columns before x by bisection, or,
+// where they hold so few elements that this is faster, among all their elements in the order in
+// which they lie.
+template <class Real>
+struct FullColumn {
+    Columns<Real> a;  // the lower half
+    Size x;
+    Size y;
+    Size height;
+
+    Size width() const { return 1; }
+    template <class Visitor>
+    void each(Visitor& visit) const {
+        constexpr Size kFew = 256;  // elements of a column
+        const Size last = std::min(x, y + height);
+        if (y < last) {
+            const Size begin = a.range(y).begin;
+            const Range part{begin, a.end_after(begin, last - 1)};
+            if (part.length() < kFew * (last - y))
+                each_in_order(part, last, visit);
+            else
+                each_by_bisection(last, visit);
         }
+        if (x < y + height)
+            visit.run(0, run_of(a, part_of_half(a, a.range(x), x, y, y + height)), y);
+    }
+
+private:
+    template <class Visitor>
+    void each_in_order(Range part, Size last, Visitor& visit) const {
+        constexpr Size kBlock = 64;
+        const int row = static_cast<int>(x);
+        for (Size first = part.begin; first < part.end; first += kBlock) {
+            const Size end = std::min(first + kBlock, part.end);
+            int hits = 0;
+            for (Size k = first; k < end; ++k) hits += a.rows[k] == row;
+            for (Size k = first; hits > 0; ++k) {
+                if (a.rows[k] != row) continue;
+                const Size c = first_not_below(a.start, y + 1, last, k + 1) - 1;
+                visit.element(c - y, 0, a.values[k]);
+                --hits;
+            }
+        }
+    }
+    template <class Visitor>
+    void each_by_bisection(Size last, Visitor& visit) const {
+        for (Size c = y; c < last; ++c) {
+            const Range column = a.range(c);
+            const Size k = first_not_below(a.rows, column.begin, column.end, x);
+            if (k < column.end && a.rows[k] == x) visit.element(c - y, 0, a.values[k]);
+        }
+    }
+};
+
+struct ElementCounter {
+    int* start;
+    Size total = 0;
+
+    template <class Real>
+    void element(Size, Size column, Real) {
+        ++start[column + 1];
+        ++total;
+    }
+    template <class Real>
+    void run(Size column, const Run<Real>& run, Size) {
+        start[column + 1] += static_cast<int>(run.count);
+        total += run.count;
+    }
+};
+
+// start[c + 1] is where the next element of column c goes.
+template <class Real>
+struct ElementPlacer {
+    int* start;
+    int* rows;
+    Real* values;
+
+    void element(Size row, Size column, Real value) {
+        const int to = start[column + 1]++;
+        rows[to] = static_cast<int>(row);
+        values[to] = value;
+    }
+    void run(Size column, const Run<Real>& run, Size shift) {
+        const int to = start[column + 1];
+        for (Size k = 0; k < run.count; ++k) {
+            rows[to + k] = static_cast<int>(run.indices[k] - shift);
+            values[to + k] = run.values[k];
+        }
+        start[column + 1] += static_cast<int>(run.count);
     }
 };
 
@@ -113,12 +230,9 @@ private:
 template <class Source>
 Size count_elements(const Source& source, int* start) {
     std::fill(start, start + source.width() + 1, 0);
-    Size total = 0;
-    source.each([&total, start](Size, Size column, auto) {
-        ++start[column + 1];
-        ++total;
-    });
-    return total;
+    ElementCounter counter{start};
+    source.each(counter);
+    return counter.total;
 }
 
 // Fills rows and values from what count_elements found; start[c + 1] becomes the end of column c.
@@ -130,11 +244,8 @@ void put_elements(const Source& source, int* start, int* rows, Real* values) {
         start[c + 1] = begin;
         begin += length;
     }
-    source.each([start, rows, values](Size row, Size column, Real value) {
-        const int to = start[column + 1]++;
-        rows[to] = static_cast<int>(row);
-        values[to] = value;
-    });
+    ElementPlacer<Real> placer{start, rows, values};
+    source.each(placer);
 }
 
 }  // namespace nequar

@@ -5,6 +5,7 @@
 
 #include "kernel/kernel.h"
 #include "sparse/algorithm/compare.h"
+#include "sparse/algorithm/reduce.h"
 
 namespace nequar {
 namespace {
@@ -28,7 +29,7 @@ Run<Real> without_first(const Run<Real>& run) {
 // sum of f(v) over the stored elements of the full matrix
 template <class Real, class Term>
 Real sum_of_full(const Columns<Real>& lower, const Term& f) {
-    constexpr Size kLanes = 4;
+    constexpr Size kLanes = 8;
     Real diagonal = 0;
     Real off[kLanes] = {};
     for (Size c = 0; c < lower.width; ++c) {
@@ -37,9 +38,12 @@ Real sum_of_full(const Columns<Real>& lower, const Term& f) {
             diagonal += f(column.values[0]);
             column = without_first(column);
         }
-        for (Size k = 0; k < column.count; ++k) off[k % kLanes] += f(column.values[k]);
+        Size k = 0;
+        for (; k + kLanes <= column.count; k += kLanes)
+            for (Size lane = 0; lane < kLanes; ++lane) off[lane] += f(column.values[k + lane]);
+        for (; k < column.count; ++k) off[k % kLanes] += f(column.values[k]);
     }
-    return diagonal + 2 * ((off[0] + off[1]) + (off[2] + off[3]));
+    return diagonal + 2 * sum(off, kLanes);
 }
 
 template <class Real>
@@ -118,12 +122,26 @@ Real mean_squared_difference_of_full(const Columns<Real>& a, const Columns<Real>
 }
 
 template <class Real>
-void write_full_to_dense(const Columns<Real>& lower, View<Real> out) {
-    for (Size c = 0; c < lower.width; ++c) {
-        const Run<Real> column = lower.column(c);
-        for (Size k = 0; k < column.count; ++k) {
-            const Size r = column.indices[k];
-            if (r >= 0 && r < out.height) out(r, c) = out(c, r) = column.values[k];
+void write_full_to_dense(const Columns<Real>& lower, int* next, View<Real> out) {
+    constexpr Size kBandBytes = Size(1) << 19;
+    const Size row_bytes = out.width * Size(sizeof(Real));
+    const Size band = std::max<Size>(8, kBandBytes / std::max<Size>(1, row_bytes));
+    for (Size c = 0; c < lower.width; ++c) next[c] = static_cast<int>(lower.range(c).begin);
+    for (Size top = 0; top < out.height; top += band) {
+        const Size bottom = std::min(top + band, out.height);
+        std::fill(out.data + top * out.row_stride, out.data + bottom * out.row_stride, Real(0));
+        for (Size c = 0; c < bottom; ++c) {
+            const Size end = lower.range(c).end;
+            Size k = next[c];
+            for (; k < end && lower.rows[k] < bottom; ++k)
+                if (lower.rows[k] >= top) out(lower.rows[k], c) = lower.values[k];
+            next[c] = static_cast<int>(k);
+        }
+        for (Size c = top; c < bottom; ++c) {
+            const Run<Real> column = lower.column(c);
+            for (Size k = 0; k < column.count; ++k)
+                if (column.indices[k] >= c && column.indices[k] < out.width)
+                    out(c, column.indices[k]) = column.values[k];
         }
     }
 }
@@ -145,7 +163,7 @@ void mirror_lower_triangle(View<Real> a, Size tile) {
     template Real deviation_of_full(const Columns<Real>&, Real);                               \
     template Real norm_of_full(const Columns<Real>&);                                          \
     template Real mean_squared_difference_of_full(const Columns<Real>&, const Columns<Real>&); \
-    template void write_full_to_dense(const Columns<Real>&, View<Real>);                       \
+    template void write_full_to_dense(const Columns<Real>&, int*, View<Real>);                 \
     template void mirror_lower_triangle(View<Real>, Size);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

@@ -30,9 +30,10 @@ Real norm_of_full(const Columns<Real>& lower);
 template <class Real>
 Real mean_squared_difference_of_full(const Columns<Real>& a, const Columns<Real>& b);
 
-// out := A, both halves; out holds zeros. Row numbers outside of it are passed over.
+// out := A, both halves, by bands of rows that fit into the cache; `next` is scratch of n numbers.
+// Row numbers outside of it are passed over.
 template <class Real>
-void write_full_to_dense(const Columns<Real>& lower, View<Real> out);
+void write_full_to_dense(const Columns<Real>& lower, int* next, View<Real> out);
 
 // a_cr := a_rc for r > c: the upper triangle of a square matrix becomes the mirror of the lower
 // one. For the other direction pass the transposed view.
