@@ -41,6 +41,12 @@ std::span<const Row> row_table() {
         {"eig vectors", "symmetric, devt; LAPACK's syev", NEQUAR_BOTH(make_eigenvectors)},
         {"eig beside DC", "the same; LAPACK's syevd", NEQUAR_BOTH(make_eigenvectors_beside_dc)},
         {"Jacobi", "symmetric with vectors, devj", NEQUAR_BOTH(make_jacobi)},
+        {"Durbin", "Yule-Walker equations, u_sywd", NEQUAR_BOTH(make_durbin)},
+        {"Levinson", "Toeplitz system, u_slel", NEQUAR_BOTH(make_levinson)},
+        {"Trench", "Toeplitz inverse, u_fimt", NEQUAR_BOTH(make_trench)},
+        {"distances", "to 20000 samples of dimension n, csd", NEQUAR_BOTH(make_distances)},
+        {"normal", "1000 n normal numbers, gng_wzu", NEQUAR_BOTH(make_normal_numbers)},
+        {"components", "10 n samples of dimension n, u_cevvcm", NEQUAR_BOTH(make_components)},
     };
     return rows;
 }

@@ -2,6 +2,7 @@
 #include "peers/orthogonal.h"
 #include "peers/peers.h"
 #include "peers/spectrum.h"
+#include "peers/statistics.h"
 
 namespace bench {
 
@@ -29,6 +30,15 @@ const SpectrumPeer<double>* spectrum_eigen() {
 }
 template <>
 const SpectrumPeer<float>* spectrum_eigen() {
+    return nullptr;
+}
+
+template <>
+const StatisticsPeer<double>* statistics_eigen() {
+    return nullptr;
+}
+template <>
+const StatisticsPeer<float>* statistics_eigen() {
     return nullptr;
 }
 
