@@ -3,6 +3,7 @@
 #pragma once
 
 #include "case.h"
+#include "peers/sparse.h"
 
 namespace bench {
 
@@ -85,5 +86,9 @@ template <class Real>
 Case make_normal_numbers(Size n);  // 1000 n numbers
 template <class Real>
 Case make_components(Size n);  // 10 n samples of dimension n
+
+// Sparse matrices of order n with ten elements in a column: rows/sparse.cpp
+template <class Real, SparseOperation operation>
+Case make_sparse(Size n);
 
 }  // namespace bench

@@ -1,6 +1,7 @@
 // Stands for Eigen where it was not found.
 #include "peers/orthogonal.h"
 #include "peers/peers.h"
+#include "peers/sparse.h"
 #include "peers/spectrum.h"
 #include "peers/statistics.h"
 
@@ -39,6 +40,15 @@ const StatisticsPeer<double>* statistics_eigen() {
 }
 template <>
 const StatisticsPeer<float>* statistics_eigen() {
+    return nullptr;
+}
+
+template <>
+SparsePeer<double> sparse_eigen() {
+    return nullptr;
+}
+template <>
+SparsePeer<float> sparse_eigen() {
     return nullptr;
 }
 
