@@ -73,6 +73,20 @@ Case make_eigenvectors_beside_dc(Size n);  // the peer's divide and conquer
 template <class Real>
 Case make_jacobi(Size n);  // devj_
 
+// Toeplitz recursions and statistics: rows/statistics.cpp
+template <class Real>
+Case make_durbin(Size n);
+template <class Real>
+Case make_levinson(Size n);
+template <class Real>
+Case make_trench(Size n);
+template <class Real>
+Case make_distances(Size n);  // 20000 samples of dimension n
+template <class Real>
+Case make_normal_numbers(Size n);  // 1000 n numbers
+template <class Real>
+Case make_components(Size n);  // 10 n samples of dimension n
+
 // Sparse matrices of order n with ten elements in a column: rows/sparse.cpp
 template <class Real, SparseOperation operation>
 Case make_sparse(Size n);

@@ -3,6 +3,7 @@
 #include "peers/peers.h"
 #include "peers/sparse.h"
 #include "peers/spectrum.h"
+#include "peers/statistics.h"
 
 namespace bench {
 
@@ -30,6 +31,15 @@ const SpectrumPeer<double>* spectrum_eigen() {
 }
 template <>
 const SpectrumPeer<float>* spectrum_eigen() {
+    return nullptr;
+}
+
+template <>
+const StatisticsPeer<double>* statistics_eigen() {
+    return nullptr;
+}
+template <>
+const StatisticsPeer<float>* statistics_eigen() {
     return nullptr;
 }
 

@@ -19,6 +19,12 @@ struct Twin {
     using Vector = Choose<CNqVector, CNqVectorFloat>;
     using Diagonal = Choose<CNqMatrix_Diagonal, CNqMatrixFloat_Diagonal>;
     using Symmetric = Choose<CNqMatrix_Symmetric, CNqMatrixFloat_Symmetric>;
+    using Growing = Choose<CNqXvector, CNqXvectorFloat>;
+    using Set = Choose<CNqSet_of_Vector, CNqSet_of_VectorFloat>;
+    using Toeplitz = Choose<CNqMatrix_Toeplitz_Symmetric, CNqMatrixFloat_Toeplitz_Symmetric>;
+    using Random =
+        Choose<CNqRandom_Number_Generator_Advanced, CNqRandomFloat_Number_Generator_Advanced>;
+    using Pca = Choose<CNqPrPca, CNqPrPcaFloat>;
     using Algebra = Choose<LCNqAlgebra_for_Matrix, LCNqAlgebra_for_MatrixFloat>;
     using TriangularAlgebra =
         Choose<LCNqAlgebra_for_Matrix_Special, LCNqAlgebra_for_MatrixFloat_Special>;

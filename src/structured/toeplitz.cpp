@@ -200,16 +200,21 @@ bool MatrixToeplitzSymmetric<Real>::u_fimt_Find_Inverse_Matrix_by_Trench(
     const int n = r.vs();
     if (n < 1) return this->fail("1", kTrench);
     if (const Outcome outcome = leading_element(r[0]); !outcome) return fail_with(outcome, kTrench);
-    if (dense != nullptr && dense->c_Create(n, n) == nullptr)
-        return this->fail(kCannotSize, kTrench);
-    Workspace<Real> work(dense != nullptr ? 0 : Size(n) * n);
-    if (!work) return this->fail(kOutOfMemory, kTrench);
-    Real* const inverse = dense != nullptr ? dense->p()[0] : work.data();
-    const Outcome outcome = trench(Size(n), r.p(), View<Real>(inverse, n, n, n));
+    if (dense == nullptr) {
+        MatrixSymmetric<Real> unwanted;
+        MatrixSymmetric<Real>& packed = symmetric != nullptr ? *symmetric : unwanted;
+        const Vector<Real> first_row = r;  // r may be the packed matrix itself
+        if (first_row.vs() != n) return this->fail(kOutOfMemory, kTrench);
+        if (!size_packed(&packed, n, n)) return this->fail(kCannotSize, kTrench);
+        const Outcome outcome = trench_packed(Size(n), first_row.p(), packed.p());
+        return outcome ? true : fail_with(outcome, kTrench);
+    }
+    if (dense->c_Create(n, n) == nullptr) return this->fail(kCannotSize, kTrench);
+    const Outcome outcome = trench(Size(n), r.p(), view_of(dense));
     if (!outcome) return fail_with(outcome, kTrench);
     if (symmetric == nullptr) return true;
     if (!size_packed(symmetric, n, n)) return this->fail(kCannotSize, kTrench);
-    pack_lower(View<const Real>(inverse, n, n, n), symmetric->p());
+    pack_lower(reading(view_of(dense)), symmetric->p());
     return true;
 }
 

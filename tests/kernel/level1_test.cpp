@@ -90,6 +90,23 @@ TYPED_TEST(Level1, StridedLoopsAgreeWithThePlainOnes) {
         variants<Real>(), kLengths, layouts, layouts);
 }
 
+// Either of rows and columns contiguous, or neither; groups of rows, stretches of columns.
+TYPED_TEST(Level1, DistancesFromAPointToManySamples) {
+    using Real = TypeParam;
+    with_each(
+        [](const Table<Real>* table, Size n, Size d, Layout layout) {
+            Operand<Real> samples(n, d, layout), x(1, d, Layout::rows), out(1, n, Layout::rows);
+            samples.randomize(1);
+            const Real* const px = x.randomize(2).block().data;
+            Operand<Real> expected = out;
+            plain<Real>().squared_distances(n, d, px, samples.reading(), expected.block().data);
+            table->squared_distances(n, d, px, samples.reading(), out.block().data);
+            EXPECT_LE(largest_difference(expected, out), Real(4 * (d + 1)) * kEps<Real>);
+            EXPECT_TRUE(out.guards_stand());
+        },
+        variants<Real>(), Sizes{1, 3, 4, 5, 17, 1050}, Sizes{0, 1, 2, 7, 8, 9, 33}, kLayouts);
+}
+
 TYPED_TEST(Level1, NaNAndInfinityPassThrough) {
     using Real = TypeParam;
     with_each(

@@ -167,23 +167,25 @@ TYPED_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAr
     const auto mean = vector_of<Real>({100, -50});  // which shifts nothing
     Matrix<Real> T;
     ASSERT_TRUE(g.ctl(cov, T));
-    const auto mask = mask_of({true, false, true, true, false, true});
-    for (const bool by_column : {true, false})
-        for (const bool masked : {true, false}) {
-            SCOPED_TRACE(testing::Message() << by_column << masked);
+    for (const int n : {8, 1400})  // more than are made at a time
+        for (const int form : {0, 1, 2, 3}) {
+            const bool by_column = form % 2 == 0;
+            const bool masked = form < 2;
+            SCOPED_TRACE(testing::Message() << n << ' ' << form);
+            CNqVectorBool mask;
+            mask.c_Create(n - 2, true);
+            for (int v = 0; masked && v < n - 2; ++v) mask[v] = v % 7 != 3;
             Matrix<Real> m;
-            int replaced = 0;
+            int count = 0;
             const int time = this->within_one_second([&] {
-                by_column ? m.c_Create(2, 8, Real(7)) : m.c_Create(8, 2, Real(7));
+                by_column ? m.c_Create(2, n, Real(7)) : m.c_Create(n, 2, Real(7));
                 ASSERT_TRUE(
-                    g.rvg(mean, cov, by_column, m, 1, 6, masked ? &mask : nullptr, &replaced));
+                    g.rvg(mean, cov, by_column, m, 1, n - 2, masked ? &mask : nullptr, &count));
             });
-            const int count = masked ? 3 : 5;
-            EXPECT_EQ(replaced, count);
             const auto white = this->samples(time, 2 * count);
             int taken = 0;
-            for (int v = 0; v < 8; ++v) {
-                const bool chosen = v >= 1 && v < 6 && (!masked || mask[v]);
+            for (int v = 0; v < n; ++v) {
+                const bool chosen = v >= 1 && v < n - 2 && mask[v];
                 for (int k = 0; k < 2; ++k) {
                     double expected = 7;
                     if (chosen) {  // Z is dim x count, filled from its end
@@ -192,10 +194,11 @@ TYPED_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAr
                         };
                         expected = T[k][0] * z(0) + T[k][1] * z(1);
                     }
-                    EXPECT_NEAR(by_column ? m[k][v] : m[v][k], expected, 8 * test::kEpsilon<Real>);
+                    EXPECT_NEAR(by_column ? m[k][v] : m[v][k], expected, 40 * test::kEpsilon<Real>);
                 }
                 taken += chosen ? 1 : 0;
             }
+            EXPECT_EQ(count, taken);
         }
     Matrix<Real> m;
     ASSERT_TRUE(g.gvg(mean, cov, 40000, false, m));

@@ -85,8 +85,9 @@ public:
                                                   Vector<Real>& x) const;
 
     /// The inverse, exactly symmetric, as a dense and as a packed matrix, each sized here; null:
-    /// not wanted. Trench's algorithm, 13/4 n^2 and the n^2 elements; without `dense` it works in a
-    /// matrix of its own. Packed matrices reach order 65535.
+    /// not wanted. Trench's algorithm, 13/4 n^2 and the n^2 elements; without `dense` the packed
+    /// elements are found directly, and may differ in the last bits from those of the dense form.
+    /// Packed matrices reach order 65535.
     bool fimt_Find_Inverse_Matrix_by_Trench(Matrix<Real>* dense,
                                             MatrixSymmetric<Real>* symmetric) const;
     /// The same for the matrix whose first row is r.

@@ -128,7 +128,42 @@ Outcome levinson(Size n, const Real* r, const Real* b, Real* x) {
     return Outcome::success();
 }
 
-// With y of order m = n-1, s = 1 / (gamma r[0]), both triangles by two reflections:
+namespace {
+
+// The border of the inverse, n > 1: y of order m = n-1, J y, and s = 1 / (gamma r[0]).
+template <class Real>
+class InverseBorder {
+public:
+    explicit InverseBorder(Size n) : m_(n - 1), work_(n + 2 * m_) {}
+
+    Outcome find(const Real* r) {
+        if (!work_) return {OutcomeKind::no_memory};
+        Real* const scaled = work_.data();
+        Real* const reversed = scaled + m_ + 1;
+        Real* const y = reversed + m_;
+        normalise(m_ + 1, r, r[0], scaled);
+        if (const Outcome outcome = durbin_normalised(m_, scaled, reversed); !outcome)
+            return outcome;
+        for (Size i = 0; i < m_; ++i) y[i] = reversed[m_ - 1 - i];
+        const Real gamma = Real(1) + dot(m_, y, scaled + 1);
+        if (!(gamma > Real(0))) return {OutcomeKind::not_positive_definite, m_};
+        s_ = Real(1) / gamma / r[0];
+        return Outcome::success();
+    }
+
+    const Real* reversed() const { return work_.data() + m_ + 1; }
+    const Real* y() const { return reversed() + m_; }
+    Real s() const { return s_; }
+
+private:
+    Size m_;
+    Workspace<Real> work_;
+    Real s_ = 0;
+};
+
+}  // namespace
+
+// Both triangles by two reflections:
 //
 //      s       s y^T
 //      .   B(i, j) = B(i-1, j-1) + s (y[i-1] y[j-1] - y[m-i] y[m-j])
@@ -141,31 +176,23 @@ Outcome levinson(Size n, const Real* r, const Real* b, Real* x) {
 template <class Real>
 Outcome trench(Size n, const Real* r, View<Real> b) {
     if (const Outcome outcome = leading_element(r[0]); !outcome) return outcome;
-    const Size m = n - 1;
-    Workspace<Real> work(n + 2 * m);
-    if (!work) return {OutcomeKind::no_memory};
-    Real* const scaled = work.data();
-    Real* const reversed = scaled + n;
-    Real* const y = reversed + m;
-    normalise(n, r, r[0], scaled);
-    if (m == 0) {
+    if (n == 1) {
         b(0, 0) = Real(1) / r[0];
         return Outcome::success();
     }
-    if (const Outcome outcome = durbin_normalised(m, scaled, reversed); !outcome) return outcome;
-    for (Size i = 0; i < m; ++i) y[i] = reversed[m - 1 - i];
-    const Real gamma = Real(1) + dot(m, y, scaled + 1);
-    if (!(gamma > Real(0))) return {OutcomeKind::not_positive_definite, m};
-
-    const Real s = Real(1) / gamma / r[0];
+    InverseBorder<Real> border(n);
+    if (const Outcome outcome = border.find(r); !outcome) return outcome;
+    const Real* const y = border.y();
+    const Real s = border.s();
     b(0, 0) = s;
-    kernel::scale(m, y, s, &b(0, 1));
+    kernel::scale(n - 1, y, s, &b(0, 1));
     const Size top = (n + 1) / 2;
     for (Size i = 1; i < top; ++i) {
         Real* const row = &b(i, i);
         const Size count = n - 2 * i;
-        kernel::add_weighted(count, y + i - 1, reversed + i - 1, s * y[i - 1], -s * y[m - i], row);
-        kernel::add(count, row, &b(i - 1, i - 1), row);
+        kernel::add_weighted(count, y + i - 1, border.reversed() + i - 1, s * y[i - 1],
+                             -s * y[n - 1 - i], row);
+        kernel::add<Real>(count, row, &b(i - 1, i - 1), row);
     }
     mirror_upper(b.block(0, 0, top, top));
     mirror_upper(View<Real>(&b(0, n - 1), top, top, b.row_stride, -1));
@@ -177,11 +204,46 @@ Outcome trench(Size n, const Real* r, View<Real> b) {
     return Outcome::success();
 }
 
+// The same sums, diagonal by diagonal; the second half of each is the first backwards.
+template <class Real>
+Outcome trench_packed(Size n, const Real* r, Real* packed) {
+    if (const Outcome outcome = leading_element(r[0]); !outcome) return outcome;
+    if (n == 1) {
+        packed[0] = Real(1) / r[0];
+        return Outcome::success();
+    }
+    InverseBorder<Real> border(n);
+    Workspace<Real> work(n);
+    if (!work) return {OutcomeKind::no_memory};
+    if (const Outcome outcome = border.find(r); !outcome) return outcome;
+    const Real* const y = border.y();
+    const Real* const reversed = border.reversed();
+    Real* const terms = work.data();
+    Real* band = packed;
+    for (Size d = 0; d < n; ++d) {
+        const Size length = n - d;
+        const Size count = (length - 1) / 2;
+        Real* const products = terms + count;
+        kernel::multiply_elementwise(count, y, y + d, terms);
+        kernel::multiply_elementwise(count, reversed, reversed + d, products);
+        kernel::subtract<Real>(count, terms, products, terms);
+        Real value = d == 0 ? border.s() : border.s() * y[d - 1];
+        band[0] = band[length - 1] = value;
+        for (Size p = 1; p <= count; ++p) {
+            value += border.s() * terms[p - 1];
+            band[p] = band[length - 1 - p] = value;
+        }
+        band += length;
+    }
+    return Outcome::success();
+}
+
 #define NEQUAR_INSTANTIATE(Real)                                      \
     template Outcome leading_element(Real);                           \
     template Outcome durbin(Size, const Real*, Real*);                \
     template Outcome levinson(Size, const Real*, const Real*, Real*); \
-    template Outcome trench(Size, const Real*, View<Real>);
+    template Outcome trench(Size, const Real*, View<Real>);           \
+    template Outcome trench_packed(Size, const Real*, Real*);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

@@ -47,4 +47,8 @@ Outcome levinson(Size n, const Real* r, const Real* b, Real* x);
 template <class Real>
 Outcome trench(Size n, const Real* r, View<Real> b);
 
+// The inverse, packed by diagonals, the main one first, each from its top.
+template <class Real>
+Outcome trench_packed(Size n, const Real* r, Real* packed);
+
 }  // namespace nequar
