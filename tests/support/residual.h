@@ -92,6 +92,20 @@ double solution_residual(const Matrix<Real>& a, const Matrix<Real>& x, const Mat
     return largest;
 }
 
+// max |Q^T Q - I| / (n eps)
+template <class Real>
+double orthogonality_error(const Matrix<Real>& q) {
+    double largest = 0;
+    for (int i = 0; i < q.mw(); ++i) {
+        for (int j = 0; j <= i; ++j) {
+            long double sum = i == j ? -1 : 0;
+            for (int k = 0; k < q.mh(); ++k) sum += static_cast<long double>(q[k][i]) * q[k][j];
+            largest = worse(double(std::abs(sum)), largest);
+        }
+    }
+    return largest / (kEpsilon<Real> * q.mh());
+}
+
 template <class Real>
 Matrix<Real> identity_of(int n) {
     Matrix<Real> identity;
