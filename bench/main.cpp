@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "environment.h"
+#include "markdown.h"
 #include "plots.h"
 #include "report.h"
 
@@ -16,7 +17,7 @@ struct Options {
     std::vector<bench::Size> sizes{64, 500, 1000};
     std::vector<std::string> types{"double", "float"};
     std::vector<std::string> operations;
-    std::string json, plots;
+    std::string json, plots, markdown;
     double seconds = 0.5;
     bool list = false;
 };
@@ -53,6 +54,10 @@ int run(const Options& options) {
         fmt::print(stderr, "nequar_bench: {} cannot be written\n", options.json);
         return 2;
     }
+    if (!options.markdown.empty() && !bench::write_markdown(options.markdown, machine, results)) {
+        fmt::print(stderr, "nequar_bench: {} cannot be written\n", options.markdown);
+        return 2;
+    }
     if (!options.plots.empty() && !bench::write_plots(options.plots, results)) {
         fmt::print(stderr, "nequar_bench: no pictures can be written in {}\n", options.plots);
         return 2;
@@ -78,6 +83,7 @@ int main(int argument_count, char** arguments) {
     app.add_option("--seconds", options.seconds, "for each contender of each row")
         ->check(CLI::PositiveNumber);
     app.add_option("--json", options.json, "write the same to this file");
+    app.add_option("--markdown", options.markdown, "write the ratios as tables to this file");
     app.add_option("--plots", options.plots, "draw each operation's GF/s against n in this folder")
         ->check(CLI::ExistingDirectory);
     app.add_flag("--list", options.list, "show the rows and stop");
