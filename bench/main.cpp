@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "environment.h"
+#include "plots.h"
 #include "report.h"
 
 namespace {
@@ -15,7 +16,7 @@ struct Options {
     std::vector<bench::Size> sizes{64, 500, 1000};
     std::vector<std::string> types{"double", "float"};
     std::vector<std::string> operations;
-    std::string json;
+    std::string json, plots;
     double seconds = 0.5;
     bool list = false;
 };
@@ -52,6 +53,10 @@ int run(const Options& options) {
         fmt::print(stderr, "nequar_bench: {} cannot be written\n", options.json);
         return 2;
     }
+    if (!options.plots.empty() && !bench::write_plots(options.plots, results)) {
+        fmt::print(stderr, "nequar_bench: no pictures can be written in {}\n", options.plots);
+        return 2;
+    }
     if (!all_right) fmt::print(stderr, "nequar_bench: a result is wrong\n");
     return all_right ? 0 : 1;
 }
@@ -73,6 +78,8 @@ int main(int argument_count, char** arguments) {
     app.add_option("--seconds", options.seconds, "for each contender of each row")
         ->check(CLI::PositiveNumber);
     app.add_option("--json", options.json, "write the same to this file");
+    app.add_option("--plots", options.plots, "draw each operation's GF/s against n in this folder")
+        ->check(CLI::ExistingDirectory);
     app.add_flag("--list", options.list, "show the rows and stop");
     CLI11_PARSE(app, argument_count, arguments);
     if (options.list) {

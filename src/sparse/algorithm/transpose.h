@@ -1,0 +1,18 @@
+// B := A^T by counting sort, O(stored + width + height): a column of B is filled in the order in
+// which the columns of A are visited, so its rows increase.
+#pragma once
+
+#include "sparse/algorithm/columns.h"
+
+namespace nequar {
+
+// The number of elements in the columns of a, as one walk over them finds it.
+template <class Real>
+Size stored_in_columns(const Columns<Real>& a);
+
+// B has a.width rows and a.height columns; `start` has a.height + 1 pointers, `rows` and `values`
+// room for the elements. All row numbers of A have to lie in 0 … a.height-1.
+template <class Real>
+void transpose(const Columns<Real>& a, int* start, int* rows, Real* values);
+
+}  // namespace nequar
