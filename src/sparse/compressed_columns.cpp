@@ -290,8 +290,7 @@ bool CompressedColumns<Real>::write_element(int x, int y, Real v, const char* me
     if (x < settled_) {
         for (int c = x + 1; c <= settled_; ++c) ++start_[c];
     } else {
-        std::fill(start_.p() + settled_ + 1, start_.p() + x + 1, before);
-        settled_ = x;
+        while (settled_ < x) start_[++settled_] = before;
         if (start_is_shared_) settle();
     }
     return true;
@@ -370,10 +369,7 @@ bool CompressedColumns<Real>::add(const CompressedColumns& b, Real factor, const
     zet_xm();
     if (b.mh() != mh() || b.mw() != mw()) return this->fail("different dimensions", method);
     if (b.nee() == 0) return true;
-    const Columns<Real> source = SparseInside<Real>::columns(b);
-    const Stored outcome = SparseInside<Real>::merge(
-        *this, AddRule<Real>{factor}, 0, mw(), whole_column,
-        [&source](Size c) { return source.column(c); }, 0);
+    const Stored outcome = SparseInside<Real>::add(*this, b, AddRule<Real>{factor});
     return outcome == Stored::done || this->fail(insertion_code(outcome), method);
 }
 

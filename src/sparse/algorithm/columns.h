@@ -51,17 +51,19 @@ struct Columns {
     }
 };
 
-// The first k of [begin, end) with sorted[k] >= bound, or end. The loop has no branch that depends
-// on what is found.
+// The first k of [begin, end) with sorted[k] >= bound, or end: bisection down to a few elements, of
+// which the smaller ones are counted. No branch depends on what is found.
 inline Size first_not_below(const int* sorted, Size begin, Size end, Size bound) {
-    Size length = end - begin;
-    const int* base = sorted + begin;
-    while (length > 1) {
-        const Size half = length / 2;
-        base += base[half - 1] < bound ? half : 0;
-        length -= half;
+    constexpr Size kFew = 16;
+    while (end - begin > kFew) {
+        const Size half = (end - begin) / 2;
+        const bool is_below = sorted[begin + half - 1] < bound;
+        begin = is_below ? begin + half : begin;
+        end = is_below ? end : begin + half;
     }
-    return (base - sorted) + (length == 1 && *base < bound ? 1 : 0);
+    Size below = 0;
+    for (Size k = begin; k < end; ++k) below += sorted[k] < bound;
+    return begin + below;
 }
 
 // The part of a sorted range whose elements lie in [first, last).
