@@ -263,12 +263,19 @@ bool CompressedColumns<Real>::ivrb(int x, int y, int dx, int dy) const {
 
 // ---- elements -----------------------------------------------------------------------------------
 
+// Whether it is stored is a coin toss to the processor: the place to read from is chosen, not
+// jumped to.
 template <class Real>
 Real CompressedColumns<Real>::element(int x, int y) const noexcept {
+    static constexpr Real kNotStored = 0;
     const Range column = SparseInside<Real>::column_range(*this, x);
+    if (column.length() == 0) return kNotStored;
     const int* const rows = rows_.p();
-    const Size at = first_not_below(rows, column.begin, column.end, y);
-    return at < column.end && rows[at] == y ? values_[static_cast<int>(at)] : Real(0);
+    __builtin_prefetch(values_.p() + column.begin);
+    __builtin_prefetch(values_.p() + column.end - 1);
+    const Size at = std::min(first_not_below(rows, column.begin, column.end, y), column.end - 1);
+    const Real* const place = values_.p() + at;
+    return *(rows[at] == y ? place : &kNotStored);
 }
 
 template <class Real>

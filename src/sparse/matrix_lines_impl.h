@@ -77,19 +77,25 @@ bool SparseMatrix<Real>::gb(int x, int y, int dx, int dy, SparseMatrix* out) con
     const Columns<Real> columns = SparseInside<Real>::columns(*this);
     Workspace<Range> parts(dx);
     if (!parts) return this->fail("czm", kName);
-    const Size count = find_block(columns, x, y, Size(dx), Size(y) + dy, parts.data());
-    if (count > kLargestIntCount - kSpare || !out->czm(dy, dx, static_cast<int>(count) + kSpare)) {
+    const Size stored = find_block(columns, x, y, Size(dx), Size(y) + dy, parts.data());
+    if (stored > kLargestIntCount - kSpare ||
+        !out->czm(dy, dx, static_cast<int>(stored) + kSpare)) {
         this->adopt_failure_of(*out);
         return this->fail("czm", kName);
     }
+    if (!out->z_cne(static_cast<int>(stored) + 1)) {
+        this->adopt_failure_of(*out);
+        return this->fail("11", kName);
+    }
+    int* const start = SparseInside<Real>::start(*out);
+    const Size count = copy_block(columns, parts.data(), Size(dx), y, start,
+                                  elements_of(SparseInside<Real>::rows(*out)),
+                                  elements_of(SparseInside<Real>::values(*out)));
     if (!out->z_cne(static_cast<int>(count))) {
         this->adopt_failure_of(*out);
         return this->fail("11", kName);
     }
-    const Size to = copy_block(columns, parts.data(), Size(dx), y, SparseInside<Real>::start(*out),
-                               elements_of(SparseInside<Real>::rows(*out)),
-                               elements_of(SparseInside<Real>::values(*out)));
-    return to == count || this->fail("s1[in_dx1]!=k1", kName);
+    return start[dx] == count || this->fail("s1[in_dx1]!=k1", kName);
 }
 
 template <class Real>

@@ -92,7 +92,9 @@ TEST(ProgramSolve, FailuresShowTheLibrarysTrace) {
         const Answer result = nequar({"solve", a, "--method", f.method, "-o", folder / "x.mtx"});
         EXPECT_EQ(result.status, f.status) << f.message;
         EXPECT_TRUE(contains(result.err, f.message)) << result.err;
-        EXPECT_EQ(contains(result.err, "qrd"), f.method == "lud") << result.err;
+        // a safer method is named where there is one
+        EXPECT_EQ(contains(result.err, "qrd"), f.method == "lud" || contains(f.text, "e-320"))
+            << result.err;
         EXPECT_EQ(folder.names(), std::vector<std::string>{"A.mtx"});  // no temporary file either
     }
 }

@@ -8,7 +8,7 @@ Size find_block(const Columns<Real>& a, Size x, Size y, Size width, Size bottom,
     for (Size c = 0; c < width; ++c) {
         const Range part = part_between(a.rows, a.range(x + c), y, bottom);
         parts[c] = part;
-        for (Size k = part.begin; k < part.end; ++k) count += a.values[k] != Real(0);
+        count += part.length();
     }
     return count;
 }
@@ -21,10 +21,9 @@ Size copy_block(const Columns<Real>& a, const Range* parts, Size width, Size y, 
     for (Size c = 0; c < width; ++c) {
         for (Size k = parts[c].begin; k < parts[c].end; ++k) {
             const Real v = a.values[k];
-            if (v == Real(0)) continue;  // rare
             values[to] = v;
             rows[to] = static_cast<int>(a.rows[k] - y);
-            ++to;
+            to += !(v == Real(0));
         }
         start[c + 1] = static_cast<int>(to);
     }

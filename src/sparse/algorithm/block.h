@@ -10,7 +10,8 @@ namespace nequar {
 template <class Real>
 Size find_block(const Columns<Real>& a, Size x, Size y, Size width, Size bottom, Range* parts);
 
-// Copies those elements, their rows counted from y; answers their number.
+// Copies those elements that are not zero, their rows counted from y; answers their number. There
+// has to be room for one element more than find_block counted.
 template <class Real>
 Size copy_block(const Columns<Real>& a, const Range* parts, Size width, Size y, int* start,
                 int* rows, Real* values);

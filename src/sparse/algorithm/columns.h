@@ -51,11 +51,12 @@ struct Columns {
     }
 };
 
+inline constexpr Size kFewElements = 16;
+
 // The first k of [begin, end) with sorted[k] >= bound, or end: bisection down to a few elements, of
 // which the smaller ones are counted. No branch depends on what is found.
 inline Size first_not_below(const int* sorted, Size begin, Size end, Size bound) {
-    constexpr Size kFew = 16;
-    while (end - begin > kFew) {
+    while (end - begin > kFewElements) {
         const Size half = (end - begin) / 2;
         const bool is_below = sorted[begin + half - 1] < bound;
         begin = is_below ? begin + half : begin;
@@ -68,6 +69,15 @@ inline Size first_not_below(const int* sorted, Size begin, Size end, Size bound)
 
 // The part of a sorted range whose elements lie in [first, last).
 inline Range part_between(const int* sorted, Range range, Size first, Size last) {
+    if (range.length() <= kFewElements) {
+        Size below_first = 0;
+        Size below_last = 0;
+        for (Size k = range.begin; k < range.end; ++k) {
+            below_first += sorted[k] < first;
+            below_last += sorted[k] < last;
+        }
+        return {range.begin + below_first, range.begin + below_last};
+    }
     const Size begin = first_not_below(sorted, range.begin, range.end, first);
     return {begin, first_not_below(sorted, begin, range.end, last)};
 }

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <limits>
 
+#include "kernel/kernel.h"
+
 namespace nequar {
 namespace {
 
@@ -11,6 +13,8 @@ namespace {
 template <class Real>
 constexpr Real kSafelyLarge =
     std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
+
+constexpr Size kBlock = 1024;
 
 template <bool largest, class Real>
 bool beats(Real a, Real b) {
@@ -35,7 +39,6 @@ Real extremum(const Real* x, Size count, Real other) {
 // Block by block from the end: the first block that holds the extremum holds its last place.
 template <bool largest, class Real>
 Size position_of_extremum(const Real* x, Size count) {
-    constexpr Size kBlock = 1024;
     if (x[0] != x[0]) return 0;
     Real best = x[0];
     Size best_end = 0;
@@ -52,34 +55,33 @@ Size position_of_extremum(const Real* x, Size count) {
     return position;
 }
 
+// sum of f(block, n) over blocks of x
+template <class Real, class OfBlock>
+Real sum_of_blocks(const Real* x, Size count, const OfBlock& of_block) {
+    Real total = 0;
+    for (Size k = 0; k < count; k += kBlock) total += of_block(x + k, std::min(kBlock, count - k));
+    return total;
+}
+
 // sum of (x_k - mean)^2
 template <class Real>
 Real squares_about(const Real* x, Size count, Real mean) {
-    constexpr Size kLanes = 16;
-    Real part[kLanes] = {};
-    Size k = 0;
-    for (; k + kLanes <= count; k += kLanes)
-        for (Size lane = 0; lane < kLanes; ++lane) {
-            const Real difference = x[k + lane] - mean;
-            part[lane] += difference * difference;
-        }
-    for (; k < count; ++k) part[0] += (x[k] - mean) * (x[k] - mean);
-    return sum(part, kLanes);
+    Real means[kBlock];
+    std::fill_n(means, std::min(kBlock, count), mean);
+    return sum_of_blocks(x, count, [&means](const Real* block, Size n) {
+        return kernel::distance_squared<Real>({block, n}, {means, n});
+    });
 }
 
 }  // namespace
 
 template <class Real>
 Real sum(const Real* x, Size count) {
-    constexpr Size kLanes = 16;
-    Real part[kLanes] = {};
-    Size k = 0;
-    for (; k + kLanes <= count; k += kLanes)
-        for (Size lane = 0; lane < kLanes; ++lane) part[lane] += x[k + lane];
-    for (; k < count; ++k) part[k % kLanes] += x[k];
-    for (Size half = kLanes / 2; half > 0; half /= 2)
-        for (Size lane = 0; lane < half; ++lane) part[lane] += part[lane + half];
-    return part[0];
+    Real ones[kBlock];
+    std::fill_n(ones, std::min(kBlock, count), Real(1));
+    return sum_of_blocks(x, count, [&ones](const Real* block, Size n) {
+        return kernel::dot<Real>({block, n}, {ones, n});
+    });
 }
 
 template <class Real>
