@@ -5,12 +5,12 @@
 
 namespace nequar {
 
-// A strip of a quarter of a megabyte stays in a second-level cache; four cache lines across are
+// A strip of half a megabyte stays in a second-level cache; four cache lines across are
 // what a wave of the kernel works on.
 template <class Real>
 Size RotationSweeps<Real>::width_of_strip(Size rows) {
     constexpr Size narrow = 256 / Size(sizeof(Real));
-    const Size fitting = (Size(1) << 18) / Size(sizeof(Real)) / (rows > 0 ? rows : 1);
+    const Size fitting = (Size(1) << 19) / Size(sizeof(Real)) / (rows > 0 ? rows : 1);
     if (fitting < 2 * narrow) return narrow;
     return fitting < 4 * narrow ? 2 * narrow : 4 * narrow;
 }

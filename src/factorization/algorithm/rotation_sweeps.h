@@ -52,7 +52,7 @@ public:
     void apply(View<Real> a, Size reach);
 
 private:
-    static constexpr Size kCapacity = 64;  // sweeps of a batch
+    static constexpr Size kCapacity = 96;  // sweeps of a batch
     static constexpr Size kGroup = 8;      // sweeps that go over one range of rows together
 
     struct Range {

@@ -124,12 +124,15 @@ Outcome eigen_by_qr_steps(View<Real> a, Real* values, const View<Real>* v, std::
     S scratch(work.data());
     Real* const e = scratch.take(n);
     Real* const line = scratch.take(n);
+    // V's storage holds Q^T, so that rows are rotated.
+    const View<Real> q = v != nullptr ? v->transposed() : View<Real>();
     const Outcome outcome =
-        tridiagonalize(a, Strided<Real>(values, n), Strided<Real>(e, n > 0 ? n - 1 : 0), v);
+        tridiagonalize(a, Strided<Real>(values, n), Strided<Real>(e, n > 0 ? n - 1 : 0),
+                       v != nullptr ? &q : nullptr);
     if (!outcome) return outcome;
     if (v != nullptr) {
         RotationSweeps<Real> sweeps(scratch.take(0), n);
-        const RotatedRows<Real> target = {&sweeps, v->transposed()};
+        const RotatedRows<Real> target = {&sweeps, *v};
         iterations = diagonalize_tridiagonal(n, values, e, limit, &target);
     } else {
         iterations = diagonalize_tridiagonal<Real>(n, values, e, limit, nullptr);
@@ -137,11 +140,8 @@ Outcome eigen_by_qr_steps(View<Real> a, Real* values, const View<Real>* v, std::
     sort_descending(values, n, order.data(), line);
     multiply_by_power_of_two(values, n, prepared.exponent);
     if (v == nullptr) return Outcome::success();
-    for (Size i = 0; i < n; ++i) {
-        const Strided<Real> row = v->row(i);
-        for (Size k = 0; k < n; ++k) line[k] = row(order.data()[k]);
-        kernel::copy(Strided<const Real>(line, n), row);
-    }
+    kernel::gather_rows(reading(*v), order.data(), a);
+    kernel::transpose(reading(a), *v);
     return Outcome::success();
 }
 
