@@ -63,7 +63,8 @@ Real sum_of_blocks(const Real* x, Size count, const OfBlock& of_block) {
     return total;
 }
 
-// sum of (x_k - mean)^2
+}  // namespace
+
 template <class Real>
 Real squares_about(const Real* x, Size count, Real mean) {
     Real means[kBlock];
@@ -72,8 +73,6 @@ Real squares_about(const Real* x, Size count, Real mean) {
         return kernel::distance_squared<Real>({block, n}, {means, n});
     });
 }
-
-}  // namespace
 
 template <class Real>
 Real sum(const Real* x, Size count) {
@@ -212,6 +211,7 @@ Size remove_zeros(Real* values, int* rows, int* start, Size width) {
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                             \
+    template Real squares_about(const Real*, Size, Real);                    \
     template Real sum(const Real*, Size);                                    \
     template Real mean(const Real*, Size, Size);                             \
     template Real deviation(const Real*, Size, Size, Real);                  \

@@ -10,6 +10,10 @@ namespace nequar {
 template <class Real>
 Real sum(const Real* x, Size count);
 
+// sum of (x_k - mean)^2
+template <class Real>
+Real squares_about(const Real* x, Size count, Real mean);
+
 // (sum of x_k) / total, also where the sum overflows and the mean does not
 template <class Real>
 Real mean(const Real* x, Size count, Size total);

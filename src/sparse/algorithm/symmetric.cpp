@@ -51,11 +51,27 @@ Real total_elements(const Columns<Real>& lower) {
     return static_cast<Real>(lower.width) * static_cast<Real>(lower.width);
 }
 
+// sum of (v - centre)^2 over the stored elements of the full matrix: twice those of the half, in
+// the order in which they lie, less the diagonal, which is never the larger part.
+template <class Real>
+Real squares_of_full(const Columns<Real>& lower, Real centre) {
+    const Real half = squares_about(lower.values, lower.count, centre);
+    if (!std::isfinite(half)) return half;
+    Real diagonal = 0;
+    for (Size c = 0; c < lower.width; ++c) {
+        const Run<Real> column = lower.column(c);
+        if (!begins_with_diagonal(column, c)) continue;
+        const Real difference = column.values[0] - centre;
+        diagonal += difference * difference;
+    }
+    return 2 * half - diagonal;
+}
+
 // sqrt(sum of (v - centre)^2 over the full matrix / divisor); `absent` elements are zero.
 template <class Real>
 Real root_of_squares(const Columns<Real>& lower, Real centre, Real absent, Real divisor) {
     const auto square = [](Real difference) { return difference * difference; };
-    Real plain = sum_of_full(lower, [=](Real v) { return square(v - centre); });
+    Real plain = squares_of_full(lower, centre);
     if (absent > Real(0)) plain += absent * square(centre);  // which may overflow
     if (std::isfinite(plain) && plain > kSafelyLarge<Real>) return std::sqrt(plain / divisor);
     Real largest = absent > Real(0) ? std::abs(centre) : Real(0);
