@@ -27,6 +27,7 @@ program::Chart chart_of(const std::vector<const Result*>& results) {
         .y_name = "GF/s",
         .logarithmic_y = false,
         .logarithmic_x = true,
+        .whole_x = false,
         .same_scale = false,
         .series = {},
     };

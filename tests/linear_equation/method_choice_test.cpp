@@ -17,15 +17,15 @@ template <class Real>
 class MethodChoice : public testing::Test {
 protected:
     std::string trace() const {
-        std::string text = f.gft_Get_Failure_Trace().c_str();
-        const std::string name = std::string(f.gcn_Get_Class_Name().c_str()) + "::";
+        std::string text = f_.gft_Get_Failure_Trace().c_str();
+        const std::string name = std::string(f_.gcn_Get_Class_Name().c_str()) + "::";
         for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name))
             text.erase(at, name.size());
         return text;
     }
-    std::string detail() const { return f.ged_Get_Error_Detail().c_str(); }
-    LinearEquation<Real> f;
-    Matrix<Real> x;
+    std::string detail() const { return f_.ged_Get_Error_Detail().c_str(); }
+    LinearEquation<Real> f_;
+    Matrix<Real> x_;
 };
 using Reals = testing::Types<double, float>;
 TYPED_TEST_SUITE(MethodChoice, Reals);
@@ -67,30 +67,30 @@ TYPED_TEST(MethodChoice, EveryCodeSolvesAndInverts) {
         SCOPED_TRACE(code);
         const bool is_unfilled = code >= 10;
         const Matrix<Real>& solved = code >= 7 && code <= 9 ? a : skew;
-        ASSERT_TRUE(this->f.sle_Solve_Linear_Equation(code, &skew, &b, &this->x));
-        EXPECT_LT(test::solution_residual(solved, this->x, b), 30);
-        ASSERT_TRUE(this->f.sle_Solve_Linear_Equation(code, &skew, &right, &y));
-        for (int i = 0; i < n; ++i) EXPECT_NEAR(y[i], this->x[i][0], 1e4 * kEpsilon<Real>);
-        ASSERT_TRUE(this->f.im_Inverse_Matrix(code, &skew, &this->x));
-        EXPECT_LT(test::solution_residual(solved, this->x, identity), 200);
-        EXPECT_EQ(this->f.sle_Solve_Linear_Equation(code, &s, &b, &this->x), !is_unfilled);
+        ASSERT_TRUE(this->f_.sle_Solve_Linear_Equation(code, &skew, &b, &this->x_));
+        EXPECT_LT(test::solution_residual(solved, this->x_, b), 30);
+        ASSERT_TRUE(this->f_.sle_Solve_Linear_Equation(code, &skew, &right, &y));
+        for (int i = 0; i < n; ++i) EXPECT_NEAR(y[i], this->x_[i][0], 1e4 * kEpsilon<Real>);
+        ASSERT_TRUE(this->f_.im_Inverse_Matrix(code, &skew, &this->x_));
+        EXPECT_LT(test::solution_residual(solved, this->x_, identity), 200);
+        EXPECT_EQ(this->f_.sle_Solve_Linear_Equation(code, &s, &b, &this->x_), !is_unfilled);
         if (is_unfilled) {
             EXPECT_EQ(this->detail(), "10");
-            EXPECT_FALSE(this->f.sle_Solve_Linear_Equation(code, &s, &right, &y));
-            EXPECT_FALSE(this->f.im_Inverse_Matrix(code, &s, &this->x));
+            EXPECT_FALSE(this->f_.sle_Solve_Linear_Equation(code, &s, &right, &y));
+            EXPECT_FALSE(this->f_.im_Inverse_Matrix(code, &s, &this->x_));
             EXPECT_EQ(this->detail(), "10");
             Matrix<Real> none;
-            EXPECT_FALSE(this->f.sle_Solve_Linear_Equation(code, &s, &none, &this->x));
+            EXPECT_FALSE(this->f_.sle_Solve_Linear_Equation(code, &s, &none, &this->x_));
             continue;
         }
-        EXPECT_LT(test::solution_residual(a, this->x, b), 30);
-        ASSERT_TRUE(this->f.sle_Solve_Linear_Equation(code, &s, &right, &y));
-        for (int i = 0; i < n; ++i) EXPECT_NEAR(y[i], this->x[i][0], 1e4 * kEpsilon<Real>);
-        this->x = b;
-        ASSERT_TRUE(this->f.sle_Solve_Linear_Equation(code, &s, &this->x, &this->x));
-        EXPECT_LT(test::solution_residual(a, this->x, b), 30);
-        ASSERT_TRUE(this->f.im_Inverse_Matrix(code, &s, &this->x));
-        EXPECT_LT(test::solution_residual(a, this->x, identity), 200);
+        EXPECT_LT(test::solution_residual(a, this->x_, b), 30);
+        ASSERT_TRUE(this->f_.sle_Solve_Linear_Equation(code, &s, &right, &y));
+        for (int i = 0; i < n; ++i) EXPECT_NEAR(y[i], this->x_[i][0], 1e4 * kEpsilon<Real>);
+        this->x_ = b;
+        ASSERT_TRUE(this->f_.sle_Solve_Linear_Equation(code, &s, &this->x_, &this->x_));
+        EXPECT_LT(test::solution_residual(a, this->x_, b), 30);
+        ASSERT_TRUE(this->f_.im_Inverse_Matrix(code, &s, &this->x_));
+        EXPECT_LT(test::solution_residual(a, this->x_, identity), 200);
     }
 }
 
@@ -116,27 +116,27 @@ TYPED_TEST(MethodChoice, TheWholeTableOfFailures) {
         };
         const std::string inverse = "i" + std::string(row.solve + 1),
                           symmetric_inverse = "i" + std::string(row.symmetric_solve + 1);
-        expect(this->f.sle_Solve_Linear_Equation(row.code, &zero, &b, &this->x), row.solve,
+        expect(this->f_.sle_Solve_Linear_Equation(row.code, &zero, &b, &this->x_), row.solve,
                row.detail, "sle_Solve_Linear_Equation");
-        expect(this->f.sle_Solve_Linear_Equation(row.code, &zero, &right, &y), row.solve,
+        expect(this->f_.sle_Solve_Linear_Equation(row.code, &zero, &right, &y), row.solve,
                row.detail, "sle_Solve_Linear_Equation");
-        expect(this->f.im_Inverse_Matrix(row.code, &zero, &this->x), inverse.c_str(), row.detail,
+        expect(this->f_.im_Inverse_Matrix(row.code, &zero, &this->x_), inverse.c_str(), row.detail,
                "im_Inverse_Matrix");
-        expect(this->f.sle_Solve_Linear_Equation(row.code, &s, &b, &this->x), row.symmetric_solve,
+        expect(this->f_.sle_Solve_Linear_Equation(row.code, &s, &b, &this->x_), row.symmetric_solve,
                row.symmetric_detail, "sle_Solve_Linear_Equation");
-        expect(this->f.sle_Solve_Linear_Equation(row.code, &s, &right, &y), row.symmetric_solve,
+        expect(this->f_.sle_Solve_Linear_Equation(row.code, &s, &right, &y), row.symmetric_solve,
                row.symmetric_detail, "sle_Solve_Linear_Equation");
-        expect(this->f.im_Inverse_Matrix(row.code, &s, &this->x), symmetric_inverse.c_str(),
+        expect(this->f_.im_Inverse_Matrix(row.code, &s, &this->x_), symmetric_inverse.c_str(),
                row.symmetric_detail, "im_Inverse_Matrix");
         // not square, and no longer there
         const Matrix<Real> tall = test::random_matrix<Real>(3, 2);
-        EXPECT_FALSE(this->f.sle_Solve_Linear_Equation(row.code, &tall, &b, &this->x));
+        EXPECT_FALSE(this->f_.sle_Solve_Linear_Equation(row.code, &tall, &b, &this->x_));
         EXPECT_EQ(this->detail(), row.detail);
-        EXPECT_FALSE(this->f.im_Inverse_Matrix(row.code, &tall, &this->x));
+        EXPECT_FALSE(this->f_.im_Inverse_Matrix(row.code, &tall, &this->x_));
         EXPECT_EQ(this->detail(), row.detail);
         MatrixSymmetric<Real> damaged = s;
         static_cast<Vector<Real>&>(damaged).c_Create(2, 1);
-        EXPECT_FALSE(this->f.sle_Solve_Linear_Equation(row.code, &damaged, &b, &this->x));
+        EXPECT_FALSE(this->f_.sle_Solve_Linear_Equation(row.code, &damaged, &b, &this->x_));
         EXPECT_EQ(this->detail(), row.symmetric_detail);
     }
 }
@@ -159,15 +159,15 @@ TYPED_TEST(MethodChoice, HomogeneousUnderAConstraint) {
                 }
                 return std::sqrt(sum);
             };
-            ASSERT_TRUE(this->f.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(
+            ASSERT_TRUE(this->f_.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(
                 &a, &c, Real(1e-4), &x));
             EXPECT_LT(norm_of(c, x), 300 * kEpsilon<Real>);
             EXPECT_NEAR(norm_of(test::identity_of<Real>(n), x), 1, 100 * kEpsilon<Real>);
             // no unit vector in a basis of the space does better
             Matrix<Real> space;
             int rank = 0;
-            ASSERT_TRUE(this->f.fin_Find_Input_Null_vector_space(&c, Real(1e-4), rank, &space,
-                                                                 nullptr, nullptr, nullptr));
+            ASSERT_TRUE(this->f_.fin_Find_Input_Null_vector_space(&c, Real(1e-4), rank, &space,
+                                                                  nullptr, nullptr, nullptr));
             test::Uniform uniform(3);
             for (int k = 0; k < 20; ++k) {
                 Vector<Real> other;
@@ -184,7 +184,7 @@ TYPED_TEST(MethodChoice, HomogeneousUnderAConstraint) {
             const Matrix<Real> g = test::matrix_of<Real>(
                 n, 2 * space.mw(), [&](int i, int j) { return double(space[i][j / 2]) * (j + 1); });
             Vector<Real> again;
-            ASSERT_TRUE(this->f.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
+            ASSERT_TRUE(this->f_.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
                 &a, &g, Real(1e-4), &again, &x_hat));
             EXPECT_EQ(x_hat.vs(), g.mw());
             EXPECT_NEAR(norm_of(a, again), norm_of(a, x), 1e4 * kEpsilon<Real>);
@@ -193,23 +193,23 @@ TYPED_TEST(MethodChoice, HomogeneousUnderAConstraint) {
                 for (int j = 0; j < g.mw(); ++j) sum += double(g[i][j]) * double(x_hat[j]);
                 EXPECT_NEAR(sum, again[i], 1e3 * kEpsilon<Real>);
             }
-            ASSERT_TRUE(this->f.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
+            ASSERT_TRUE(this->f_.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
                 &a, &g, Real(1e-4), &again, nullptr));
         }
     const Matrix<Real> a = test::random_matrix<Real>(4, 3), identity = test::identity_of<Real>(3);
     Matrix<Real> zero;
     zero.c_Create(3, 3, 0);
     Vector<Real> x;
-    EXPECT_FALSE(
-        this->f.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(&a, &identity, Real(0), &x));
+    EXPECT_FALSE(this->f_.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(&a, &identity,
+                                                                                 Real(0), &x));
     EXPECT_EQ(this->detail(), "2");
-    EXPECT_FALSE(
-        this->f.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(&a, &identity, Real(2), &x));
+    EXPECT_FALSE(this->f_.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(&a, &identity,
+                                                                                 Real(2), &x));
     EXPECT_EQ(this->detail(), "1");
-    EXPECT_FALSE(this->f.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
+    EXPECT_FALSE(this->f_.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
         &a, &zero, Real(0), &x, nullptr));
     EXPECT_EQ(this->detail(), "2");
-    EXPECT_FALSE(this->f.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
+    EXPECT_FALSE(this->f_.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
         &a, &identity, Real(0), &x, &x));
     EXPECT_EQ(this->detail(), "1");
 }

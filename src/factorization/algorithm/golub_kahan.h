@@ -19,14 +19,16 @@ struct BidiagonalBlock {
     Size end = 0;
 };
 
-// f(i) := 0 where it vanishes beside its neighbours, |f(i)| + (|d(i)| + |d(i+1)|) == the sum, or is
-// too small for that to be told: in numbers about to lose their digits the steps would not end.
+// f(i) := 0 within the block where it vanishes beside its neighbours, |f(i)| + (|d(i)| + |d(i+1)|)
+// == the sum, or is too small for that to be told: in numbers about to lose their digits the steps
+// would not end. Answers whether an element of d is zero.
 template <class Real>
-void deflate(Size n, const Real* d, Real* f);
+bool deflate(const Real* d, Real* f, BidiagonalBlock block);
 
-// From the first non-zero element of f to the last, one row more; false when f is zero.
+// Narrows the block: from its first non-zero element of f to its last, one row more. False when
+// there is none.
 template <class Real>
-bool find_block(Size n, const Real* f, BidiagonalBlock& block);
+bool find_block(const Real* f, BidiagonalBlock& block);
 
 // mu, the eigenvalue of the trailing 2 x 2 block of B^T B that is nearer to its last element:
 //

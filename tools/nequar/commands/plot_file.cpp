@@ -36,6 +36,7 @@ std::string spectrum_chart(const std::string& title, const char* value_name,
     chart.x_name = "number";
     chart.y_name = value_name;
     chart.logarithmic_y = true;
+    chart.whole_x = true;
     Series positive{"", {}, {}, false}, negative{"", {}, {}, false};
     for (std::size_t i = 0; i < values.size(); ++i) {
         Series& series = values[i] < 0 ? negative : positive;

@@ -41,6 +41,23 @@ template <class Object>
     throw Failure(what + " failed:\n" + object.gft_Get_Failure_Trace().c_str());
 }
 
+// With as many steps as the order asks for; the library's own rank makes at most 100.
+template <class Real>
+bool rank_by_singular_values(const typename Twin<Real>::Solver& solver, const Matrix<Real>& a,
+                             Real tolerance, int& found) {
+    const typename Twin<Real>::Algebra algebra;
+    Matrix<Real> tall;
+    typename Twin<Real>::Vector values;
+    if (a.mh() < a.mw()) algebra.tpm_Transpose_Matrix(&a, &tall);
+    const int limit = iteration_limit(std::min(a.mh(), a.mw()));
+    int iterations = 0;
+    if (!solver.u_dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(
+            a.mh() < a.mw() ? &tall : &a, nullptr, &values, nullptr, limit, iterations))
+        return false;
+    if (iterations >= limit) throw Failure("the singular values did not converge");
+    return solver.u_rsv_Rank_based_on_SVD(&values, tolerance, true, found);
+}
+
 template <class Real>
 void rank(const SpaceOptions& options) {
     const typename Twin<Real>::Solver solver;
@@ -57,7 +74,7 @@ void rank(const SpaceOptions& options) {
                 ? solver.rev_Rank_based_on_Eigen_Value_decomposition(&a, tolerance, found)
             : options.method == "qr"
                 ? solver.rqr_Rank_based_on_QR_decomposition_with_column_pivoting(&a, found)
-                : solver.rsv_Rank_based_on_Singular_Value_decomposition(&a, tolerance, found);
+                : rank_by_singular_values<Real>(solver, a, tolerance, found);
         if (!done) fail("the rank", solver);
         seconds = watch.seconds();
     }

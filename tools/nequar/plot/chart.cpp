@@ -53,7 +53,7 @@ public:
         high_ = std::max(high_, scaled(value));
     }
     // The ends at round steps, about `parts` of them between.
-    void settle(int parts) {
+    void settle(int parts, bool whole = false) {
         if (!(low_ <= high_)) low_ = 0, high_ = 1;
         if (low_ == high_) {
             const double margin = low_ == 0 ? 1 : std::fabs(low_) * 0.5;
@@ -66,7 +66,7 @@ public:
             step_ = times * power;
             if (step_ >= rough) break;
         }
-        if (logarithmic_) step_ = std::max(1.0, std::ceil(step_));
+        if (logarithmic_ || whole) step_ = std::max(1.0, std::ceil(step_));
         low_ = std::floor(low_ / step_) * step_;
         high_ = std::ceil(high_ / step_) * step_;
     }
@@ -120,7 +120,7 @@ std::string svg_of(const Chart& chart) {
         }
     }
     const double width = kWidth - kLeft - kRight, height = kHeight - kTop - kBottom;
-    across.settle(8);
+    across.settle(8, chart.whole_x);
     up.settle(6);
     if (chart.same_scale) {
         across.widen_to(up.span() / height * width);

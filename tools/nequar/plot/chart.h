@@ -25,6 +25,7 @@ struct Chart {
     std::string title, x_name, y_name;
     bool logarithmic_y = false;
     bool logarithmic_x = false;
+    bool whole_x = false;     // x counts something: no steps below one
     bool same_scale = false;  // one unit is as long on both axes
     std::vector<Series> series;
 };
