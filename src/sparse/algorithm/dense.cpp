@@ -47,7 +47,11 @@ template <class Real>
 void write_to_dense(const Columns<Real>& a, int* next, View<Real> out) {
     constexpr Size kBandBytes = Size(1) << 20;
     const Size row_bytes = out.width * Size(sizeof(Real));
-    const Size band = std::max<Size>(8, kBandBytes / std::max<Size>(1, row_bytes));
+    // Where little is stored, zeroing everything at once is what counts.
+    constexpr Size kFewPerElement = 64;
+    const bool is_thin = a.count < out.height * out.width / kFewPerElement;
+    const Size band = is_thin ? std::max<Size>(1, out.height)
+                              : std::max<Size>(8, kBandBytes / std::max<Size>(1, row_bytes));
     for (Size c = 0; c < a.width; ++c) next[c] = static_cast<int>(a.range(c).begin);
     for (Size top = 0; top < out.height; top += band) {
         const Size bottom = std::min(top + band, out.height);
