@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "environment.h"
+#include "plots.h"
 #include "report.h"
 
 namespace {
@@ -15,7 +16,7 @@ struct Options {
     std::vector<bench::Size> sizes{64, 500, 1000};
     std::vector<std::string> types{"double", "float"};
     std::vector<std::string> operations;
-    std::string json;
+    std::string json, plots;
     double seconds = 0.5;
     bool list = false;
 };
@@ -52,6 +53,10 @@ int run(const Options& options) {
         fmt::print(stderr, "nequar_bench: {} cannot be written\n", options.json);
         return 2;
     }
+    if (!options.plots.empty() && !bench::write_plots(options.plots, results)) {
+        fmt::print(stderr, "nequar_bench: no pictures can be written in {}\n", options.plots);
+        return 2;
+    }
     if (!all_right) fmt::print(stderr, "nequar_bench: a result is wrong\n");
     return all_right ? 0 : 1;
 }
@@ -64,7 +69,7 @@ int main(int argument_count, char** arguments) {
     CLI::App app("Measures the library beside Eigen and OpenBLAS, on one thread.", "nequar_bench");
     app.add_option("--sizes", options.sizes, "orders of the matrices, for example 64,500,1000")
         ->delimiter(',')
-        ->check(CLI::Range(1, 30000));
+        ->check(CLI::Range(1, 1000000));
     app.add_option("--types", options.types, "double, float")
         ->delimiter(',')
         ->check(CLI::IsMember({"double", "float"}));
@@ -73,6 +78,8 @@ int main(int argument_count, char** arguments) {
     app.add_option("--seconds", options.seconds, "for each contender of each row")
         ->check(CLI::PositiveNumber);
     app.add_option("--json", options.json, "write the same to this file");
+    app.add_option("--plots", options.plots, "draw each operation's GF/s against n in this folder")
+        ->check(CLI::ExistingDirectory);
     app.add_flag("--list", options.list, "show the rows and stop");
     CLI11_PARSE(app, argument_count, arguments);
     if (options.list) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "case.h"
+#include "peers/sparse.h"
 
 namespace bench {
 
@@ -62,5 +63,18 @@ template <class Real>
 Case make_triangular_solve_matrix(Size n);
 template <class Real>
 Case make_triangular_inverse(Size n);
+
+template <class Real>
+Case make_eigenvalues(Size n);  // symmetric, devt_ with enough steps
+template <class Real>
+Case make_eigenvectors(Size n);
+template <class Real>
+Case make_eigenvectors_beside_dc(Size n);  // the peer's divide and conquer
+template <class Real>
+Case make_jacobi(Size n);  // devj_
+
+// Sparse matrices of order n with ten elements in a column: rows/sparse.cpp
+template <class Real, SparseOperation operation>
+Case make_sparse(Size n);
 
 }  // namespace bench

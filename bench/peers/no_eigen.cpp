@@ -1,6 +1,8 @@
 // Stands for Eigen where it was not found.
 #include "peers/orthogonal.h"
 #include "peers/peers.h"
+#include "peers/sparse.h"
+#include "peers/spectrum.h"
 
 namespace bench {
 
@@ -19,6 +21,24 @@ const OrthogonalPeer<double>* orthogonal_eigen() {
 }
 template <>
 const OrthogonalPeer<float>* orthogonal_eigen() {
+    return nullptr;
+}
+
+template <>
+const SpectrumPeer<double>* spectrum_eigen() {
+    return nullptr;
+}
+template <>
+const SpectrumPeer<float>* spectrum_eigen() {
+    return nullptr;
+}
+
+template <>
+SparsePeer<double> sparse_eigen() {
+    return nullptr;
+}
+template <>
+SparsePeer<float> sparse_eigen() {
     return nullptr;
 }
 

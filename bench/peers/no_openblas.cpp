@@ -1,6 +1,7 @@
 // Stands for OpenBLAS where it was not found.
 #include "peers/orthogonal.h"
 #include "peers/peers.h"
+#include "peers/spectrum.h"
 
 namespace bench {
 
@@ -19,6 +20,15 @@ const OrthogonalPeer<double>* orthogonal_openblas() {
 }
 template <>
 const OrthogonalPeer<float>* orthogonal_openblas() {
+    return nullptr;
+}
+
+template <>
+const SpectrumPeer<double>* spectrum_openblas() {
+    return nullptr;
+}
+template <>
+const SpectrumPeer<float>* spectrum_openblas() {
     return nullptr;
 }
 

@@ -17,6 +17,7 @@ struct Twin {
 
     using Matrix = Choose<CNqMatrix, CNqMatrixFloat>;
     using Vector = Choose<CNqVector, CNqVectorFloat>;
+    using Diagonal = Choose<CNqMatrix_Diagonal, CNqMatrixFloat_Diagonal>;
     using Symmetric = Choose<CNqMatrix_Symmetric, CNqMatrixFloat_Symmetric>;
     using Algebra = Choose<LCNqAlgebra_for_Matrix, LCNqAlgebra_for_MatrixFloat>;
     using TriangularAlgebra =

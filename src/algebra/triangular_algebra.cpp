@@ -5,6 +5,7 @@
 #include "algebra/temporary.h"
 #include "core/twin_name.h"
 #include "kernel/kernel.h"
+#include "structured/algorithm/band.h"
 #include "structured/views.h"
 
 namespace nequar {
@@ -249,6 +250,37 @@ template <class Real>
 bool AlgebraForMatrixSpecial<Real>::muu_Multiply_Umatrix_Umatrix(const Upper* a, const Upper* b,
                                                                  Upper* c) const {
     return multiply("muu_Multiply_Umatrix_Umatrix", false, a, b, c);
+}
+
+// ---- band products -----------------------------------------------------------------------------
+
+template <class Real>
+bool AlgebraForMatrixSpecial<Real>::multiply_bands(const char* method, const MatrixBand<Real>* a,
+                                                   const MatrixBand<Real>* b, bool accumulate,
+                                                   Matrix<Real>* c) const {
+    const BandShape left = band_shape_of(a);
+    const BandShape right = band_shape_of(b);
+    bool agrees = left.width == right.height && a->vs() >= left.count() && b->vs() >= right.count();
+    if (accumulate) agrees = agrees && c->mh() == left.height && c->mw() == right.width;
+    if (!agrees) return this->fail("1", method);
+    if (!accumulate) {
+        if (c->c_Create(a->mh(), b->mw()) == nullptr) return this->fail(kCannotSizeOutput, method);
+        kernel::fill(Real(0), view_of(c));
+    }
+    add_product_of_bands(left, a->p(), right, b->p(), view_of(c));
+    return true;
+}
+
+template <class Real>
+bool AlgebraForMatrixSpecial<Real>::mbba_Multiply_Bmatrix_Bmatrix_and_Accumulate(
+    const MatrixBand<Real>* a, const MatrixBand<Real>* b, Matrix<Real>* c) const {
+    return multiply_bands("mbba_Multiply_Bmatrix_Bmatrix_and_Accumulate", a, b, true, c);
+}
+template <class Real>
+bool AlgebraForMatrixSpecial<Real>::mbb_Multiply_Bmatrix_Bmatrix(const MatrixBand<Real>* a,
+                                                                 const MatrixBand<Real>* b,
+                                                                 Matrix<Real>* c) const {
+    return multiply_bands("mbb_Multiply_Bmatrix_Bmatrix", a, b, false, c);
 }
 
 template class AlgebraForMatrixSpecial<double>;

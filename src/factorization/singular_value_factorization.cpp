@@ -234,7 +234,7 @@ bool SingularValueFactorization<Real>::clear_zeros(int n, int p, int q_end, Real
     if (!rotations) return false;
     const BidiagonalBlock block{p, q_end};
     for (;;) {
-        const ZeroChase zero = find_zero(d, f, block);
+        const ZeroChase zero = find_zero(d, f, block, false);
         if (zero.kind == ZeroChase::none) return true;
         const ZeroChase chase = chase_zero(d, f, block, zero, rotations.data());
         if (chase.kind == ZeroChase::row)

@@ -1,7 +1,9 @@
 #include "nequar_algebra/factorization/subspace_factorization.h"
 
 #include "core/workspace.h"
+#include "factorization/algorithm/gram_rank.h"
 #include "factorization/algorithm/pivoted_qr.h"
+#include "factorization/algorithm/range.h"
 #include "factorization/algorithm/singular_values.h"
 #include "factorization/outcome_text.h"
 #include "kernel/kernel.h"
@@ -12,6 +14,7 @@ namespace {
 
 constexpr const char* kRank = "r_Rank";
 constexpr const char* kRankBySvd = "rsv_Rank_based_on_Singular_Value_decomposition";
+constexpr const char* kRankByEigenvalues = "rev_Rank_based_on_Eigen_Value_decomposition";
 constexpr const char* kRankByQr = "rqr_Rank_based_on_QR_decomposition_with_column_pivoting";
 constexpr const char* kInputVector = "fib_Find_an_Input_Basis_vector";
 constexpr const char* kOutputVector = "fob_Find_an_Output_Basis_vector";
@@ -132,6 +135,32 @@ int SubspaceFactorization<Real>::rsv_Rank_based_on_Singular_Value_decomposition(
     int rank = 0;
     if (!rsv_Rank_based_on_Singular_Value_decomposition(a, tolerance, rank))
         this->fail("1", kRankBySvd);
+    return rank;
+}
+
+template <class Real>
+bool SubspaceFactorization<Real>::rev_Rank_based_on_Eigen_Value_decomposition(const Matrix<Real>* a,
+                                                                              Real tolerance,
+                                                                              int& rank) const {
+    const Size order = a->mh() < a->mw() ? a->mh() : a->mw();
+    const char* const detail = order < kFirstTridiagonal ? "1" : "2";
+    Real largest = 0;
+    if (tolerance != tolerance) return this->fail("1", kRankByEigenvalues);
+    if (!find_largest_finite(view_of(a), largest)) return this->fail(detail, kRankByEigenvalues);
+    int found = 0;
+    if (!rank_by_gram_matrix(view_of(a), largest, tolerance, found))
+        return this->fail(detail, kRankByEigenvalues);
+    rank = found;
+    return true;
+}
+
+template <class Real>
+int SubspaceFactorization<Real>::rev_Rank_based_on_Eigen_Value_decomposition(const Matrix<Real>* a,
+                                                                             Real tolerance) const {
+    const CNqClass::CallScope scope(this);
+    int rank = 0;
+    if (!rev_Rank_based_on_Eigen_Value_decomposition(a, tolerance, rank))
+        this->fail("1", kRankByEigenvalues);
     return rank;
 }
 

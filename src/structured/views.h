@@ -3,6 +3,7 @@
 
 #include "frame/views.h"
 #include "nequar_algebra/structured.h"
+#include "structured/algorithm/band_shape.h"
 #include "structured/algorithm/packed_triangle.h"
 
 namespace nequar {
@@ -17,6 +18,17 @@ template <class Real, TriangleSide side>
 PackedShape packed_shape(const MatrixTriangular<Real, side>* matrix) {
     return side == TriangleSide::lower ? PackedShape::lower(matrix->mh(), matrix->mw())
                                        : PackedShape::lower(matrix->mw(), matrix->mh());
+}
+
+// How a band matrix lies in its vector.
+template <class Real>
+BandShape band_shape_of(const MatrixBand<Real>* matrix) {
+    int width = 0;
+    int height = 0;
+    int p = 0;
+    int q = 0;
+    matrix->msb_Matrix_Width_Height_Bands(width, height, p, q);
+    return {height, width, p, q};
 }
 
 // Whether the vector still holds the elements of the shape: anyone may have resized it through its

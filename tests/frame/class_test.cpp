@@ -40,10 +40,6 @@ public:
 
 TEST(Class, RecordsNameDetailAndMethod) {
     Probe probe;
-    EXPECT_EQ(probe.gcn_Get_Class_Name(), "Probe");
-    EXPECT_EQ(probe.ged_Get_Error_Detail(), "");
-    EXPECT_EQ(probe.grm_Get_Recorded_Message(), "");
-
     probe.reports();
     EXPECT_EQ(probe.ged_Get_Error_Detail(), "1");
     EXPECT_EQ(probe.grm_Get_Recorded_Message(), "Probe::reports_By_pme: 1");
@@ -98,33 +94,25 @@ TEST(Class, CopiesNameDetailAndFlagButNotTheRecord) {
     EXPECT_EQ(source.grm_Get_Recorded_Message(), "Source::fails_By_zsm: singular");
 }
 
-TEST(Class, HandsTheTraceFlagOn) {
+TEST(Class, HandsOnTheTraceFlagWhileWhichRecordsArePrinted) {
     Probe owner, one, others[5];
     const auto flags = [&others] {
         std::string text;
         for (const Probe& p : others) text += p.get_Get_Error_Trace_mode() ? '1' : '0';
         return text;
     };
+    testing::internal::CaptureStderr();
+    one.reports();
     owner.zet_s(true);
     owner.zet_x(&one);
-    EXPECT_TRUE(one.get_Get_Error_Trace_mode());
+    one.outer();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2\n");
     owner.zet_x(others, others + 1, others + 2, others + 3, others + 4);
     EXPECT_EQ(flags(), "11111");
     owner.zet_s(false);
     owner.zet_x(others, others + 2, others + 3);
     EXPECT_EQ(flags(), "01001");
-}
-
-TEST(Class, PrintsRecordsOnlyWhileTheTraceFlagIsSet) {
-    Probe probe;
-    testing::internal::CaptureStderr();
-    probe.outer();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    probe.zet_s(true);
-    testing::internal::CaptureStderr();
-    probe.outer();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2\n");
 }
 
 TEST(ClassDeathTest, TheFatalFormPrintsAndEndsWithStatusZero) {
@@ -159,12 +147,6 @@ TEST(Message, TheLastMessageIsWholeUnderConcurrentUse) {
     EXPECT_TRUE(Nq_Print_Message());
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               Nq_Last_Message().c_str() + std::string("\n"));
-}
-
-TEST(Message, PrintfPrintsALine) {
-    testing::internal::CaptureStdout();
-    Nq_Printf("dim= %d, %d", 3, 4);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "dim= 3, 4\n");
 }
 
 }  // namespace

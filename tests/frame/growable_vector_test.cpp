@@ -51,7 +51,7 @@ TYPED_TEST(GrowableVectorOf, DoesWhatTheModelDoes) {
         std::sort(places.begin(), places.end());
         const auto at = [&model](int i) { return model.begin() + i; };
         const int place = below(model.size() + 1);
-        switch (below(11)) {
+        switch (below(13)) {
             case 0:
                 ASSERT_TRUE(x.ae_Append_Element(next));
                 model.push_back(next++);
@@ -82,6 +82,19 @@ TYPED_TEST(GrowableVectorOf, DoesWhatTheModelDoes) {
                 ASSERT_TRUE(x.d_Delete(places.data(), static_cast<int>(places.size())));
                 for (std::size_t k = places.size(); k-- > 0;) model.erase(at(places[k]));
                 break;
+            case 11:
+                ASSERT_EQ(x.d_Delete(place), place < size);
+                if (place < size) model.erase(at(place));
+                break;
+            case 12: {
+                auto copy = x;
+                auto moved = std::move(x);
+                ASSERT_EQ(x.nee() + x.sbs(), 0);
+                ASSERT_TRUE(copy.ae_Append_Element(next) && x.z_cne(2));
+                ASSERT_EQ(stored(x), std::vector<Element>(2));
+                x = std::move(moved);
+                break;
+            }
             case 8: {
                 const int count = below(static_cast<std::size_t>(size - place) + 1);
                 ASSERT_TRUE(x.r_Replace(place, count, values.data(), many));
@@ -113,11 +126,13 @@ TEST(GrowableVector, BlankSpaceDependsOnTheOperationsAlone) {
     indices.in_Initialize(3);
     values.in_Initialize(3);
     EXPECT_EQ(values.sbs(), 3);
-    for (int i = 0; i < 100; ++i) {
+    int moves = 0;
+    for (int i = 0; i < 100000; ++i) {
+        moves += values.sbs() == 0;
         values.ae_Append_Element(i);
         indices.ae_Append_Element(i);
         ASSERT_EQ(values.sbs(), indices.sbs()) << i;
-        if (i % 7 == 0) {
+        if (i % 7001 == 0) {
             values.i_Insert(i / 2, 1.0);
             indices.i_Insert(i / 2, 1);
         }
@@ -128,7 +143,7 @@ TEST(GrowableVector, BlankSpaceDependsOnTheOperationsAlone) {
             indices = std::move(other);
         }
     }
-    EXPECT_EQ(values.nee() + values.sbs(), indices.nee() + indices.sbs());
+    EXPECT_LT(moves, 20);
 }
 
 TYPED_TEST(GrowableVectorOf, ElementsThatComeInAreZeroOrWhatWasWrittenThere) {
@@ -198,44 +213,16 @@ TEST(GrowableVector, RefusesBadListsWithNothingChanged) {
     EXPECT_FALSE(x.in_Initialize(-1) || x.is_Initialize_Space(-1) || x.z_cne(-1) || x.mbs(-1));
     EXPECT_FALSE(x.mbs(INT_MAX));
     EXPECT_EQ(x.ged_Get_Error_Detail(), "2");
+    for (const int i : {3, -1, INT_MIN, INT_MAX}) {
+        x.cr_Clear_Record();
+        EXPECT_EQ(x.ge_Get_Element(i), 0.0);
+        EXPECT_EQ(x.grm_Get_Recorded_Message(), "CNqXvector::ge_Get_Element: 1");
+        EXPECT_FALSE(x.se_Set_Element(i, 1.0));
+    }
     EXPECT_TRUE(x == before);
     EXPECT_EQ(x.sbs(), before.sbs());
-}
-
-TEST(GrowableVector, ReadsOutsideAsZeroAndReportsIt) {
-    CNqXvectorFloat x = growable<float>({4.0f});
-    EXPECT_EQ(x.ge_Get_Element(0), 4.0f);
-    for (const int i : {1, -1, INT_MIN, INT_MAX}) {
-        x.cr_Clear_Record();
-        EXPECT_EQ(x.ge_Get_Element(i), 0.0f);
-        EXPECT_EQ(x.grm_Get_Recorded_Message(), "CNqXvectorFloat::ge_Get_Element: 1");
-        EXPECT_FALSE(x.se_Set_Element(i, 1.0f));
-    }
-    EXPECT_TRUE(x.se_Set_Element(0, 2.0f));
-    EXPECT_EQ(x[0], 2.0f);
-}
-
-TEST(GrowableVector, CopiesAndMoves) {
-    CNqXvectorInt x = growable<int>({1, 2, 3});
-    CNqXvectorInt copy = x;
-    copy.se_Set_Element(0, 7);
-    EXPECT_EQ(stored(x), (std::vector<int>{1, 2, 3}));
-    x = CNqXvectorInt(std::move(copy));
-    EXPECT_EQ(stored(x), (std::vector<int>{7, 2, 3}));
-    EXPECT_EQ(copy.nee() + copy.sbs(), 0);
-    ASSERT_TRUE(copy.z_cne(2));
-    EXPECT_EQ(stored(copy), std::vector<int>(2));
-}
-
-TEST(GrowableVector, MovesItsElementsOnlyOftenEnough) {
-    CNqXvectorInt x;
-    int moves = 0;
-    for (int i = 0; i < 100000; ++i) {
-        moves += x.sbs() == 0;
-        x.ae_Append_Element(i);
-    }
-    EXPECT_LT(moves, 20);
-    EXPECT_EQ(x[99999], 99999);
+    EXPECT_TRUE(x.se_Set_Element(0, 2.0));
+    EXPECT_FALSE(x == before);
 }
 
 // A large reserved room costs nothing until it is used, and one that cannot be had is refused.

@@ -1,5 +1,9 @@
 // Matrices packed by diagonals: every variant against the definition, on shapes around each vector
-// length and each chunk.
+// length and each chunk. Packed elements lie on the heap, exactly as many as there are, so that the
+// address sanitizer sees what is read past them.
+#include <array>
+#include <numeric>
+
 #include "kernel/kernel.h"
 #include "variants.h"
 
@@ -11,122 +15,88 @@ class Bands : public ::testing::Test {};
 using Reals = ::testing::Types<double, float>;
 TYPED_TEST_SUITE(Bands, Reals);
 
-struct Position {
-    Size row;
-    Size column;
-};
-
-// The stored elements in packed order.
-std::vector<Position> stored(Size height, Size width) {
-    std::vector<Position> positions;
-    for (Size d = 0; d < height; ++d) {
-        for (Size p = 0; p < width && p + d < height; ++p) positions.push_back({p + d, p});
-    }
-    return positions;
-}
-
-// Packed elements on the heap, exactly as many as there are, so that the address sanitizer sees
-// what is read past them.
 template <class Real>
-std::vector<Real> numbers(std::size_t count) {
-    std::vector<Real> elements(count);
-    for (std::size_t i = 0; i < count; ++i) elements[i] = Real(i + 1);
+std::vector<Real> numbers(Size count) {
+    std::vector<Real> elements(static_cast<std::size_t>(count));
+    std::iota(elements.begin(), elements.end(), Real(1));
     return elements;
 }
 
+// wrong(row, column, k) for the stored elements in packed order; answers how many are.
+template <class Wrong>
+Size count_wrong(Size height, Size width, const Wrong& wrong) {
+    Size count = 0;
+    std::size_t k = 0;
+    for (Size d = 0; d < height; ++d)
+        for (Size p = 0; p < width && p + d < height; ++p) count += wrong(p + d, p, k++);
+    return count;
+}
+
 template <class Real>
-void check_trapezoid(Size height, Size width, Layout layout) {
-    const std::vector<Position> positions = stored(height, width);
-    for (const Table<Real>* table : variants<Real>()) {
-        SCOPED_TRACE(std::string(table->name) + ' ' + std::to_string(height) + 'x' +
-                     std::to_string(width) + " layout " + std::to_string(int(layout)));
-        const std::vector<Real> packed = numbers<Real>(positions.size());
-        Operand<Real> a(height, width, layout);
-        for (Size i = 0; i < height; ++i) {
-            for (Size j = 0; j < width; ++j) a(i, j) = Real(-1);
-        }
-        table->unpack_lower(height, width, packed.data(), a.block());
-        Size wrong = 0;
-        for (std::size_t k = 0; k < positions.size(); ++k) {
-            Real& element = a(positions[k].row, positions[k].column);
-            wrong += element != packed[k];
-            element = kNaN<Real>;
-        }
-        for (Size i = 0; i < height; ++i) {
-            for (Size j = i + 1; j < width; ++j) wrong += a(i, j) != Real(-1);
-        }
-        EXPECT_EQ(wrong, 0);
-        EXPECT_TRUE(a.guards_stand());
-
-        a.randomize(1);
-        std::vector<Real> out(positions.size());
-        table->pack_lower(height, width, a.reading(), out.data());
-        wrong = 0;
-        for (std::size_t k = 0; k < positions.size(); ++k) {
-            wrong += out[k] != a(positions[k].row, positions[k].column);
-        }
-        EXPECT_EQ(wrong, 0);
-    }
+void check_trapezoid(const Table<Real>* table, Size height, Size width, Layout layout) {
+    const Size count = count_wrong(height, width, [](auto...) { return true; });
+    const std::vector<Real> packed = numbers<Real>(count);
+    Operand<Real> a(height, width, layout);
+    for (Size i = 0; i < height; ++i)
+        for (Size j = 0; j < width; ++j) a(i, j) = Real(-1);
+    table->unpack_lower(height, width, packed.data(), a.block());
+    Size wrong = count_wrong(height, width, [&](Size row, Size column, std::size_t k) {
+        return a(row, column) != packed[k];
+    });
+    for (Size i = 0; i < height; ++i)
+        for (Size j = i + 1; j < width; ++j) wrong += a(i, j) != Real(-1);
+    EXPECT_TRUE(a.guards_stand());
+    std::vector<Real> out(packed.size());
+    table->pack_lower(height, width, a.randomize(1).reading(), out.data());
+    wrong += count_wrong(height, width, [&](Size row, Size column, std::size_t k) {
+        return out[k] != a(row, column);
+    });
+    EXPECT_EQ(wrong, 0);
 }
 
-TYPED_TEST(Bands, EveryShapeAroundTheVectors) {
-    for (Size height = 0; height <= 35; ++height) {
-        for (Size width = 0; width <= 35; ++width) {
-            check_trapezoid<TypeParam>(height, width, Layout::rows);
-            check_trapezoid<TypeParam>(height, width, Layout::columns);
-        }
-    }
-}
-
-TYPED_TEST(Bands, EveryLayoutAroundTheChunks) {
-    const Size shapes[][2] = {{1, 1},     {5, 3},     {20, 40},   {127, 127}, {128, 128},
-                              {129, 129}, {131, 17},  {150, 140}, {257, 256}, {260, 2},
-                              {300, 16},  {300, 131}, {271, 271}};
-    for (const auto& shape : shapes) {
-        for (const Layout layout : kLayouts) check_trapezoid<TypeParam>(shape[0], shape[1], layout);
-    }
+TYPED_TEST(Bands, EveryShapeAroundTheVectorsAndTheChunks) {
+    using Real = TypeParam;
+    Sizes all(36);
+    std::iota(all.begin(), all.end(), 0);
+    with_each(check_trapezoid<Real>, variants<Real>(), all, all,
+              std::array{Layout::rows, Layout::columns});
+    const std::array<Size, 2> shapes[] = {
+        {1, 1},     {5, 3},     {20, 40}, {127, 127}, {128, 128}, {129, 129}, {131, 17},
+        {150, 140}, {257, 256}, {260, 2}, {300, 16},  {300, 131}, {271, 271}};
+    with_each([](const Table<Real>* table, const auto& shape,
+                 Layout layout) { check_trapezoid(table, shape[0], shape[1], layout); },
+              variants<Real>(), shapes, kLayouts);
 }
 
 TYPED_TEST(Bands, SymmetricMatrices) {
     using Real = TypeParam;
-    std::vector<Size> orders = {63, 64, 127, 128, 129, 144, 150, 255, 257, 271};
-    for (Size n = 0; n <= 35; ++n) orders.push_back(n);
-    for (const Size n : orders) {
-        const std::vector<Position> positions = stored(n, n);
-        for (const Table<Real>* table : variants<Real>()) {
-            for (const Layout layout : kLayouts) {
-                SCOPED_TRACE(std::string(table->name) + ' ' + std::to_string(n) + " layout " +
-                             std::to_string(int(layout)));
-                const std::vector<Real> packed = numbers<Real>(positions.size());
-                Operand<Real> a(n, n, layout);
-                table->unpack_symmetric(n, packed.data(), a.block());
-                Size wrong = 0;
-                for (std::size_t k = 0; k < positions.size(); ++k) {
-                    wrong += a(positions[k].row, positions[k].column) != packed[k];
-                    wrong += a(positions[k].column, positions[k].row) != packed[k];
-                }
-                EXPECT_EQ(wrong, 0);
-                EXPECT_TRUE(a.guards_stand());
-
-                a.randomize(1);
-                std::vector<Real> out(positions.size());
-                table->pack_symmetric(n, a.reading(), out.data());
-                wrong = 0;
-                for (std::size_t k = 0; k < positions.size(); ++k) {
-                    const auto [row, column] = positions[k];
-                    wrong += out[k] != (a(row, column) + a(column, row)) * Real(0.5);
-                }
-                EXPECT_EQ(wrong, 0);
-            }
-        }
-    }
+    Sizes orders(36);
+    std::iota(orders.begin(), orders.end(), 0);
+    for (const Size n : {63, 64, 127, 128, 129, 144, 150, 255, 257, 271}) orders.push_back(n);
+    with_each(
+        [](const Table<Real>* table, Size n, Layout layout) {
+            const std::vector<Real> packed = numbers<Real>(n * (n + 1) / 2);
+            Operand<Real> a(n, n, layout);
+            table->unpack_symmetric(n, packed.data(), a.block());
+            Size wrong = count_wrong(n, n, [&](Size row, Size column, std::size_t k) {
+                return a(row, column) != packed[k] || a(column, row) != packed[k];
+            });
+            EXPECT_TRUE(a.guards_stand());
+            std::vector<Real> out(packed.size());
+            table->pack_symmetric(n, a.randomize(1).reading(), out.data());
+            wrong += count_wrong(n, n, [&](Size row, Size column, std::size_t k) {
+                return out[k] != (a(row, column) + a(column, row)) * Real(0.5);
+            });
+            EXPECT_EQ(wrong, 0);
+        },
+        variants<Real>(), orders, kLayouts);
 }
 
 // What stands on the other side of the diagonal is not used, and NaN and infinity pass through.
 TYPED_TEST(Bands, TheOtherTriangleIsIgnored) {
     using Real = TypeParam;
-    for (const Table<Real>* table : variants<Real>()) {
-        for (const Layout layout : {Layout::rows, Layout::columns}) {
+    with_each(
+        [](const Table<Real>* table, Layout layout) {
             constexpr Size n = 50;
             Operand<Real> a(n, n, layout);  // NaN everywhere
             std::vector<Real> packed = numbers<Real>(n * (n + 1) / 2);
@@ -134,12 +104,12 @@ TYPED_TEST(Bands, TheOtherTriangleIsIgnored) {
             table->unpack_lower(n, n, packed.data(), a.block());
             std::vector<Real> out(packed.size());
             table->pack_lower(n, n, a.reading(), out.data());
-            EXPECT_EQ(out, packed) << table->name;
+            EXPECT_EQ(out, packed);
             table->pack_symmetric(n, a.reading(), out.data());
             EXPECT_EQ(out[3], kInfinity<Real>);
-            EXPECT_TRUE(std::isnan(out[n]) && std::isnan(out.back())) << table->name;
-        }
-    }
+            EXPECT_TRUE(std::isnan(out[n]) && std::isnan(out.back()));
+        },
+        variants<Real>(), std::array{Layout::rows, Layout::columns});
 }
 
 }  // namespace

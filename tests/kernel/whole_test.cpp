@@ -1,3 +1,4 @@
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <thread>
@@ -13,56 +14,36 @@ class Whole : public ::testing::Test {};
 using Reals = ::testing::Types<double, float>;
 TYPED_TEST_SUITE(Whole, Reals);
 
-TYPED_TEST(Whole, CopiesAndFillsInEveryPairOfLayouts) {
+TYPED_TEST(Whole, CopiesFillsAndTransposesInEveryPairOfLayouts) {
     using Real = TypeParam;
-    struct Shape {
-        Size m, n;
-    };
-    const Shape shapes[] = {{0, 0}, {0, 4},   {1, 1},   {1, 40},   {40, 1},  {2, 3},
-                            {7, 8}, {16, 16}, {17, 33}, {63, 130}, {130, 71}};
-    for (const Table<Real>* table : variants<Real>()) {
-        for (const auto& [m, n] : shapes) {
-            for (const Layout la : kLayouts) {
-                for (const Layout lb : kLayouts) {
-                    Operand<Real> a(m, n, la), b(m, n, lb);
-                    a.randomize(1);
-                    table->copy_matrix(m, n, a.reading(), b.block());
-                    EXPECT_EQ(largest_difference(a, b), Real(0))
-                        << table->name << ' ' << m << 'x' << n << " layouts " << int(la) << int(lb);
-                    EXPECT_TRUE(b.guards_stand())
-                        << table->name << ' ' << m << 'x' << n << " layouts " << int(la) << int(lb);
-                }
-                Operand<Real> filled(m, n, la);
-                table->fill_matrix(m, n, Real(3), filled.block());
-                Size wrong = 0;
-                for (Size i = 0; i < m; ++i) {
-                    for (Size j = 0; j < n; ++j) wrong += filled(i, j) != Real(3);
-                }
-                EXPECT_EQ(wrong, 0);
-                EXPECT_TRUE(filled.guards_stand());
-            }
-        }
-    }
-}
-
-TYPED_TEST(Whole, TransposesInPlace) {
-    using Real = TypeParam;
-    for (const Table<Real>* table : variants<Real>()) {
-        for (const Size n : {0, 1, 2, 7, 8, 9, 16, 31, 64, 65, 100, 200}) {
-            for (const Layout layout : kLayouts) {
-                Operand<Real> a(n, n, layout);
-                a.randomize(1);
-                Operand<Real> expected = a;
-                table->transpose_in_place(n, a.block());
-                Size wrong = 0;
-                for (Size i = 0; i < n; ++i) {
-                    for (Size j = 0; j < n; ++j) wrong += a(i, j) != expected(j, i);
-                }
-                EXPECT_EQ(wrong, 0) << table->name << ' ' << n << ' ' << int(layout);
-                EXPECT_TRUE(a.guards_stand());
-            }
-        }
-    }
+    const std::array<Size, 2> shapes[] = {{0, 0}, {0, 4},   {1, 1},   {1, 40},   {40, 1},  {2, 3},
+                                          {7, 8}, {16, 16}, {17, 33}, {63, 130}, {130, 71}};
+    with_each(
+        [](const Table<Real>* table, const auto& shape, Layout la, Layout lb) {
+            const auto [m, n] = shape;
+            Operand<Real> a(m, n, la), b(m, n, lb);
+            table->copy_matrix(m, n, a.randomize(1).reading(), b.block());
+            EXPECT_EQ(largest_difference(a, b), Real(0));
+            table->fill_matrix(m, n, Real(3), a.block());
+            Size wrong = 0;
+            for (Size i = 0; i < m; ++i)
+                for (Size j = 0; j < n; ++j) wrong += a(i, j) != Real(3);
+            EXPECT_EQ(wrong, 0);
+            EXPECT_TRUE(a.guards_stand() && b.guards_stand());
+        },
+        variants<Real>(), shapes, kLayouts, kLayouts);
+    with_each(
+        [](const Table<Real>* table, Size n, Layout layout) {
+            Operand<Real> a(n, n, layout);
+            Operand<Real> expected = a.randomize(1);
+            table->transpose_in_place(n, a.block());
+            Size wrong = 0;
+            for (Size i = 0; i < n; ++i)
+                for (Size j = 0; j < n; ++j) wrong += a(i, j) != expected(j, i);
+            EXPECT_EQ(wrong, 0);
+            EXPECT_TRUE(a.guards_stand());
+        },
+        variants<Real>(), Sizes{0, 1, 2, 7, 8, 9, 16, 31, 64, 65, 100, 200}, kLayouts);
 }
 
 TYPED_TEST(Whole, TheFaceTakesViews) {

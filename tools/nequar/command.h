@@ -31,5 +31,22 @@ Action declare_rq(CLI::App& arguments);
 Action declare_lq(CLI::App& arguments);
 Action declare_cod(CLI::App& arguments);
 Action declare_hessenberg(CLI::App& arguments);
+Action declare_svd(CLI::App& arguments);
+Action declare_eig(CLI::App& arguments);
+Action declare_geig(CLI::App& arguments);
+Action declare_rank(CLI::App& arguments);
+Action declare_null(CLI::App& arguments);
+Action declare_range(CLI::App& arguments);
+Action declare_pinv(CLI::App& arguments);
+Action declare_inverse(CLI::App& arguments);
+Action declare_sparse_info(CLI::App& arguments);
+Action declare_transpose(CLI::App& arguments);
+Action declare_add(CLI::App& arguments);
+Action declare_self_test(CLI::App& arguments);
+Action declare_pca(CLI::App& arguments);
+Action declare_stats(CLI::App& arguments);
+Action declare_density(CLI::App& arguments);
+Action declare_toeplitz(CLI::App& arguments);
+Action declare_interpolate(CLI::App& arguments);
 
 }  // namespace program

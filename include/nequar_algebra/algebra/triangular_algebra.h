@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "nequar_algebra/algebra/matrix_algebra.h"
+#include "nequar_algebra/structured/band.h"
 #include "nequar_algebra/structured/triangular.h"
 
 namespace nequar {
@@ -10,8 +11,8 @@ namespace nequar {
 template <class Real>
 struct View;
 
-/// Triangular matrices: solves by substitution, inverses, and products of packed triangles; with
-/// the matrix arithmetic of its base.
+/// Triangular matrices: solves by substitution, inverses, and products of packed triangles and band
+/// matrices; with the matrix arithmetic of its base.
 ///
 /// All operations answer true on success; on failure they store a detail, record their name, and
 /// answer false. Beside the details named below: "out of memory" and "cannot size the output".
@@ -84,7 +85,22 @@ public:
                                                       Upper* c) const;
     bool muu_Multiply_Umatrix_Umatrix(const Upper* a, const Upper* b, Upper* c) const;
 
+    // ---- products of band matrices: as many operations as there are pairs of stored elements ----
+
+    /// C += A B, C dense; what a product leaves zero is not touched. "1": A's width is not B's
+    /// height, a matrix does not hold its elements, or C has not A's height and B's width. C is
+    /// untouched then.
+    bool mbba_Multiply_Bmatrix_Bmatrix_and_Accumulate(const MatrixBand<Real>* a,
+                                                      const MatrixBand<Real>* b,
+                                                      Matrix<Real>* c) const;
+    /// C := A B, C sized here and cleared. "1": A's width is not B's height, or a matrix does not
+    /// hold its elements; C is untouched then.
+    bool mbb_Multiply_Bmatrix_Bmatrix(const MatrixBand<Real>* a, const MatrixBand<Real>* b,
+                                      Matrix<Real>* c) const;
+
 private:
+    bool multiply_bands(const char* method, const MatrixBand<Real>* a, const MatrixBand<Real>* b,
+                        bool accumulate, Matrix<Real>* c) const;
     bool can_solve(const View<const Real>& t, std::ptrdiff_t n) const;
     template <class Object>
     bool solve_copy(bool lower, const View<const Real>& t, const Object* b, Object* x) const;

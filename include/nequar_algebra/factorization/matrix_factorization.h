@@ -10,10 +10,10 @@ namespace nequar {
 ///
 ///     CNqClass  <-  TriangularFactorization  <-  OrthogonalFactorization
 ///                   LU, Cholesky, determinant    QR, QL, RQ, LQ, pivoting
-///               <-  HessenbergFactorization  <-  SingularValueFactorization
-///                   Hessenberg, Givens QR        singular values
-///               <-  SubspaceFactorization    <-  MatrixFactorization
-///                   rank, subspaces
+///               <-  HessenbergFactorization  <-  SymmetricEigenFactorization
+///                   Hessenberg, Givens QR        eigenvalues, tridiagonal forms
+///               <-  SingularValueFactorization  <-  SubspaceFactorization  <-  MatrixFactorization
+///                   singular values                 rank, subspaces
 ///
 /// This class, the end of the chain, carries the name; users need no other.
 //

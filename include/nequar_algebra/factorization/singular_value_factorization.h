@@ -2,8 +2,7 @@
 
 #include <cstdint>
 
-#include "nequar_algebra/factorization/hessenberg_factorization.h"
-#include "nequar_algebra/structured/band.h"
+#include "nequar_algebra/factorization/symmetric_eigen_factorization.h"
 
 namespace nequar {
 
@@ -30,7 +29,7 @@ struct Strided;
 /// delivered, and U S V^T is not A. For larger matrices use the form that takes a limit, with 4 n
 /// or more, and look at the steps that come back: fewer than the limit mean convergence.
 template <class Real>
-class NEQUAR_API SingularValueFactorization : public HessenbergFactorization<Real> {
+class NEQUAR_API SingularValueFactorization : public SymmetricEigenFactorization<Real> {
 public:
     // ---- bidiagonalization ----
 
@@ -70,10 +69,10 @@ public:
                                      Matrix<Real>* u, Matrix<Real>* v) const;
 
     /// Splits the block where its diagonal is exactly zero. For d[i] = 0 with f[i] != 0, row i is
-    /// cleared by rotations from the left with rows i+1, i+2, …; for one with f[i] = 0 (as in the
-    /// last row) but f[i-1] != 0, column i is cleared by rotations from the right with columns i-1,
-    /// i-2, …. All zeros of the block are treated, the last one first; a block without any is left
-    /// as it is. "n=%d, noo=%d,nzz=%d": this is no block.
+    /// cleared by rotations from the left with rows i+1, i+2, …; a zero in the last row of the
+    /// block has nothing to its right, and column i is cleared by rotations from the right with
+    /// columns i-1, i-2, …. All zeros of the block are treated, the last one first; a block without
+    /// any is left as it is. "n=%d, noo=%d,nzz=%d": this is no block.
     bool u_mzr_Make_Zero_Row_for_upper_bi_diagonal_matrix(int n, int p, int q_end, Real* d, Real* f,
                                                           Real** u, Real** v) const;
     /// Object forms, of a block and of the whole; details as in `sgk_…`.

@@ -43,6 +43,15 @@ public:
                                                         int& rank) const;
     int rsv_Rank_based_on_Singular_Value_decomposition(const Matrix<Real>* a, Real tolerance) const;
 
+    /// From the eigenvalues of the Gram matrix of the smaller side, A^T A or A A^T: i + 1 for the
+    /// last i with lambda[i] / lambda[0] > tolerance^2. Below order 10 by Jacobi rotations ("1"
+    /// when they fail, or for NaN), from there on through the tridiagonal form ("2"). Quicker than
+    /// by singular values, but blind below about the square root of the precision: for tolerances
+    /// under 1e-7 (in float 1e-3) rounding decides.
+    bool rev_Rank_based_on_Eigen_Value_decomposition(const Matrix<Real>* a, Real tolerance,
+                                                     int& rank) const;
+    int rev_Rank_based_on_Eigen_Value_decomposition(const Matrix<Real>* a, Real tolerance) const;
+
     /// The number of steps that QR with column pivoting makes on A, or on its transpose when the
     /// height is below the width. There is no tolerance, and it is NOT the numerical rank: see
     /// `u_dqrh_…_with_Column_Pivoting`.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "nequar_algebra/linear_equation/orthogonal_solver.h"
+#include "nequar_algebra/linear_equation/eigen_solver.h"
 
 namespace nequar {
 
@@ -24,7 +24,7 @@ namespace nequar {
 ///
 /// Cost: that of the decomposition with both factors, about 25 n^3.
 template <class Real>
-class NEQUAR_API SpectralSolver : public OrthogonalSolver<Real> {
+class NEQUAR_API SpectralSolver : public EigenSolver<Real> {
 public:
     bool ssv_Solve_based_on_SVD(const Matrix<Real>* a, Real tolerance, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;

@@ -1,7 +1,6 @@
 #include "factorization/algorithm/bidiagonal.h"
 
 #include <cmath>
-#include <limits>
 
 #include "core/workspace.h"
 #include "factorization/algorithm/range.h"
@@ -15,7 +14,7 @@ using kernel::Update;
 
 namespace {
 
-constexpr Size kSmallestBlockedSize = 40;
+constexpr Size kSmallestBlockedSize = 72;
 
 // Columns that stay in the first-level cache between their two uses.
 template <class Real>
@@ -107,14 +106,10 @@ void walk_columns(const Panel<Real>& panel, Size j, Strided<const Real> u, Strid
     }
 }
 
-// x = A v from the sum that the walk made, or, where its numbers are too small for that, anew.
+// x = A v from the sum that the walk made, or, where v is no multiple of the row, anew.
 template <class Real>
-void scale_sum(View<const Real> below, Strided<const Real> row, Strided<const Real> v,
-               Strided<Real> x) {
-    const Size largest = 1 + kernel::index_of_largest_magnitude(row.part(1, row.size - 1));
-    const Real factor = v(largest) / row(largest);
-    constexpr Real least = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
-    if (!(std::abs(row(largest)) >= least) || !std::isfinite(factor)) {
+void scale_sum(View<const Real> below, Real factor, Strided<const Real> v, Strided<Real> x) {
+    if (factor == 0) {
         kernel::gemv(Real(1), below, v, Update::set, x);
         return;
     }
@@ -155,7 +150,7 @@ void reduce_one(const Panel<Real>& panel, Size j, Size k, Real* d, Real* f,
         for (Size i = 0; i < x.size; ++i) x(i) = 0;
         return;
     }
-    scale_sum(reading(a.block(j + 1, j + 1, rows - 1, columns)), reading(row), reading(v), x);
+    scale_sum(reading(a.block(j + 1, j + 1, rows - 1, columns)), reflection.factor, reading(v), x);
     const Strided<Real> s(panel.t, 2 * j + 1);
     kernel::gemv(Real(1), reading(panel.q.block(j + 1, 0, columns, 2 * j + 1).transposed()),
                  reading(v), Update::set, s);
@@ -210,7 +205,11 @@ Outcome bidiagonalize_blocked(View<Real> a, Real* d, Real* f, const BidiagonalSt
 }  // namespace
 
 Size block_of_bidiagonal(Size n) {
-    return n < kSmallestBlockedSize ? 1 : n < 200 ? 16 : n < 600 ? 24 : 32;
+    return n < kSmallestBlockedSize ? 1 : n < 800 ? 8 : 16;
+}
+
+Size block_of_reflectors(Size n) {
+    return n < 24 ? 1 : n < 200 ? 16 : n < 600 ? 32 : 48;
 }
 
 template <class Real>
@@ -242,10 +241,13 @@ template <class Real>
 Outcome bidiagonalize_in_place(View<Real> a, Real largest, const View<Real>* u, const View<Real>* v,
                                Size block) {
     const Size n = a.width;
-    if (block == 0) block = block_of_bidiagonal(n);
+    const Size panel = block > 0 ? block : block_of_bidiagonal(n);
+    if (block == 0) block = block_of_reflectors(n);
     const Size on_right = right_reflections(n);
     using S = Scratch<Real>;
-    Workspace<Real> work(2 * S::rounded(n) + S::rounded(block * n) + S::rounded(block * on_right));
+    const Size copied = S::rounded(n * padded_length(a.height));
+    Workspace<Real> work(2 * S::rounded(n) + S::rounded(block * n) + S::rounded(block * on_right) +
+                         copied);
     if (!work) return {OutcomeKind::no_memory};
     S scratch(work.data());
     Real* const d = scratch.take(n);
@@ -264,8 +266,10 @@ Outcome bidiagonalize_in_place(View<Real> a, Real largest, const View<Real>* u, 
         stores.right = &right;
     }
     const int exponent = exponent_near_ends(largest);
-    scale_by_power_of_two(a, -exponent);
-    Outcome outcome = bidiagonalize(a, d, f, stores, block);
+    const View<Real> columns = scratch_by_columns(scratch.take(copied), a.height, n, Size(1));
+    kernel::copy(reading(a), columns);
+    scale_by_power_of_two(columns, -exponent);
+    Outcome outcome = bidiagonalize(columns, d, f, stores, panel);
     if (outcome && u != nullptr) outcome = form_from_columns(left, *u);
     if (outcome && v != nullptr && n > 1) outcome = form_from_columns(right, inner);
     if (!outcome) return outcome;

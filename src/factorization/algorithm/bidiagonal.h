@@ -33,7 +33,7 @@
 namespace nequar {
 
 // Where the reflectors are kept, unless null: m x n vectors on the left, (n-1) x (n-2) on the
-// right, each with their couplings. Their blocks are that of the reduction.
+// right, each with their couplings. Their blocks need not be those of the reduction.
 template <class Real>
 struct BidiagonalStores {
     const ReflectorStore<Real>* left = nullptr;
@@ -44,8 +44,10 @@ inline Size right_reflections(Size n) {
     return n > 2 ? n - 2 : 0;
 }
 
-// Columns of a panel for a matrix of width n; 1: no blocks.
+// Columns of a panel for a matrix of width n, and reflectors that are best applied at once; 1: no
+// blocks. Panels are narrow, since what they have found is applied to every next column.
 Size block_of_bidiagonal(Size n);
+Size block_of_reflectors(Size n);
 
 // d: n elements, f: n - 1. Quickest when the columns of A are contiguous.
 template <class Real>

@@ -7,20 +7,25 @@
 namespace nequar {
 
 template <class Real>
-void deflate(Size n, const Real* d, Real* f) {
+bool deflate(const Real* d, Real* f, BidiagonalBlock block) {
     constexpr Real least = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
-    for (Size i = 0; i + 1 < n; ++i) {
+    if (block.end <= block.begin) return false;
+    Size zeros = d[block.end - 1] == 0;
+    for (Size i = block.begin; i + 1 < block.end; ++i) {
         const Real size = std::abs(d[i]) + std::abs(d[i + 1]);
-        if (std::abs(f[i]) + size == size || std::abs(f[i]) < least) f[i] = 0;
+        const Real magnitude = std::abs(f[i]);
+        f[i] = magnitude + size == size || magnitude < least ? Real(0) : f[i];
+        zeros += d[i] == 0;
     }
+    return zeros > 0;
 }
 
 template <class Real>
-bool find_block(Size n, const Real* f, BidiagonalBlock& block) {
-    Size last = n - 2;
-    while (last >= 0 && f[last] == 0) --last;
-    if (last < 0) return false;
-    Size first = 0;
+bool find_block(const Real* f, BidiagonalBlock& block) {
+    Size last = block.end - 2;
+    while (last >= block.begin && f[last] == 0) --last;
+    if (last < block.begin) return false;
+    Size first = block.begin;
     while (f[first] == 0) ++first;
     block = {first, last + 2};
     return true;
@@ -59,10 +64,27 @@ void first_vector(const Real* d, const Real* f, BidiagonalBlock piece, Real& y, 
 
 namespace {
 
+// The rotation of rotation.h in a form with less to wait for, where no square leaves the range:
+//
+//   (c, s) = (a, -b) / sqrt(a^2 + b^2), with the sign that makes the larger one not negative
+//
+// where 1 / sqrt(q) = sqrt(q) (1 / q): root and quotient need not wait for each other.
+template <class Real>
+inline Rotation<Real> quick_rotation(Real a, Real b) {
+    constexpr Real least = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon() /
+                           std::numeric_limits<Real>::epsilon();
+    constexpr Real greatest = std::numeric_limits<Real>::max() / 4;
+    const Real squares = a * a + b * b;
+    if (b == 0 || !(squares >= least && squares <= greatest)) return givens_rotation(a, b);
+    const Real larger = std::abs(b) > std::abs(a) ? -b : a;
+    const Real factor = std::copysign(std::sqrt(squares) * (1 / squares), larger);
+    return {a * factor, -b * factor};
+}
+
 // a := c a - s b = r of the rotation that annihilates b.
 template <class Real>
-Rotation<Real> annihilate(Real& a, Real b) {
-    const Rotation<Real> g = givens_rotation(a, b);
+inline Rotation<Real> annihilate(Real& a, Real b) {
+    const Rotation<Real> g = quick_rotation(a, b);
     a = g.c * a - g.s * b;
     return g;
 }
@@ -73,7 +95,7 @@ void step_on_piece(Real* d, Real* f, BidiagonalBlock piece, Rotation<Real>* righ
     const Size last = piece.end - 1;
     Real y = 0, z = 0;
     first_vector(d, f, piece, y, z);
-    Rotation<Real> g = givens_rotation(y, z);
+    Rotation<Real> g = quick_rotation(y, z);
     for (Size j = piece.begin; j < last; ++j) {
         // columns j and j+1:  | d(j)    f(j)   |
         //                     | bulge   d(j+1) |
@@ -120,10 +142,11 @@ void golub_kahan_step(Real* d, Real* f, BidiagonalBlock block, Rotation<Real>* r
 }
 
 template <class Real>
-ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block) {
+ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block, bool at_inner_ends) {
     for (Size i = block.end - 1; i >= block.begin; --i) {
         if (d[i] != 0) continue;
         if (i + 1 < block.end && f[i] != 0) return {ZeroChase::row, i, i};
+        if (i + 1 < block.end && !at_inner_ends) continue;
         if (i > block.begin && f[i - 1] != 0) return {ZeroChase::column, i, i};
     }
     return {};
@@ -180,12 +203,12 @@ void rotate_columns(Real* const* rows, Size count, const ZeroChase& chase,
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                              \
-    template void deflate(Size, const Real*, Real*);                                          \
-    template bool find_block(Size, const Real*, BidiagonalBlock&);                            \
+    template bool deflate(const Real*, Real*, BidiagonalBlock);                               \
+    template bool find_block(const Real*, BidiagonalBlock&);                                  \
     template void first_vector(const Real*, const Real*, BidiagonalBlock, Real&, Real&);      \
     template void golub_kahan_step(Real*, Real*, BidiagonalBlock, Rotation<Real>*,            \
                                    Rotation<Real>*);                                          \
-    template ZeroChase find_zero(const Real*, const Real*, BidiagonalBlock);                  \
+    template ZeroChase find_zero(const Real*, const Real*, BidiagonalBlock, bool);            \
     template ZeroChase chase_zero(Real*, Real*, BidiagonalBlock, ZeroChase, Rotation<Real>*); \
     template void rotate_columns(Real* const*, Size, BidiagonalBlock, const Rotation<Real>*); \
     template void rotate_columns(Real* const*, Size, const ZeroChase&, const Rotation<Real>*);

@@ -19,14 +19,16 @@ struct BidiagonalBlock {
     Size end = 0;
 };
 
-// f(i) := 0 where it vanishes beside its neighbours, |f(i)| + (|d(i)| + |d(i+1)|) == the sum, or is
-// too small for that to be told: in numbers about to lose their digits the steps would not end.
+// f(i) := 0 within the block where it vanishes beside its neighbours, |f(i)| + (|d(i)| + |d(i+1)|)
+// == the sum, or is too small for that to be told: in numbers about to lose their digits the steps
+// would not end. Answers whether an element of d is zero.
 template <class Real>
-void deflate(Size n, const Real* d, Real* f);
+bool deflate(const Real* d, Real* f, BidiagonalBlock block);
 
-// From the first non-zero element of f to the last, one row more; false when f is zero.
+// Narrows the block: from its first non-zero element of f to its last, one row more. False when
+// there is none.
 template <class Real>
-bool find_block(Size n, const Real* f, BidiagonalBlock& block);
+bool find_block(const Real* f, BidiagonalBlock& block);
 
 // mu, the eigenvalue of the trailing 2 x 2 block of B^T B that is nearer to its last element:
 //
@@ -62,9 +64,10 @@ struct ZeroChase {
     Size line(Size i) const { return kind == row ? index + 1 + i : index - 1 - i; }
 };
 
-// The last zero of the block with an element to be cleared.
+// The last zero of the block with an element to be cleared: a row; a column at the end of the
+// block, or, where `at_inner_ends`, at that of any piece.
 template <class Real>
-ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block);
+ZeroChase find_zero(const Real* d, const Real* f, BidiagonalBlock block, bool at_inner_ends);
 // Clears it: f(index), or f(index-1), becomes zero and no other element of f stops being so. The
 // chase ends where the element that it drives vanishes, and `last` is where that is.
 template <class Real>

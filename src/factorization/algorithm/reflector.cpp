@@ -147,7 +147,7 @@ Reflection<Real> make_reflector(Strided<const Real> x, Strided<Real> u) {
         kernel::scale(factor, u);
     }
     u(0) = head;
-    return {std::scalbn(mu, exponent), false};
+    return {std::scalbn(mu, exponent), false, exponent == 0 ? factor : Real(0)};
 }
 
 template <class Real>

@@ -30,8 +30,9 @@ Real householder_vector(Strided<Real> x, Size pos);
 
 template <class Real>
 struct Reflection {
-    Real image;    // H x = image e_0
-    bool is_none;  // H = I
+    Real image;       // H x = image e_0
+    bool is_none;     // H = I
+    Real factor = 0;  // u(i) = factor x(i) for i > 0, unless 0: x was scaled, or there is none
 };
 
 // Normalized form with pos = 0: u := the vector of x's reflector, zero when there is no

@@ -54,8 +54,12 @@ void RotationSweeps<Real>::fill_with_identity(Size sweep, Size first, Size last)
     }
 }
 
+//   column   j          Rows i with i + 1 + reach < j have nothing but zeros in the strip from
+//     | x x  .  . |     column j on, and neither has row i + 1: there is nothing to rotate.
+//     | x x  x  . |
+//     | x x  x  x |
 template <class Real>
-void RotationSweeps<Real>::apply(View<Real> a) {
+void RotationSweeps<Real>::apply(View<Real> a, Size reach) {
     if (count_ == 0) return;
     for (Size r = 0; r < count_; r += kGroup) {
         const Size end = r + kGroup < count_ ? r + kGroup : count_;
@@ -66,20 +70,27 @@ void RotationSweeps<Real>::apply(View<Real> a) {
         }
     }
     const Range whole = range_of(0, count_);
-    const Size rows = whole.last - whole.first + 1;
     const Size strip = width_of_strip(rows_);
     for (Size j = 0; j < a.width; j += strip) {
+        const auto first_of = [=](Size first, Size sweeps) {
+            const Size reached = j - reach - sweeps - 1;
+            return first > reached ? first : reached;
+        };
+        const Size top = first_of(whole.first, count_);
+        if (top >= whole.last) continue;
         const Size width = a.width - j < strip ? a.width - j : strip;
-        const View<Real> part = a.block(whole.first, j, rows, width);
+        const Size rows = whole.last - top + 1;
+        const View<Real> part = a.block(top, j, rows, width);
         const View<Real> gathered(strip_, rows, width, strip);
         kernel::copy(reading(part), gathered);
         for (Size r = 0; r < count_; r += kGroup) {
             const Size end = r + kGroup < count_ ? r + kGroup : count_;
             const Range group = range_of(r, end);
-            const View<const Real> pairs(pairs_ + r * stride() + 2 * group.first, end - r,
-                                         2 * (group.last - group.first), stride());
-            kernel::rotate_rows(
-                pairs, gathered.rows(group.first - whole.first, group.last - group.first + 1));
+            const Size first = first_of(group.first, end);
+            if (first >= group.last) continue;
+            const View<const Real> pairs(pairs_ + r * stride() + 2 * first, end - r,
+                                         2 * (group.last - first), stride());
+            kernel::rotate_rows(pairs, gathered.rows(first - top, group.last - first + 1));
         }
         kernel::copy(reading(gathered), part);
     }

@@ -46,7 +46,10 @@ public:
     Real* begin(Size first, Size last);
 
     // Applies what is recorded to the rows of A, and forgets it.
-    void apply(View<Real> a);
+    void apply(View<Real> a) { apply(a, a.width); }
+    // The same to a matrix whose row i is zero beyond column i + reach. Each sweep adds one to the
+    // reach, so that after r sweeps on an identity it is r.
+    void apply(View<Real> a, Size reach);
 
 private:
     static constexpr Size kCapacity = 64;  // sweeps of a batch

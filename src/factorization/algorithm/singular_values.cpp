@@ -29,7 +29,7 @@ struct Plan {
         : m(a.height),
           n(a.width),
           height(a.height),
-          block(block_of_bidiagonal(a.width)),
+          block(block_of_reflectors(a.width)),
           qr_block(0),
           has_u(targets.u != nullptr),
           has_v(targets.v != nullptr),
@@ -78,8 +78,8 @@ void set_identity(View<Real> a) {
 
 // ---- the iteration -----------------------------------------------------------------------------
 
-// W^T by rows, and the rotations that are still to be applied to it; without elements when nobody
-// wants it.
+// W^T by rows, the identity at first, and the rotations that are still to be applied to it; without
+// elements when nobody wants it.
 template <class Real>
 class Accumulator {
 public:
@@ -90,36 +90,42 @@ public:
     // Where the rotations of a step on the block are to be written: that of rows j, j+1 to [j].
     Rotation<Real>* begin(BidiagonalBlock block, Rotation<Real>* unwanted) {
         if (w_.is_empty()) return unwanted;
-        if (sweeps_.is_full()) sweeps_.apply(w_);
+        if (sweeps_.is_full()) apply();
+        ++recorded_;
         return reinterpret_cast<Rotation<Real>*>(sweeps_.begin(block.begin, block.end - 1));
     }
     void rotate(const ZeroChase& chase, const Rotation<Real>* rotations) {
         if (w_.is_empty()) return;
-        sweeps_.apply(w_);
+        apply();
         for (Size i = 0; i < chase.count(); ++i)
             kernel::rotate(w_.row(chase.line(i)), w_.row(chase.index), rotations[i].c,
                            rotations[i].s);
+        reach_ = w_.width;
     }
-    void finish() {
-        if (!w_.is_empty()) sweeps_.apply(w_);
+    void apply() {
+        if (w_.is_empty()) return;
+        sweeps_.apply(w_, reach_);
+        reach_ += recorded_;
+        recorded_ = 0;
     }
 
 private:
     View<Real> w_;
     RotationSweeps<Real> sweeps_;
+    Size reach_ = 0;  // row i is zero beyond column i + reach
+    Size recorded_ = 0;
 };
 
 // `rotations` has room for two of each row.
 template <class Real>
 void iterate(Size n, Real* d, Real* f, Accumulator<Real>& wu, Accumulator<Real>& wv,
              Rotation<Real>* rotations, SvdSteps& steps) {
-    BidiagonalBlock block;
+    BidiagonalBlock block{0, n};
     steps.made = 0;
-    steps.has_converged = false;
     for (;;) {
-        deflate(n, d, f);
-        if (!find_block(n, f, block)) break;
-        const ZeroChase zero = find_zero(d, f, block);
+        const bool has_zero = deflate(d, f, block);
+        if (!find_block(f, block)) break;
+        const ZeroChase zero = has_zero ? find_zero(d, f, block, true) : ZeroChase();
         if (zero.kind != ZeroChase::none) {
             const ZeroChase chase = chase_zero(d, f, block, zero, rotations);
             (chase.kind == ZeroChase::row ? wu : wv).rotate(chase, rotations);
@@ -129,8 +135,8 @@ void iterate(Size n, Real* d, Real* f, Accumulator<Real>& wu, Accumulator<Real>&
         golub_kahan_step(d, f, block, wv.begin(block, rotations), wu.begin(block, rotations + n));
     }
     steps.has_converged = steps.made < steps.limit;
-    wu.finish();
-    wv.finish();
+    wu.apply();
+    wv.apply();
 }
 
 // Magnitudes of d into sigma, descending, equal ones in their order; signs go into V.
@@ -193,7 +199,7 @@ Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, S
         wv = scratch_by_rows(scratch.take(plan.of_vectors(n, n)), n, n, Size(1));
         set_identity(wv);
     }
-    const Outcome outcome = bidiagonalize(reduced, d, f, stores, plan.block);
+    const Outcome outcome = bidiagonalize(reduced, d, f, stores, block_of_bidiagonal(n));
     if (!outcome) return outcome;
     {
         Accumulator<Real> on_left(

@@ -8,6 +8,10 @@
 
 namespace nequar {
 
+// A := S^-1 A
+template <class Real>
+void divide_rows(View<Real> a, Strided<const Real> s);
+
 // B := V S^-1 U^T B, all square of order n; w is scratch of B's shape. Nothing overlaps.
 template <class Real>
 void solve_with_svd(View<const Real> u, Strided<const Real> s, View<const Real> v, View<Real> b,

@@ -16,6 +16,12 @@ void pack_band(const BandShape& shape, View<const Real> a, Real* packed);
 template <class Real>
 void unpack_band(const BandShape& shape, const Real* packed, View<Real> a);
 
+// C += A B for two bands, A's width being B's height. Band d of A and band d' of B make up part of
+// band d + d' of C: (A B)(i, i + d + d') = sum of a(i, i + d) b(i + d, i + d + d').
+template <class Real>
+void add_product_of_bands(const BandShape& a_shape, const Real* a, const BandShape& b_shape,
+                          const Real* b, View<Real> c);
+
 // ---- the bands 0 ... b of the lower triangle of an n x n matrix, the main diagonal first --------
 
 // packed (r, c) := a(r, c), 0 <= r - c <= b

@@ -239,6 +239,8 @@ std::string describe_methods() {
         "Methods:\n  auto   llt for a symmetric positive definite matrix, otherwise lup\n";
     for (const Method& method : method_table())
         text += fmt::format("  {:<6} {}: {}\n", method.name, method.equation, method.summary);
+    text +=
+        "  0..9   the library's own numbers: gje, lud, qrd, qld, rqd, lqd, svd, llt, uut, evd\n";
     return text;
 }
 
@@ -248,6 +250,7 @@ Action declare_solve(CLI::App& arguments) {
     auto options = std::make_shared<SolveOptions>();
     std::vector<std::string> names{"auto"};
     for (const Method& method : method_table()) names.emplace_back(method.name);
+    for (char number = '0'; number <= '9'; ++number) names.emplace_back(1, number);
 
     const auto not_empty = [](const std::string& name) {
         return name.empty() ? "the name of the file is empty" : "";

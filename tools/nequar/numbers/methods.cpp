@@ -6,6 +6,7 @@
 
 #include "long_step.h"
 #include "numbers/stopwatch.h"
+#include "numbers/tolerance.h"
 
 namespace program {
 namespace {
@@ -176,6 +177,27 @@ struct ByLq {
     }
 };
 
+struct BySvd {
+    static constexpr const char* step = "decomposing A = U S V' and solving";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        using Real = std::remove_cvref_t<decltype((*a)[0][0])>;
+        return solver.ssv_Solve_based_on_SVD(
+            a, static_cast<Real>(rounding_tolerance<Real>(a->mh(), a->mw())), b, x);
+    }
+};
+struct ByEigenvalues {
+    static constexpr const char* step = "decomposing A = V D V' and solving";
+    template <class S, class A, class B>
+    static bool solve(const S& solver, const A* a, const B* b, B* x) {
+        using Real = std::remove_cvref_t<decltype((*a)[0][0])>;
+        typename Twin<Real>::Symmetric packed;
+        packed.i_Import(a);
+        return solver.sev_Solve_based_on_EVD(
+            &packed, static_cast<Real>(rounding_tolerance<Real>(a->mh(), a->mw())), b, x);
+    }
+};
+
 template <class Real, class Way>
 void solve_in_one(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
                   Solution<Real>& solution) {
@@ -214,7 +236,15 @@ constexpr Method kMethods[] = {
      solve_in_one<float, ByRq>},
     {"lqd", "A = L Q", "Householder LQ, as safe", false, solve_in_one<double, ByLq>,
      solve_in_one<float, ByLq>},
+    {"svd", "A = U S V'", "singular values, which tell how near to singular the matrix is", false,
+     solve_in_one<double, BySvd>, solve_in_one<float, BySvd>},
+    {"evd", "A = V D V'", "eigenvalues, for symmetric matrices", true,
+     solve_in_one<double, ByEigenvalues>, solve_in_one<float, ByEigenvalues>},
 };
+
+// The library's numbers of its methods.
+constexpr const char* kByNumber[] = {"gje", "lud", "qrd", "qld", "rqd",
+                                     "lqd", "svd", "llt", "uut", "evd"};
 
 template <class Real>
 void run(const Method& method, const typename Twin<Real>::Matrix& a,
@@ -259,8 +289,10 @@ std::span<const Method> method_table() {
 }
 
 const Method* find_method(const std::string& name) {
+    const bool is_number = name.size() == 1 && name[0] >= '0' && name[0] <= '9';
+    const std::string word = is_number ? kByNumber[name[0] - '0'] : name;
     for (const Method& method : kMethods)
-        if (name == method.name) return &method;
+        if (word == method.name) return &method;
     return nullptr;
 }
 

@@ -45,6 +45,7 @@ public:
 
 // The table, in the order in which help shows it; "auto" is not in it.
 std::span<const Method> method_table();
+// By its name or by the library's number of it.
 const Method* find_method(const std::string& name);
 
 // Solves by the named method, or by "auto": Cholesky for a symmetric positive definite matrix, LU

@@ -1,0 +1,523 @@
+// Symmetric eigenvalues: every route on hard matrices, the stated counts, failures, and inputs that
+// are no numbers.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "nequar_algebra/factorization.h"
+#include "support/matrix_gallery.h"
+#include "support/residual.h"
+
+namespace nequar {
+namespace {
+
+using test::kEpsilon;
+
+template <class Real>
+class SymmetricEigen : public testing::Test {
+protected:
+    const MatrixFactorization<Real> f;
+
+    std::string failures() {
+        std::string trace = f.gft_Get_Failure_Trace().c_str();
+        const std::string prefix = std::string(f.gcn_Get_Class_Name().c_str()) + "::";
+        for (auto at = trace.find(prefix); at != std::string::npos; at = trace.find(prefix))
+            trace.erase(at, prefix.size());
+        return trace;
+    }
+};
+using Reals = testing::Types<double, float>;
+TYPED_TEST_SUITE(SymmetricEigen, Reals);
+
+template <class Real>
+MatrixSymmetric<Real> packed_of(const Matrix<Real>& a) {
+    MatrixSymmetric<Real> s;
+    s.iu_Import_Upper_part_of(&a);
+    return s;
+}
+
+template <class Real>
+struct Decomposition {
+    bool ok = false;
+    Matrix<Real> v;
+    MatrixDiagonal<Real> d;
+    int count = -1;
+    int annihilated = -1;
+};
+
+constexpr int kByQr = 3;  // beside the Jacobi modes 0, 1, 2
+
+template <class Real>
+Decomposition<Real> decompose(int route, const Matrix<Real>& a, bool vectors = true) {
+    const MatrixFactorization<Real> f;
+    Decomposition<Real> x;
+    const auto s = packed_of(a);
+    Matrix<Real>* const v = vectors ? &x.v : nullptr;
+    if (route == kByQr)
+        x.ok = f.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&s, v, &x.d, INT_MAX,
+                                                                            x.count);
+    else  // mode 0's tolerance is absolute
+        x.ok = f.devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
+            route, &s, v, &x.d, 100, Real(route == 0 ? 0 : 1e-32), x.count, x.annihilated);
+    return x;
+}
+
+// The worst of ||A V - V D||_1 / (||A||_1 n eps), ||I - V^T V||_1 / (n eps), and infinity when the
+// values do not descend. The upper triangle of A counts.
+template <class Real>
+double residual(Matrix<Real> a, const Matrix<Real>& v, const MatrixDiagonal<Real>& d) {
+    const int n = a.mh();
+    if (v.mh() != n || v.mw() != n || d.vs() != n) return std::nan("");
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < i; ++j) a[i][j] = a[j][i];
+    double worst = 0;
+    for (int k = 0; k + 1 < n; ++k)
+        if (!(d[k] >= d[k + 1])) worst = std::numeric_limits<double>::infinity();
+    const double size = std::max(test::norm1_of(a), 1e-300);
+    for (int k = 0; k < n; ++k) {
+        double column = 0;
+        double products = 0;
+        for (int i = 0; i < n; ++i) {
+            long double sum = -static_cast<long double>(d[k]) * v[i][k];
+            long double product = i == k ? -1 : 0;
+            for (int j = 0; j < n; ++j) {
+                sum += static_cast<long double>(a[i][j]) * v[j][k];
+                product += static_cast<long double>(v[j][i]) * v[j][k];
+            }
+            column += double(std::abs(sum) / size);
+            products += double(std::abs(product));
+        }
+        worst = test::worse(test::worse(column, products) / (n * kEpsilon<Real>), worst);
+    }
+    return worst;
+}
+
+template <class Real>
+std::vector<Matrix<Real>> gallery() {
+    std::vector<Matrix<Real>> list;
+    for (const int n : {1, 2, 3, 5, 8, 15, 16, 17, 31, 33, 34, 65, 130})
+        list.push_back(test::random_matrix<Real>(n, n, std::uint64_t(n)));
+    const auto spectrum = [&](int n, std::function<double(int)> value) {
+        std::vector<double> values;
+        for (int i = 0; i < n; ++i) values.push_back(value(i));
+        list.push_back(test::symmetric_with_spectrum<Real>(values));
+    };
+    spectrum(40, [](int) { return 3.0; });
+    spectrum(40, [](int i) { return i < 20 ? 1.0 : -1.0; });
+    spectrum(40, [](int i) { return 1 + i * 1e-14; });
+    spectrum(40, [](int i) { return i < 30 ? 0.0 : i; });
+    spectrum(40, [](int i) { return std::pow(10.0, -i / 2.0); });
+    list.push_back(test::graded_matrix<Real>(40, 12));
+    list.push_back(test::hilbert_matrix<Real>(20));
+    list.push_back(test::matrix_of<Real>(7, 7, [](int, int) { return 0.0; }));
+    list.push_back(test::matrix_of<Real>(7, 7, [](int i, int j) { return i == j ? i : 0.0; }));
+    list.push_back(
+        test::matrix_of<Real>(6, 6, [](int i, int j) { return i + j == 5 ? 1.0 : 0.0; }));
+    // Wilkinson 21, glued three times by a tiny element
+    list.push_back(test::matrix_of<Real>(63, 63, [](int i, int j) {
+        if (i == j) return std::abs(i % 21 - 10.0);
+        return std::abs(i - j) != 1 ? 0.0 : std::min(i, j) % 21 == 20 ? 1e-10 : 1.0;
+    }));
+    for (const double size : {1e150, 1e-150, 1e30, 1e-30}) {
+        if (Real(size * size) != size * size && std::is_same_v<Real, float> &&
+            !(size < 1e35 && size > 1e-35))
+            continue;
+        list.push_back(test::matrix_of<Real>(
+            12, 12, [size](int i, int j) { return size * (1 + std::cos(1.0 + i * j)); }));
+    }
+    return list;
+}
+
+TYPED_TEST(SymmetricEigen, ResidualsOnTheGallery) {
+    for (const auto& a : gallery<TypeParam>())
+        for (const int route : {0, 1, 2, kByQr}) {
+            if (route == 0 && a.mh() > 40) continue;
+            SCOPED_TRACE(testing::Message() << a.mh() << " route " << route << " a00 " << a[0][0]);
+            const auto x = decompose(route, a);
+            ASSERT_TRUE(x.ok);
+            EXPECT_LT(residual(a, x.v, x.d), 10.0);
+            const auto values = decompose(route, a, false);
+            ASSERT_TRUE(values.ok);
+            for (int k = 0; k < a.mh(); ++k) EXPECT_EQ(values.d[k], x.d[k]);
+            EXPECT_EQ(values.count, x.count);
+        }
+}
+
+TYPED_TEST(SymmetricEigen, KnownValues) {
+    using Real = TypeParam;
+    const double pi = std::acos(-1.0);
+    const int rosser[8][8] = {
+        {611, 196, -192, 407, -8, -52, -49, 29}, {196, 899, 113, -192, -71, -43, -8, -44},
+        {-192, 113, 899, 196, 61, 49, 8, 52},    {407, -192, 196, 611, 8, 44, 59, -23},
+        {-8, -71, 61, 8, 411, -599, 208, 208},   {-52, -43, 49, 44, -599, 411, 208, 208},
+        {-49, -8, 8, 59, 208, 208, 99, -911},    {29, -44, 52, -23, 208, 208, -911, 99}};
+    const double root = std::sqrt(10405.0);
+    struct Case {
+        Matrix<Real> a;
+        std::vector<double> values;
+    };
+    std::vector<Case> cases;
+    cases.push_back({test::matrix_of<Real>(8, 8, [&](int i, int j) { return rosser[i][j]; }),
+                     {10 * root, 1020, 510 + 100 * std::sqrt(26.0), 1000, 1000,
+                      510 - 100 * std::sqrt(26.0), 0, -10 * root}});
+    cases.push_back({test::matrix_of<Real>(30, 30,
+                                           [](int i, int j) {
+                                               return i == j ? 2 : std::abs(i - j) == 1 ? -1 : 0;
+                                           }),
+                     {}});
+    for (int k = 30; k > 0; --k) cases.back().values.push_back(2 - 2 * std::cos(k * pi / 31));
+    cases.push_back({test::matrix_of<Real>(20, 20,
+                                           [](int i, int j) {  // Clement, 19, 17, ..., -19
+                                               const int k = std::min(i, j);
+                                               return std::abs(i - j) == 1
+                                                          ? std::sqrt((k + 1.0) * (19 - k))
+                                                          : 0.0;
+                                           }),
+                     {}});
+    for (int k = 19; k >= -19; k -= 2) cases.back().values.push_back(k);
+    cases.push_back(
+        {test::matrix_of<Real>(2, 2, [](int i, int j) { return i == j ? 2 : 1; }), {3, 1}});
+    for (const auto& c : cases)
+        for (const int route : {0, 1, 2, kByQr}) {
+            const auto x = decompose(route, c.a);
+            const double largest = std::max(std::abs(c.values.front()), std::abs(c.values.back()));
+            for (int k = 0; k < c.a.mh(); ++k)
+                EXPECT_LE(std::abs(x.d[k] - c.values[std::size_t(k)]), 8 * kEpsilon<Real> * largest)
+                    << route << ' ' << k;
+        }
+}
+
+// A diagonal matrix needs no rotation; equal values keep their order; a step is counted before it
+// is made, and the count that reaches the limit ends it.
+TYPED_TEST(SymmetricEigen, CountsAndLimits) {
+    using Real = TypeParam;
+    const double diagonal[] = {2, 5, 2, 7, 5};
+    const auto a =
+        test::matrix_of<Real>(5, 5, [&](int i, int j) { return i == j ? diagonal[i] : 0.0; });
+    const int order[] = {3, 1, 4, 0, 2};
+    for (const int route : {0, 1, 2, kByQr}) {
+        const auto x = decompose(route, a);
+        EXPECT_EQ(x.count, 0);
+        if (route != kByQr) {
+            EXPECT_EQ(x.annihilated, 0);
+        }
+        for (int k = 0; k < 5; ++k) {
+            EXPECT_EQ(x.d[k], Real(diagonal[order[k]]));
+            EXPECT_EQ(x.v[order[k]][k], Real(1));
+        }
+    }
+    const auto b = packed_of(test::random_matrix<Real>(6, 6, 3));
+    Matrix<Real> v;
+    MatrixDiagonal<Real> d;
+    int count = -1;
+    int annihilated = -1;
+    for (const int limit : {INT_MIN, -1, 0, 1, 2, 5}) {
+        EXPECT_TRUE(this->f.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(
+            &b, &v, &d, limit, count));
+        EXPECT_EQ(count, std::max(limit, 1));
+        for (int mode = 0; mode < 3; ++mode) {
+            EXPECT_TRUE(this->f.devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
+                mode, &b, &v, &d, limit, Real(-1), count, annihilated));
+            EXPECT_LE(count, std::max(0, limit) * (mode == 0 ? 15 : 1));
+            if (limit <= 2) {
+                EXPECT_EQ(count, std::max(0, limit) * (mode == 0 ? 15 : 1));
+            }
+            if (limit <= 0) {
+                EXPECT_EQ(annihilated, 0);
+            }
+        }
+    }
+    // Small matrices within the hundred of the short form; the limit form beyond.
+    const auto c = packed_of(test::random_matrix<Real>(40, 40, 3));
+    Decomposition<Real> x;
+    ASSERT_TRUE(this->f.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&c, &v, &d));
+    ASSERT_TRUE(this->f.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&c, &x.v, &x.d,
+                                                                                   100, count));
+    EXPECT_LT(count, 100);
+    EXPECT_TRUE(d == x.d && v == x.v);
+}
+
+// The cyclic modes make the rotations of the stated scheme: one sweep by the public rotation, in
+// row order, gives the same matrix, on the upper triangle alone.
+TYPED_TEST(SymmetricEigen, SweepsAreTheRotationsOneByOne) {
+    using Real = TypeParam;
+    for (const int n : {2, 5, 16, 17, 18, 33, 50})
+        for (const int mode : {1, 2}) {
+            auto a = test::random_matrix<Real>(n, n, std::uint64_t(n));
+            std::vector<Real> d;
+            double off = 0;
+            for (int i = 0; i < n; ++i) {
+                d.push_back(a[i][i]);
+                for (int j = i + 1; j < n; ++j) off += 2 * double(a[i][j]) * double(a[i][j]);
+                for (int j = 0; j < i; ++j) a[i][j] = std::numeric_limits<Real>::quiet_NaN();
+            }
+            auto input = a;
+            auto v = test::identity_of<Real>(n);
+            int expected = 0;
+            const Real threshold = mode == 1 ? Real(0.2 * off / (n * n)) : Real(0);
+            for (int p = 0; p < n; ++p)
+                for (int q = p + 1; q < n; ++q)
+                    this->f.u_jru_Jacobi_Rotation_and_Update(a.p(), d.data(), v.p(), n, p, q,
+                                                             threshold, expected);
+            Matrix<Real> vectors;
+            MatrixDiagonal<Real> values;
+            int sweeps = -1;
+            int annihilated = -1;
+            ASSERT_TRUE(this->f.u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(
+                mode, &input, &vectors, &values, 1, Real(0), sweeps, annihilated));
+            EXPECT_EQ(sweeps, 1);
+            EXPECT_EQ(annihilated, expected);
+            std::sort(d.rbegin(), d.rend());
+            for (int k = 0; k < n; ++k)
+                EXPECT_NEAR(double(values[k]), double(d[std::size_t(k)]), 20 * n * kEpsilon<Real>);
+        }
+    // Nothing happens at or below the threshold, nor for indices that are no pair.
+    auto a = test::matrix_of<Real>(2, 2, [](int i, int j) { return i == j ? i : 0.5; });
+    Real d[2] = {0, 1};
+    int annihilated = 0;
+    for (const auto& [p, q] : {std::pair{0, 1}, {1, 0}, {0, 2}, {-1, 0}, {1, 1}})
+        this->f.u_jru_Jacobi_Rotation_and_Update(a.p(), d, nullptr, 2, p, q, Real(0.5),
+                                                 annihilated);
+    EXPECT_EQ(annihilated, 0);
+    EXPECT_EQ(a[0][1], Real(0.5));
+}
+
+TYPED_TEST(SymmetricEigen, NoNumbersGiveNoNumbers) {
+    using Real = TypeParam;
+    for (const Real bad :
+         {std::numeric_limits<Real>::quiet_NaN(), std::numeric_limits<Real>::infinity()})
+        for (const int n : {1, 2, 5, 20})
+            for (const int at : {0, n / 2, n - 1})
+                for (const int route : {0, 1, 2, kByQr}) {
+                    auto a = test::random_matrix<Real>(n, n);
+                    a[0][at] = bad;
+                    const auto x = decompose(route, a);
+                    ASSERT_TRUE(x.ok);
+                    for (int k = 0; k < n; ++k) {
+                        EXPECT_TRUE(std::isnan(x.d[k]));
+                        EXPECT_TRUE(std::isnan(x.v[k][0]));
+                    }
+                    const auto s = packed_of(a);
+                    EXPECT_FALSE(
+                        this->f.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(
+                            &s));
+                }
+}
+
+TYPED_TEST(SymmetricEigen, TridiagonalForms) {
+    using Real = TypeParam;
+    for (const int n : {1, 2, 3, 4, 17, 40, 140}) {
+        SCOPED_TRACE(n);
+        const auto a = test::random_matrix<Real>(n, n, std::uint64_t(n));
+        const auto s = packed_of(a);
+        Matrix<Real> q;
+        Matrix<Real> dense;
+        ASSERT_TRUE(this->f.tdm_Tridiagonalize_Matrix(&s, &q, &dense));
+        // A Q = Q T
+        Matrix<Real> whole;
+        s.e_Export(&whole);
+        double worst = 0;
+        for (int i = 0; i < n; ++i)
+            for (int j = 0; j < n; ++j) {
+                if (std::abs(i - j) > 1) {
+                    EXPECT_EQ(dense[i][j], Real(0));
+                }
+                EXPECT_EQ(dense[i][j], dense[j][i]);
+                long double sum = 0;
+                long double product = i == j ? -1 : 0;
+                for (int k = 0; k < n; ++k) {
+                    sum += static_cast<long double>(whole[i][k]) * q[k][j] -
+                           static_cast<long double>(q[i][k]) * dense[k][j];
+                    product += static_cast<long double>(q[k][i]) * q[k][j];
+                }
+                worst = test::worse(double(std::abs(sum)), worst);
+                worst = test::worse(double(std::abs(product)), worst);
+            }
+        EXPECT_LT(worst, 4 * n * kEpsilon<Real>);
+        MatrixSymmetric<Real> packed;
+        MatrixBand<Real> band;
+        Matrix<Real> exported;
+        Matrix<Real> in_place = a;
+        ASSERT_TRUE(this->f.tdm_Tridiagonalize_Matrix(&a, nullptr, &packed));
+        packed.e_Export(&exported);
+        EXPECT_TRUE(exported == dense);
+        ASSERT_TRUE(this->f.tdm_Tridiagonalize_Matrix(&s, nullptr, &band));
+        band.e_Export(&exported, true);
+        EXPECT_TRUE(exported == dense);
+        ASSERT_TRUE(this->f.u_td_Tridiagonalize_matrix(&in_place, &q));
+        EXPECT_TRUE(in_place == dense);
+        Vector<Real> d;
+        Vector<Real> e;
+        in_place = a;
+        ASSERT_TRUE(this->f.u_td_Tridiagonalize_matrix(&in_place, &q, &d, &e));
+        for (int i = 0; i < n; ++i) EXPECT_EQ(d[i], dense[i][i]);
+
+        // T = Q R in every form
+        Matrix<Real> r[5];
+        Matrix<Real> qs[5];
+        MatrixBandSymmetric<Real> band_symmetric;
+        band_symmetric.i_Import(&packed, n > 1 ? 1 : 0);
+        MatrixBand<Real> band_r;
+        r[0] = dense;
+        ASSERT_TRUE(
+            this->f.u_dqrt_Decompose_into_QR_matrices_for_Tri_diagonal_matrix(&r[0], &qs[0]));
+        ASSERT_TRUE(this->f.u_dqrt_Decompose_into_QR_matrices_for_Tri_diagonal_matrix(
+            &d, &e, &qs[1], &r[1]));
+        ASSERT_TRUE(
+            this->f.dqrt_Decompose_into_QR_matrices_for_Tridiagonal_matrix(&packed, &qs[2], &r[2]));
+        ASSERT_TRUE(this->f.dqrt_Decompose_into_QR_matrices_for_Tridiagonal_matrix(&band_symmetric,
+                                                                                   &qs[3], &r[3]));
+        ASSERT_TRUE(this->f.dqrt_Decompose_into_QR_matrices_for_Tridiagonal_matrix(&dense, &qs[4],
+                                                                                   &band_r));
+        band_r.e_Export(&r[4], true);
+        for (int k = 0; k < 5; ++k) {
+            EXPECT_TRUE(r[k] == r[0]);
+            EXPECT_TRUE(qs[k] == qs[0]);
+        }
+        worst = 0;
+        for (int i = 0; i < n; ++i)
+            for (int j = 0; j < n; ++j) {
+                if (i > j) {
+                    EXPECT_EQ(r[0][i][j], Real(0));
+                }
+                long double sum = -dense[i][j];
+                long double product = i == j ? -1 : 0;
+                for (int k = 0; k < n; ++k) {
+                    sum += static_cast<long double>(qs[0][i][k]) * r[0][k][j];
+                    product += static_cast<long double>(qs[0][k][i]) * qs[0][k][j];
+                }
+                worst = test::worse(double(std::abs(sum)), worst);
+                worst = test::worse(double(std::abs(product)), worst);
+            }
+        EXPECT_LT(worst, 4 * n * kEpsilon<Real>);
+
+        // QR steps keep Q T Q^T; the part before the block stays.
+        if (n < 4) continue;
+        auto rotated = test::identity_of<Real>(n);
+        const Vector<Real> before = d;
+        ASSERT_TRUE(
+            this->f.u_Implicit_Symmetric_QR_step_with_Wilkinson_Shift(&d, &e, n - 3, 3, &rotated));
+        EXPECT_EQ(d[0], before[0]);
+        worst = 0;
+        for (int i = n - 3; i < n; ++i)
+            for (int j = n - 3; j < n; ++j) {
+                long double sum = -dense[i][j];
+                for (int k = n - 3; k < n; ++k)
+                    for (int l = std::max(n - 3, k - 1); l < std::min(n, k + 2); ++l)
+                        sum += static_cast<long double>(rotated[i][k]) *
+                               (k == l ? d[k] : e[std::min(k, l)]) * rotated[j][l];
+                worst = test::worse(double(std::abs(sum)), worst);
+            }
+        EXPECT_LT(worst, 8 * n * kEpsilon<Real>);
+    }
+}
+
+TYPED_TEST(SymmetricEigen, GeneralizedProblem) {
+    using Real = TypeParam;
+    for (const int n : {1, 2, 10, 11, 40}) {
+        SCOPED_TRACE(n);
+        const auto a = packed_of(test::random_matrix<Real>(n, n, 5));
+        const auto b = packed_of(test::positive_definite_matrix<Real>(n, 20));
+        Matrix<Real> x;
+        MatrixDiagonal<Real> d;
+        MatrixDiagonal<Real> alone;
+        ASSERT_TRUE(this->f.dgea_Do_Generalized_Eigen_Analysis(&a, &b, &x, &d));
+        ASSERT_TRUE(this->f.dgea_Do_Generalized_Eigen_Analysis(&a, &b, nullptr, &alone));
+        EXPECT_TRUE(d == alone);
+        Matrix<Real> ad;
+        Matrix<Real> bd;
+        a.e_Export(&ad);
+        b.e_Export(&bd);
+        double worst = 0;
+        for (int k = 0; k < n; ++k) {
+            long double length = 0;
+            if (k > 0) {
+                EXPECT_GE(d[k - 1], d[k]);
+            }
+            for (int i = 0; i < n; ++i) {
+                long double sum = 0;
+                length += static_cast<long double>(x[i][k]) * x[i][k];
+                for (int j = 0; j < n; ++j)
+                    sum += (static_cast<long double>(ad[i][j]) -
+                            static_cast<long double>(d[k]) * bd[i][j]) *
+                           x[j][k];
+                worst = test::worse(double(std::abs(sum)) / (20.0 * n), worst);
+            }
+            worst = test::worse(double(std::abs(length - 1)), worst);
+        }
+        EXPECT_LT(worst, 10 * n * kEpsilon<Real>);
+    }
+    const auto b = packed_of(test::matrix_of<Real>(2, 2, [](int, int) { return 1.0; }));
+    MatrixSymmetric<Real> a;
+    Matrix<Real> x;
+    MatrixDiagonal<Real> d;
+    EXPECT_FALSE(this->f.dgea_Do_Generalized_Eigen_Analysis(&a, &b, &x, &d));
+    EXPECT_EQ(this->failures(), "dgea_Do_Generalized_Eigen_Analysis: 1");
+    EXPECT_FALSE(this->f.dgea_Do_Generalized_Eigen_Analysis(&b, &b, &x, &d));
+    EXPECT_EQ(this->failures(),
+              "u_dch_Decompose_matrix_by_Cholesky_algorithm: non-positive definite\n"
+              "dch_Decompose_matrix_by_Cholesky_algorithm: 1\n"
+              "dgea_Do_Generalized_Eigen_Analysis: 2");
+}
+
+TYPED_TEST(SymmetricEigen, RefusalsAndPositiveDefiniteness) {
+    using Real = TypeParam;
+    Matrix<Real> a;
+    a.c_Create(3, 2, Real(1));
+    Matrix<Real> v;
+    MatrixDiagonal<Real> d;
+    int sweeps = -1;
+    int annihilated = -1;
+    const std::string one = "u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations: 1";
+    EXPECT_FALSE(this->f.u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(&a, &v, &d));
+    EXPECT_EQ(this->failures(), one + "\n" + one);
+    a = test::random_matrix<Real>(3, 3);
+    const auto s = packed_of(a);
+    const Real nan = std::numeric_limits<Real>::quiet_NaN();
+    EXPECT_FALSE(this->f.u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(
+        2, &a, &a, &d, 100, Real(0), sweeps, annihilated));
+    EXPECT_EQ(this->failures(), one);
+    for (const int mode : {-1, 3})
+        EXPECT_FALSE(this->f.devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
+            mode, &s, &v, &d, 100, Real(0), sweeps, annihilated));
+    EXPECT_FALSE(this->f.devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
+        2, &s, &v, &d, 100, nan, sweeps, annihilated));
+    EXPECT_EQ(this->failures(),
+              one + "\ndevj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations: 1");
+    EXPECT_EQ(sweeps, -1);
+    EXPECT_EQ(v.mh(), 0);
+    EXPECT_FALSE(this->f.u_td_Tridiagonalize_matrix(&a, &a));
+    EXPECT_EQ(this->failures(), "u_td_Tridiagonalize_matrix: 1");
+    EXPECT_FALSE(this->f.tdm_Tridiagonalize_Matrix(&s, &v, &v));
+    EXPECT_EQ(this->failures(), "u_td_Tridiagonalize_matrix: 1\ntdm_Tridiagonalize_Matrix: 1");
+    Vector<Real> diagonal;
+    Vector<Real> off;
+    diagonal.c_Create(4, Real(1));
+    off.c_Create(3, Real(1));
+    const std::string step = "u_Implicit_Symmetric_QR_step_with_Wilkinson_Shift: ";
+    for (const auto& [start, size] :
+         {std::pair{-1, 2}, {0, 5}, {3, 2}, {0, -1}, {INT_MAX, INT_MAX}, {INT_MIN, INT_MIN}}) {
+        EXPECT_FALSE(this->f.u_Implicit_Symmetric_QR_step_with_Wilkinson_Shift(
+            &diagonal, &off, start, size, nullptr));
+        EXPECT_EQ(this->failures(), step + "1");
+    }
+    EXPECT_FALSE(
+        this->f.u_Implicit_Symmetric_QR_step_with_Wilkinson_Shift(&diagonal, &off, 0, 4, &a));
+    EXPECT_EQ(this->failures(), step + "2");
+
+    const auto definite = packed_of(test::positive_definite_matrix<Real>(12, 10));
+    const auto singular =
+        packed_of(test::matrix_of<Real>(2, 2, [](int i, int j) { return i + j == 0 ? 5 : 0; }));
+    EXPECT_TRUE(
+        this->f.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(&definite));
+    EXPECT_FALSE(
+        this->f.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(&singular));
+}
+
+}  // namespace
+}  // namespace nequar
