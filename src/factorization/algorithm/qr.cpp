@@ -119,13 +119,13 @@ void qr_blocked(View<Real> a, const QrTargets<Real>& targets, Size block, Size l
 Size block_of_qr(Size height, Size width, QrBlocking blocking) {
     const Size count = reflections_of_qr(height, width);
     if (blocking.block > 0) return blocking.block;
-    if (count < kSmallestBlockedSize) return height < kTall ? 1 : 8;
-    if (count < 80) return 16;
-    if (count < 160) return 24;
+    if (count < kSmallestBlockedSize) return height < kTall ? 1 : 16;
+    const bool is_long = height > 4 * width;
+    if (count < 112) return is_long && count >= 80 ? 32 : 16;
     if (count < 384) return 32;
     // The trailing matrix of a long one is beyond the caches: few ways through it.
-    if (count < 768) return height > 4 * width ? 128 : 48;
-    return height > 4 * width ? 128 : 64;
+    if (count < 768) return is_long ? 64 : 48;
+    return is_long ? 128 : 64;
 }
 
 template <class Real>
@@ -145,7 +145,8 @@ void qr_into(View<Real> a, const QrTargets<Real>& targets, QrBlocking blocking,
     if (block <= 1)
         qr_plain(a, targets, scratch);
     else
-        qr_blocked(a, targets, block, blocking.leaf, scratch);
+        qr_blocked(a, targets, block, blocking.leaf > 0 ? blocking.leaf : 64 / Size(sizeof(Real)),
+                   scratch);
 }
 
 template <class Real>

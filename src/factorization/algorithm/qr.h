@@ -52,7 +52,7 @@ inline bool begins_with_q(OrthogonalForm form) {
 
 struct QrBlocking {
     Size block = 0;  // columns of a panel; 0: by the size of the matrix, 1: no blocks at all
-    Size leaf = 8;   // columns of a panel that are reduced one by one
+    Size leaf = 0;   // columns of a panel that are reduced one by one; 0: a cache line's elements
 };
 
 inline Size reflections_of_qr(Size height, Size width) {
