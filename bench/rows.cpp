@@ -41,6 +41,11 @@ std::span<const Row> row_table() {
         {"eig vectors", "symmetric, devt; LAPACK's syev", NEQUAR_BOTH(make_eigenvectors)},
         {"eig beside DC", "the same; LAPACK's syevd", NEQUAR_BOTH(make_eigenvectors_beside_dc)},
         {"Jacobi", "symmetric with vectors, devj", NEQUAR_BOTH(make_jacobi)},
+        {"svd values", "u_dsvb; LAPACK's gesdd", NEQUAR_BOTH(make_singular_values)},
+        {"svd U V", "the same with U and V; LAPACK's gesvd", NEQUAR_BOTH(make_singular_vectors)},
+        {"svd beside DC", "the same; LAPACK's gesdd", NEQUAR_BOTH(make_singular_vectors_beside_dc)},
+        {"svd tall", "values and V, 10000 x n; LAPACK's gesdd", NEQUAR_BOTH(make_tall_singular)},
+        {"pinv", "pisv; from LAPACK's gesdd", NEQUAR_BOTH(make_pseudo_inverse)},
     };
     return rows;
 }

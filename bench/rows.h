@@ -72,4 +72,15 @@ Case make_eigenvectors_beside_dc(Size n);  // the peer's divide and conquer
 template <class Real>
 Case make_jacobi(Size n);  // devj_
 
+template <class Real>
+Case make_singular_values(Size n);  // u_dsvb_ with enough steps
+template <class Real>
+Case make_singular_vectors(Size n);
+template <class Real>
+Case make_singular_vectors_beside_dc(Size n);  // the peer's divide and conquer
+template <class Real>
+Case make_tall_singular(Size n);  // 10000 x n, values and V
+template <class Real>
+Case make_pseudo_inverse(Size n);  // pisv_
+
 }  // namespace bench

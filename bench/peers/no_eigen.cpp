@@ -1,6 +1,7 @@
 // Stands for Eigen where it was not found.
 #include "peers/orthogonal.h"
 #include "peers/peers.h"
+#include "peers/singular.h"
 #include "peers/spectrum.h"
 
 namespace bench {
@@ -29,6 +30,15 @@ const SpectrumPeer<double>* spectrum_eigen() {
 }
 template <>
 const SpectrumPeer<float>* spectrum_eigen() {
+    return nullptr;
+}
+
+template <>
+const SingularPeer<double>* singular_eigen() {
+    return nullptr;
+}
+template <>
+const SingularPeer<float>* singular_eigen() {
     return nullptr;
 }
 
