@@ -69,7 +69,7 @@ int main(int argument_count, char** arguments) {
     CLI::App app("Measures the library beside Eigen and OpenBLAS, on one thread.", "nequar_bench");
     app.add_option("--sizes", options.sizes, "orders of the matrices, for example 64,500,1000")
         ->delimiter(',')
-        ->check(CLI::Range(1, 30000));
+        ->check(CLI::Range(1, 1000000));
     app.add_option("--types", options.types, "double, float")
         ->delimiter(',')
         ->check(CLI::IsMember({"double", "float"}));

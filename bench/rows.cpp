@@ -5,6 +5,10 @@ namespace bench {
 #define NEQUAR_BOTH(make) make<double>, make<float>
 #define NEQUAR_PATTERN(make, pattern) make<double, Pattern::pattern>, make<float, Pattern::pattern>
 
+#define NEQUAR_SPARSE(operation)                         \
+    make_sparse<double, SparseOperation::operation>, \
+        make_sparse<float, SparseOperation::operation>
+
 std::span<const Row> row_table() {
     static constexpr Row rows[] = {
         {"gemm nn", "C = A B, kernel layer", NEQUAR_PATTERN(make_gemm, nn)},
@@ -46,6 +50,20 @@ std::span<const Row> row_table() {
         {"svd beside DC", "the same; LAPACK's gesdd", NEQUAR_BOTH(make_singular_vectors_beside_dc)},
         {"svd tall", "values and V, 10000 x n; LAPACK's gesdd", NEQUAR_BOTH(make_tall_singular)},
         {"pinv", "pisv; from LAPACK's gesdd", NEQUAR_BOTH(make_pseudo_inverse)},
+        {"sparse t", "transpose, t", NEQUAR_SPARSE(transpose)},
+        {"sparse add", "A += B and the copy of A, amm", NEQUAR_SPARSE(add)},
+        {"sparse addw", "A += w B and the copy of A, ammw", NEQUAR_SPARSE(add_weighted)},
+        {"sparse build", "element by element, se", NEQUAR_SPARSE(build)},
+        {"sparse import", "from dense, n at most 3000, im", NEQUAR_SPARSE(import_dense)},
+        {"sparse export", "to dense, n at most 3000, ex", NEQUAR_SPARSE(export_dense)},
+        {"sparse reads", "10000 elements, ge", NEQUAR_SPARSE(reads)},
+        {"sparse column", "32 columns, gc", NEQUAR_SPARSE(columns)},
+        {"sparse row", "32 rows, gr", NEQUAR_SPARSE(rows)},
+        {"sparse block", "the middle quarter, gb", NEQUAR_SPARSE(block)},
+        {"sparse norm", "nf", NEQUAR_SPARSE(norm)},
+        {"sparse mean", "m", NEQUAR_SPARSE(mean)},
+        {"sparse stdev", "mst", NEQUAR_SPARSE(deviation)},
+        {"sparse max", "max", NEQUAR_SPARSE(largest)},
     };
     return rows;
 }

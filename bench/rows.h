@@ -3,6 +3,7 @@
 #pragma once
 
 #include "case.h"
+#include "peers/sparse.h"
 
 namespace bench {
 
@@ -82,5 +83,9 @@ template <class Real>
 Case make_tall_singular(Size n);  // 10000 x n, values and V
 template <class Real>
 Case make_pseudo_inverse(Size n);  // pisv_
+
+// Sparse matrices of order n with ten elements in a column: rows/sparse.cpp
+template <class Real, SparseOperation operation>
+Case make_sparse(Size n);
 
 }  // namespace bench

@@ -2,6 +2,7 @@
 #include "peers/orthogonal.h"
 #include "peers/peers.h"
 #include "peers/singular.h"
+#include "peers/sparse.h"
 #include "peers/spectrum.h"
 
 namespace bench {
@@ -39,6 +40,15 @@ const SingularPeer<double>* singular_eigen() {
 }
 template <>
 const SingularPeer<float>* singular_eigen() {
+    return nullptr;
+}
+
+template <>
+SparsePeer<double> sparse_eigen() {
+    return nullptr;
+}
+template <>
+SparsePeer<float> sparse_eigen() {
     return nullptr;
 }
 

@@ -44,6 +44,8 @@ template <class Real> Real norm2(Strided<const Real> x);
 template <class Real> Real distance2(Strided<const Real> x, Strided<const Real> y);
 // sum (x_i - y_i)^2, plain.
 template <class Real> Real distance_squared(Strided<const Real> x, Strided<const Real> y);
+// out_i = sum_k (x_k - a(i, k))^2, plain, for the rows of A; out overlaps nothing.
+template <class Real> void squared_distances(const Real* x, View<const Real> a, Real* out);
 template <class Real> void axpy(Real alpha, Strided<const Real> x, Strided<Real> y);  // y += alpha x
 template <class Real> void scale(Real alpha, Strided<Real> x);                        // x *= alpha
 template <class Real> void copy(Strided<const Real> x, Strided<Real> y);

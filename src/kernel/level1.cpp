@@ -1,4 +1,5 @@
 // The face of level 1: contiguous and strided vectors.
+#include "kernel/block.h"
 #include "kernel/dispatch.h"
 #include "kernel/kernel.h"
 #include "kernel/orientation.h"
@@ -62,6 +63,11 @@ Real distance_squared(Strided<const Real> x, Strided<const Real> y) {
 }
 
 template <class Real>
+void squared_distances(const Real* x, View<const Real> a, Real* out) {
+    table<Real>().squared_distances(a.height, a.width, x, block_of(a), out);
+}
+
+template <class Real>
 void axpy(Real alpha, Strided<const Real> x, Strided<Real> y) {
     turn_forwards(x, y);
     table<Real>().axpy(y.size, alpha, x.data, x.stride, y.data, y.stride);
@@ -108,6 +114,7 @@ Size index_of_largest_magnitude(Strided<const Real> x) {
     template Real dot(Strided<const Real>, Strided<const Real>);                   \
     template Real sum_of_magnitudes(Strided<const Real>);                          \
     template Real distance_squared(Strided<const Real>, Strided<const Real>);      \
+    template void squared_distances(const Real*, View<const Real>, Real*);         \
     template void axpy(Real, Strided<const Real>, Strided<Real>);                  \
     template void scale(Real, Strided<Real>);                                      \
     template void copy(Strided<const Real>, Strided<Real>);                        \

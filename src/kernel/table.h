@@ -45,6 +45,8 @@ struct Table {
     Real (*sum_of_squares)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx);
     Real (*distance_squared)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx, const Real* y,
                              std::ptrdiff_t sy);
+    void (*squared_distances)(std::ptrdiff_t n, std::ptrdiff_t d, const Real* x,
+                              Block<const Real> samples, Real* out);
     void (*axpy)(std::ptrdiff_t n, Real alpha, const Real* x, std::ptrdiff_t sx, Real* y,
                  std::ptrdiff_t sy);
     void (*scale)(std::ptrdiff_t n, Real alpha, Real* x, std::ptrdiff_t sx);

@@ -263,12 +263,19 @@ bool CompressedColumns<Real>::ivrb(int x, int y, int dx, int dy) const {
 
 // ---- elements -----------------------------------------------------------------------------------
 
+// Whether it is stored is a coin toss to the processor: the place to read from is chosen, not
+// jumped to.
 template <class Real>
 Real CompressedColumns<Real>::element(int x, int y) const noexcept {
+    static constexpr Real kNotStored = 0;
     const Range column = SparseInside<Real>::column_range(*this, x);
+    if (column.length() == 0) return kNotStored;
     const int* const rows = rows_.p();
-    const Size at = first_not_below(rows, column.begin, column.end, y);
-    return at < column.end && rows[at] == y ? values_[static_cast<int>(at)] : Real(0);
+    __builtin_prefetch(values_.p() + column.begin);
+    __builtin_prefetch(values_.p() + column.end - 1);
+    const Size at = std::min(first_not_below(rows, column.begin, column.end, y), column.end - 1);
+    const Real* const place = values_.p() + at;
+    return *(rows[at] == y ? place : &kNotStored);
 }
 
 template <class Real>
@@ -290,8 +297,7 @@ bool CompressedColumns<Real>::write_element(int x, int y, Real v, const char* me
     if (x < settled_) {
         for (int c = x + 1; c <= settled_; ++c) ++start_[c];
     } else {
-        std::fill(start_.p() + settled_ + 1, start_.p() + x + 1, before);
-        settled_ = x;
+        while (settled_ < x) start_[++settled_] = before;
         if (start_is_shared_) settle();
     }
     return true;
@@ -370,10 +376,7 @@ bool CompressedColumns<Real>::add(const CompressedColumns& b, Real factor, const
     zet_xm();
     if (b.mh() != mh() || b.mw() != mw()) return this->fail("different dimensions", method);
     if (b.nee() == 0) return true;
-    const Columns<Real> source = SparseInside<Real>::columns(b);
-    const Stored outcome = SparseInside<Real>::merge(
-        *this, AddRule<Real>{factor}, 0, mw(), whole_column,
-        [&source](Size c) { return source.column(c); }, 0);
+    const Stored outcome = SparseInside<Real>::add(*this, b, AddRule<Real>{factor});
     return outcome == Stored::done || this->fail(insertion_code(outcome), method);
 }
 

@@ -44,6 +44,8 @@ struct SparseInside {
 
     static GrowableVector<Real>& values(Matrix& a) { return a.values_; }
     static GrowableVector<int>& rows(Matrix& a) { return a.rows_; }
+    static GrowableVector<Real>& values(Vector& v) { return v.values_; }
+    static GrowableVector<int>& indices(Vector& v) { return v.indices_; }
     // Up to date.
     static int* start(Matrix& a) {
         a.settle();
@@ -80,9 +82,25 @@ struct SparseInside {
                       count, absent, first, last, part_of, source_of, shift);
         return Stored::done;
     }
-
-    static GrowableVector<Real>& values(Vector& v) { return v.values_; }
-    static GrowableVector<int>& indices(Vector& v) { return v.indices_; }
+    // a += factor b. Counting what is absent costs as much as merging: when there can be room for
+    // all of b, what was too much is taken back instead.
+    static Stored add(Matrix& a, const Matrix& b, const AddRule<Real>& rule) {
+        put_in_order(a);
+        const Columns<Real> source = columns(b);
+        const auto source_of = [&source](Size c) { return source.column(c); };
+        if (have_same_places(columns(a), source)) {
+            add_values(rule, source.values, source.count, elements_of(a.values_));
+            return Stored::done;
+        }
+        const Size count = a.nee();
+        if (grow_by(a.values_, a.rows_, source.count) != Stored::done)
+            return merge(a, rule, 0, a.mw(), whole_column, source_of, 0);
+        const Size room =
+            merge_columns(rule, a.mw(), a.start_.p(), elements_of(a.rows_), elements_of(a.values_),
+                          count, source.count, 0, a.mw(), whole_column, source_of, 0);
+        move_down(a.start_.p(), a.mw(), elements_of(a.rows_), elements_of(a.values_), room);
+        return change_count(a.values_, a.rows_, static_cast<int>(count + source.count - room));
+    }
 };
 
 }  // namespace nequar

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 
+#include "core/workspace.h"
 #include "nequar_algebra/sparse/sparse_matrix.h"
+#include "sparse/algorithm/block.h"
 #include "sparse/inside.h"
 
 namespace nequar {
@@ -42,30 +44,18 @@ bool SparseMatrix<Real>::gr(int x, int y, int dx, SparseVector<Real>* out) const
     out->zet_s(this->get_Get_Error_Trace_mode());
     if (!this->ivrr(x, y, dx)) return this->fail("bad index range", kName);
     const Columns<Real> columns = SparseInside<Real>::columns(*this);
-    const auto find = [&](Size c) {
-        const Range k = columns.range(c);
-        const Size at = first_not_below(columns.rows, k.begin, k.end, y);
-        return at < k.end && columns.rows[at] == y ? at : Size(-1);
-    };
-    Size count = 0;
-    for (Size c = 0; c < dx; ++c) count += find(x + c) >= 0;
-    if (!out->czv(dx, static_cast<int>(count))) {
+    if (!out->czv(dx, 0)) {
         this->adopt_failure_of(*out);
         return this->fail("czv", kName);
     }
-    if (!out->z_cne(static_cast<int>(count))) {
-        this->adopt_failure_of(*out);
-        return this->fail("z_cne", kName);
-    }
-    Real* const values = elements_of(SparseInside<Real>::values(*out));
-    int* const indices = elements_of(SparseInside<Real>::indices(*out));
-    Size to = 0;
-    for (Size c = 0; c < dx && to < count; ++c) {
-        const Size at = find(x + c);
-        if (at < 0) continue;
-        values[to] = columns.values[at];
-        indices[to] = static_cast<int>(c);
-        ++to;
+    GrowableVector<Real>& values = SparseInside<Real>::values(*out);
+    GrowableVector<int>& indices = SparseInside<Real>::indices(*out);
+    for (int c = 0; c < dx; ++c) {
+        const Range k = columns.range(x + c);
+        const Size at = first_not_below(columns.rows, k.begin, k.end, y);
+        if (at == k.end || columns.rows[at] != y) continue;
+        if (insert(values, indices, values.nee(), columns.values[at], c) != Stored::done)
+            return this->fail("z_cne", kName);
     }
     return true;
 }
@@ -85,35 +75,27 @@ bool SparseMatrix<Real>::gb(int x, int y, int dx, int dy, SparseMatrix* out) con
     out->zet_s(this->get_Get_Error_Trace_mode());
     if (!this->ivrb(x, y, dx, dy)) return this->fail("bad index range", kName);
     const Columns<Real> columns = SparseInside<Real>::columns(*this);
-    const auto for_part = [&](Size c, const auto& visit) {
-        const Range part = part_between(columns.rows, columns.range(x + c), y, Size(y) + dy);
-        for (Size k = part.begin; k < part.end; ++k)
-            if (columns.values[k] != Real(0)) visit(k);
-    };
-    Size count = 0;
-    for (Size c = 0; c < dx; ++c) for_part(c, [&count](Size) { ++count; });
-    if (count > kLargestIntCount - kSpare || !out->czm(dy, dx, static_cast<int>(count) + kSpare)) {
+    Workspace<Range> parts(dx);
+    if (!parts) return this->fail("czm", kName);
+    const Size stored = find_block(columns, x, y, Size(dx), Size(y) + dy, parts.data());
+    if (stored > kLargestIntCount - kSpare ||
+        !out->czm(dy, dx, static_cast<int>(stored) + kSpare)) {
         this->adopt_failure_of(*out);
         return this->fail("czm", kName);
     }
+    if (!out->z_cne(static_cast<int>(stored) + 1)) {
+        this->adopt_failure_of(*out);
+        return this->fail("11", kName);
+    }
+    int* const start = SparseInside<Real>::start(*out);
+    const Size count = copy_block(columns, parts.data(), Size(dx), y, start,
+                                  elements_of(SparseInside<Real>::rows(*out)),
+                                  elements_of(SparseInside<Real>::values(*out)));
     if (!out->z_cne(static_cast<int>(count))) {
         this->adopt_failure_of(*out);
         return this->fail("11", kName);
     }
-    Real* const values = elements_of(SparseInside<Real>::values(*out));
-    int* const rows = elements_of(SparseInside<Real>::rows(*out));
-    int* const start = SparseInside<Real>::start(*out);
-    Size to = 0;
-    start[0] = 0;
-    for (Size c = 0; c < dx; ++c) {
-        for_part(c, [&](Size k) {
-            values[to] = columns.values[k];
-            rows[to] = columns.rows[k] - y;
-            ++to;
-        });
-        start[c + 1] = static_cast<int>(to);
-    }
-    return to == count || this->fail("s1[in_dx1]!=k1", kName);
+    return start[dx] == count || this->fail("s1[in_dx1]!=k1", kName);
 }
 
 template <class Real>

@@ -1,6 +1,7 @@
 // SparseMatrix: transposition, arithmetic, statistics. Included by sparse_matrix.cpp alone.
 #pragma once
 
+#include "core/workspace.h"
 #include "kernel/kernel.h"
 #include "nequar_algebra/sparse/sparse_matrix.h"
 #include "sparse/algorithm/compare.h"
@@ -34,7 +35,11 @@ bool SparseMatrix<Real>::t(SparseMatrix* out) const {
         this->adopt_failure_of(*out);
         return this->fail("z_cne", kName);
     }
-    transpose(columns, SparseInside<Real>::start(*out), elements_of(SparseInside<Real>::rows(*out)),
+    // Without the scratch it takes longer, and no more.
+    const Size moved = travellers<Real>(count, columns.height);
+    Workspace<Traveller<Real>> scratch(moved);
+    transpose(columns, moved > 0 ? scratch.data() : nullptr, SparseInside<Real>::start(*out),
+              elements_of(SparseInside<Real>::rows(*out)),
               elements_of(SparseInside<Real>::values(*out)));
     return true;
 }

@@ -83,13 +83,14 @@ bool SparseMatrix<Real>::im(const Matrix<Real>* a) {
     const CNqClass::CallScope scope(this);
     const View<const Real> dense = view_of(a);
     Workspace<int> start(dense.width + 1);
-    if (!start) return this->fail("1", kName);
-    const Size count = count_nonzeros(dense, start.data());
+    Workspace<unsigned char> marks(dense.height * marks_in_row(dense.width));
+    if (!start || !marks) return this->fail("1", kName);
+    const Size count = count_nonzeros(dense, marks.data(), start.data());
     if (count > kLargestIntCount - kSpare ||
         !czm(a->mh(), a->mw(), static_cast<int>(count) + kSpare))
         return this->fail("1", kName);
     if (!this->z_cne(static_cast<int>(count))) return this->fail("3", kName);
-    fill_from_dense(dense, start.data(), elements_of(SparseInside<Real>::rows(*this)),
+    fill_from_dense(dense, marks.data(), start.data(), elements_of(SparseInside<Real>::rows(*this)),
                     elements_of(SparseInside<Real>::values(*this)));
     std::copy(start.data(), start.data() + dense.width + 1, SparseInside<Real>::start(*this));
     return true;
@@ -97,11 +98,13 @@ bool SparseMatrix<Real>::im(const Matrix<Real>* a) {
 
 template <class Real>
 bool SparseMatrix<Real>::ex(Matrix<Real>* a) const {
-    if (a->c_Create(this->mh(), this->mw(), Real(0)) == nullptr) {
+    Workspace<int> next(this->mw());
+    if (!next) return this->fail("1", "ex_Export");
+    if (a->c_Create(this->mh(), this->mw()) == nullptr) {
         this->adopt_failure_of(*a);
         return this->fail("1", "ex_Export");
     }
-    write_to_dense(SparseInside<Real>::columns(*this), view_of(a));
+    write_to_dense(SparseInside<Real>::columns(*this), next.data(), view_of(a));
     return true;
 }
 
@@ -121,17 +124,21 @@ bool SparseMatrix<Real>::ge(int x, int y, Real* value) const {
 
 template <class Real>
 bool SparseMatrix<Real>::se(int x, int y, Real v) {
-    const CNqClass::CallScope scope(this);
-    if (!this->ivip(x, y)) return this->fail("bad index", "se_Set_Element");
-    return this->write_element(x, y, v, "se_Set_Element");
+    return write(x, y, v, "se_Set_Element");
 }
 
 template <class Real>
 bool SparseMatrix<Real>::ace(int x, int y, Real v) {
-    constexpr const char* kName = "ace_Add_Constant_to_an_Element";
+    return write(x, y, v, "ace_Add_Constant_to_an_Element");
+}
+
+template <class Real>
+bool SparseMatrix<Real>::write(int x, int y, Real v, const char* method) {
+    if (x >= 0 && x < this->mw() && y >= 0 && y < this->mh())
+        return this->write_element(x, y, v, method);
     const CNqClass::CallScope scope(this);
-    if (!this->ivip(x, y)) return this->fail("bad index", kName);
-    return this->write_element(x, y, v, kName);
+    this->ivip(x, y);
+    return this->fail("bad index", method);
 }
 
 template <class Real>

@@ -89,13 +89,15 @@ bool SparseVector<Real>::u_toe_Test_Operations_Elementary(int dimension, double 
         if (s.itze() != (zeros > 0) || (s.fize(i) && a[i] != Real(0)))
             return this->fail("14", kName);
 
-        // The place of a zero that is the extremum may not be found; its value is right all the same.
+        // The place of a zero that is the extremum may not be found; its value is right all the
+        // same.
         int place = -1;
         const Real largest = s.max();
         const Real least = s.min();
         if (!is_extremum(true, largest, a.p(), dimension) ||
             !is_extremum(false, least, a.p(), dimension) || s.maxmin(value) != largest ||
-            value != least || (largest > Real(0) && (s.max(&place) != largest || a[place] != largest)))
+            value != least ||
+            (largest > Real(0) && (s.max(&place) != largest || a[place] != largest)))
             return this->fail("1212", kName);
         const DenseStatistics dense = statistics_of(a.p(), dimension);
         Real deviation = 0;

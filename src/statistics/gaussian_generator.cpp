@@ -31,6 +31,8 @@ constexpr const char* kVectors = "gvg_Generate_random_Vectors_Gaussian";
 constexpr const char* kAppendVectors = "avg_Append_random_Vectors_Gaussian";
 constexpr const char* kExtractVectors = "evv_Extract_Valid_random_Vectors";
 
+constexpr Size kPanel = 512;  // vectors that are made at a time
+
 constexpr const char* kBadRange = "bad size or indices";
 constexpr const char* kMismatch = "mismatch between mean and covariance";
 constexpr const char* kShortMask = "size of <CNqVectorBool> is too small";
@@ -204,20 +206,29 @@ bool GaussianGenerator<Real>::rvg_Replace_random_Vectors_Gaussian(
     if (count == 0) return true;
 
     // Vectors as columns, however M keeps them: M = T Z.
-    const TemporaryMatrix<Real> white(dim, count);
-    if (!white) return this->fail(text::kOutOfMemory, kReplaceVectors);
-    generate(Size(dim) * count, white.view().data);
     const View<Real> vectors = by_column ? view_of(&M) : view_of(&M).transposed();
-    if (count == end - begin) {
-        kernel::gemm(Real(1), reading(view_of(&T)), reading(white.view()), kernel::Update::set,
-                     vectors.columns(begin, count));
-        return true;
-    }
-    const TemporaryMatrix<Real> product(by_column ? dim : count, by_column ? count : dim);
-    if (!product) return this->fail(text::kOutOfMemory, kReplaceVectors);
+    const TemporaryMatrix<Real> product(by_column ? dim : kPanel, by_column ? kPanel : dim);
+    const TemporaryMatrix<Real> white(dim, kPanel);
+    if (!white || !product) return this->fail(text::kOutOfMemory, kReplaceVectors);
     const View<Real> made = by_column ? product.view() : product.view().transposed();
-    kernel::gemm(Real(1), reading(view_of(&T)), reading(white.view()), kernel::Update::set, made);
-    scatter_columns(reading(made), chosen, vectors);
+    this->sst_Set_Seed_from_Time();
+    const auto state = static_cast<std::uint32_t>(this->gs_Get_Seed());
+    Size done = 0;
+    Selection rest = chosen;
+    while (done < count) {
+        const Size width = std::min(kPanel, count - done);
+        const Selection part = rest.take(width);
+        const View<Real> z = white.view().columns(0, width);
+        const bool is_whole = part.end - part.begin == width;
+        const View<Real> target =
+            is_whole ? vectors.columns(part.begin, width) : made.columns(0, width);
+        fill_gaussian_panel(done, count, state, z);
+        kernel::gemm(Real(1), reading(view_of(&T)), reading(z), kernel::Update::set, target);
+        if (!is_whole) scatter_columns(reading(target), part, vectors);
+        done += width;
+    }
+    this->ss_Set_Seed(static_cast<int>(
+        state_after(static_cast<std::uint64_t>(dim) * static_cast<std::uint64_t>(count), state)));
     return true;
 }
 

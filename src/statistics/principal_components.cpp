@@ -1,10 +1,12 @@
 #include "nequar_algebra/statistics/principal_components.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "algebra/temporary.h"
 #include "core/twin_name.h"
 #include "core/workspace.h"
+#include "factorization/algorithm/symmetric_eigen.h"
 #include "factorization/outcome_text.h"
 #include "frame/views.h"
 #include "nequar_algebra/frame/message.h"
@@ -21,6 +23,8 @@ constexpr const char* kAnalyseRaw =
 constexpr const char* kInput = "inv_INput_a_Vector <CNqVector>";
 constexpr const char* kInformation = "gi_Get_Information";
 constexpr const char* kReconstruct = "dar_Do_Analysis_and_Reconstruction";
+
+constexpr int kLargestForRotations = 32;
 
 template <class From, class To>
 bool convert_vector(const Vector<From>& from, Vector<To>& to) {
@@ -89,6 +93,31 @@ bool PrincipalComponents<Real>::inv_INput_a_Vector(const CNqVectorInt& x, int* s
 
 // ---- the analysis -------------------------------------------------------------------------------
 
+// Rotations; but they cost ten times as much as QR steps, which large matrices therefore take. From
+// the upper triangle of G. Answers the detail of the failure, null when there is none.
+template <class Real>
+const char* PrincipalComponents<Real>::decompose(const View<Real>& gram, Matrix<Real>& vectors,
+                                                 MatrixDiagonal<Real>& values) {
+    const int order = static_cast<int>(gram.height);
+    if (order <= kLargestForRotations) {
+        MatrixSymmetric<Real> packed;
+        if (!size_packed(&packed, order, order)) return text::kCannotSize;
+        pack_lower(reading(gram).transposed(), packed.p());
+        if (factorization_.devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
+                &packed, &vectors, &values))
+            return nullptr;
+        this->adopt_failure_of(factorization_);
+        return "1";
+    }
+    values.c_Create(order, order);
+    if (vectors.c_Create(order, order) == nullptr || values.vs() != order) return text::kCannotSize;
+    const View<Real> v = view_of(&vectors);
+    std::int64_t steps = 0;
+    return eigen_by_qr_steps(gram, values.p(), &v, sufficient_qr_steps(gram.height), steps)
+               ? nullptr
+               : text::kOutOfMemory;
+}
+
 // Answers the detail of the failure, null when there is none. The outputs are written after the
 // last look at the samples.
 template <class Real>
@@ -111,16 +140,10 @@ const char* PrincipalComponents<Real>::analyse(const View<const Real>& samples, 
         return text::kOutOfMemory;
 
     zet_xm();
-    MatrixSymmetric<Real> packed;
-    if (!size_packed(&packed, static_cast<int>(K), static_cast<int>(K))) return text::kCannotSize;
-    pack_lower(reading(gram.view()), packed.p());
     Matrix<Real> vectors;
     MatrixDiagonal<Real> values;
-    if (!factorization_.devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
-            &packed, &vectors, &values)) {
-        this->adopt_failure_of(factorization_);
-        return "1";
-    }
+    if (const char* detail = decompose(gram.view(), vectors, values); detail != nullptr)
+        return detail;
     if (values.vs() != K || vectors.mh() != K || vectors.mw() != K) return "111";
 
     const KeptEigenvalues<Real> kept = keep_eigenvalues(K, values.p(), ratio);

@@ -9,6 +9,7 @@
 #include "core/workspace.h"
 #include "factorization/outcome_text.h"
 #include "frame/views.h"
+#include "kernel/kernel.h"
 #include "nequar_algebra/frame/gamma.h"
 #include "nequar_algebra/frame/ranker.h"
 #include "statistics/algorithm/density.h"
@@ -178,7 +179,7 @@ bool RandomNumberGeneratorAdvanced<Real>::csd_Compute_Set_of_Distances(const Vec
     if (!point) return this->fail(text::kOutOfMemory, kDistances);
     if (!size_to(static_cast<int>(rows.height), &out))
         return this->fail(text::kCannotSize, kDistances);
-    squared_distances(point.view().data, rows, out.p());
+    kernel::squared_distances(point.view().data, rows, out.p());
     return true;
 }
 

@@ -155,26 +155,27 @@ TYPED_TEST(MatrixProductsTest, MatricesAndVectors) {
     const auto& al = this->algebra;
     struct Case {
         const char* name;
-        std::function<void(const Al&, const Matrix&, const Vector&, Vector*)> accumulate, set;
+        std::function<void(const Al&, const Matrix*, const Vector*, Vector*)> accumulate, set;
         bool transposed;
     };
+#define PRODUCT(accumulate, set, transposed, ...)                                                   \
+    {                                                                                               \
+#accumulate,                                                                                \
+            [](auto& a, auto A, auto x,                                                             \
+               auto                                                                                 \
+                   y) { a.accumulate(__VA_ARGS__, y); },                                            \
+                                                      [](auto& a, auto A, auto x,                   \
+                                                         auto                                       \
+                                                             y) { a.set(__VA_ARGS__, y); },         \
+                                                                                         transposed \
+    }
     const Case cases[] = {
-        {"mmva_Multiply_Matrix_Vector_and_Accumulate",
-         [](auto& a, auto& A, auto& x, auto y) {
-             a.mmva_Multiply_Matrix_Vector_and_Accumulate(&A, &x, y);
-         },
-         [](auto& a, auto& A, auto& x, auto y) { a.mmv_Multiply_Matrix_Vector(&A, &x, y); }, false},
-        {"mvma_Multiply_Vector_Matrix_and_Accumulate",
-         [](auto& a, auto& A, auto& x, auto y) {
-             a.mvma_Multiply_Vector_Matrix_and_Accumulate(&x, &A, y);
-         },
-         [](auto& a, auto& A, auto& x, auto y) { a.mvm_Multiply_Vector_Matrix(&x, &A, y); }, true},
-        {"mvta_Multiply_Vector_Tmatrix_and_Accumulate",
-         [](auto& a, auto& A, auto& x, auto y) {
-             a.mvta_Multiply_Vector_Tmatrix_and_Accumulate(&x, &A, y);
-         },
-         [](auto& a, auto& A, auto& x, auto y) { a.mvt_Multiply_Vector_Tmatrix(&x, &A, y); },
-         false}};
+        PRODUCT(mmva_Multiply_Matrix_Vector_and_Accumulate, mmv_Multiply_Matrix_Vector, false, A,
+                x),
+        PRODUCT(mvma_Multiply_Vector_Matrix_and_Accumulate, mvm_Multiply_Vector_Matrix, true, x, A),
+        PRODUCT(mvta_Multiply_Vector_Tmatrix_and_Accumulate, mvt_Multiply_Vector_Tmatrix, false, x,
+                A)};
+#undef PRODUCT
     for (const auto& [name, accumulate, set, transposed] : cases) {
         for (const auto& shape : {std::array{1, 1}, {4, 7}, {90, 35}, {6, 6}, {3, 0}, {0, 3}}) {
             const int h = shape[0], w = shape[1];
@@ -187,19 +188,17 @@ TYPED_TEST(MatrixProductsTest, MatricesAndVectors) {
                 product(transposed ? transpose_of(A) : of(A), column_of(x), in);
             auto y = random_vector<Real>(out, 3);
             const auto before = y;
-            accumulate(al, A, x, &y);
+            accumulate(al, &A, &x, &y);
             EXPECT_LT(largest_difference(y, out, [&](int i) { return before[i] + expected(i, 0); }),
                       bound<Real>(2 * in))
                 << name;
-            set(al, A, x, &y);
-            EXPECT_LT(largest_difference(y, out, [&](int i) { return expected(i, 0); }),
-                      bound<Real>(2 * in))
-                << name;
-            y = x;
-            set(al, A, y, &y);
-            EXPECT_LT(largest_difference(y, out, [&](int i) { return expected(i, 0); }),
-                      bound<Real>(2 * in))
-                << name << " into x";
+            for (const bool in_place : {false, true}) {
+                if (in_place) y = x;
+                set(al, &A, in_place ? &y : &x, &y);
+                EXPECT_LT(largest_difference(y, out, [&](int i) { return expected(i, 0); }),
+                          bound<Real>(2 * in))
+                    << name << in_place;
+            }
         }
         EXPECT_TRUE(never_failed(al));
         const Al fresh;
@@ -207,12 +206,12 @@ TYPED_TEST(MatrixProductsTest, MatricesAndVectors) {
         auto x = random_vector<Real>(5, 2);
         auto y = random_vector<Real>(2, 3);
         const auto before = y;
-        accumulate(fresh, A, x, &y);
+        accumulate(fresh, &A, &x, &y);
         EXPECT_TRUE(failed_with(fresh, name, "2"));
         EXPECT_TRUE(y == before);
-        accumulate(fresh, A, x, &x);
+        accumulate(fresh, &A, &x, &x);
         EXPECT_TRUE(failed_with(fresh, name, "1"));
-        set(fresh, A, x, &y);
+        set(fresh, &A, &x, &y);
         EXPECT_TRUE(failed_with(fresh, name, "2"));
         EXPECT_EQ(largest_difference(y, transposed ? 4 : 3, [](int) { return 0.0; }), 0) << name;
     }
@@ -325,19 +324,13 @@ TYPED_TEST(MatrixProductsTest, DiagonalFactorsThatDoNotFit) {
     const auto before = C;
     const auto d = random_vector<Real>(3, 3);
     const auto shorter = random_vector<Real>(2, 3);
+    auto& out = C;
+    const auto& kept = before;
+    EXPECT_REFUSED(mmda_Multiply_Matrix_Dmatrix_and_Accumulate, 4, &A, &shorter, &C);
+    EXPECT_REFUSED(mmda_Multiply_Matrix_Dmatrix_and_Accumulate, 3, &A, &d, &C);
+    EXPECT_REFUSED(mmda_Multiply_Matrix_Dmatrix_and_Accumulate, -1, &A, &d, &C);
+    EXPECT_REFUSED(mmda_Multiply_Matrix_Dmatrix_and_Accumulate, 4, &C, &d, &C);
     const char* name = "mmda_Multiply_Matrix_Dmatrix_and_Accumulate";
-    const auto expect_refused = [&] {
-        EXPECT_TRUE(failed_with(al, name, "1"));
-        EXPECT_TRUE(C == before);
-    };
-    al.mmda_Multiply_Matrix_Dmatrix_and_Accumulate(4, &A, &shorter, &C);
-    expect_refused();
-    al.mmda_Multiply_Matrix_Dmatrix_and_Accumulate(3, &A, &d, &C);
-    expect_refused();
-    al.mmda_Multiply_Matrix_Dmatrix_and_Accumulate(-1, &A, &d, &C);
-    expect_refused();
-    al.mmda_Multiply_Matrix_Dmatrix_and_Accumulate(4, &C, &d, &C);
-    expect_refused();
     al.mmd_Multiply_Matrix_Dmatrix(3, &A, &shorter, &C);
     EXPECT_TRUE(failed_with(al, name, "1"));
     EXPECT_EQ(largest_difference(C, 2, 3, [](int, int) { return 0.0; }), 0);

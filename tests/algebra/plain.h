@@ -152,4 +152,30 @@ bool never_failed(const Object& object) {
     return object.grm_Get_Recorded_Message().size() == 0;
 }
 
+// A sum of up to four operands, and what its elements should be. In SUM the operation of `al` and
+// the formula name the operands a, b, c, d and the output.
+template <class Operand>
+struct SumCase {
+    const char* name;
+    std::function<void(const Operand*, const Operand*, const Operand*, const Operand*, Operand*)>
+        run;
+    double (*expected)(double, double, double, double);
+};
+#define SUM(operation, formula)                                                                    \
+    {                                                                                              \
+#operation,                                                                                \
+            [&]([[maybe_unused]] auto a, [[maybe_unused]] auto b, [[maybe_unused]] auto c,         \
+                [[maybe_unused]] auto d,                                                           \
+                auto out) { al.operation; },                                                       \
+                                          []([[maybe_unused]] double a, [[maybe_unused]] double b, \
+                                             [[maybe_unused]] double c, [[maybe_unused]] double d) \
+                                               -> double { return formula; }                       \
+    }
+
+// The operation of `al` records "1" and leaves `out` as `kept`.
+#define EXPECT_REFUSED(method, ...)             \
+    al.method(__VA_ARGS__);                     \
+    EXPECT_TRUE(failed_with(al, #method, "1")); \
+    EXPECT_TRUE(out == kept) << #method
+
 }  // namespace plain

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 
 #include "algebra/plain.h"
@@ -22,49 +21,19 @@ TYPED_TEST(VectorAlgebraTest, SumsAndProductsIntoAnyOperand) {
     using Real = TypeParam;
     using Vector = nequar::Vector<Real>;
     const auto& al = this->algebra;
-    struct Case {
-        const char* name;
-        std::function<void(const Vector*, const Vector*, const Vector*, const Vector*, Vector*)>
-            run;
-        std::function<double(double, double, double, double)> expected;
-    };
-    const Case cases[] = {
-        {"avv", [&](auto a, auto b, auto, auto, auto o) { al.avv_Add_Vector_Vector(a, b, o); },
-         [](double a, double b, double, double) { return a + b; }},
-        {"avv 3",
-         [&](auto a, auto b, auto c, auto, auto o) { al.avv_Add_Vector_Vector(a, b, c, o); },
-         [](double a, double b, double c, double) { return a + b + c; }},
-        {"avv 4",
-         [&](auto a, auto b, auto c, auto d, auto o) { al.avv_Add_Vector_Vector(a, b, c, d, o); },
-         [](double a, double b, double c, double d) { return a + b + c + d; }},
-        {"avvw",
-         [&](auto a, auto b, auto, auto, auto o) {
-             al.avvw_Add_Vector_Vector_with_Weight(a, b, 2, -3, o);
-         },
-         [](double a, double b, double, double) { return 2 * a - 3 * b; }},
-        {"avvw 3",
-         [&](auto a, auto b, auto c, auto, auto o) {
-             al.avvw_Add_Vector_Vector_with_Weight(a, b, c, 2, -3, 5, o);
-         },
-         [](double a, double b, double c, double) { return 2 * a - 3 * b + 5 * c; }},
-        {"avvw 4",
-         [&](auto a, auto b, auto c, auto d, auto o) {
-             al.avvw_Add_Vector_Vector_with_Weight(a, b, c, d, 2, -3, 5, 7, o);
-         },
-         [](double a, double b, double c, double d) { return 2 * a - 3 * b + 5 * c + 7 * d; }},
-        {"svv", [&](auto a, auto b, auto, auto, auto o) { al.svv_Subtract_Vector_Vector(a, b, o); },
-         [](double a, double b, double, double) { return a - b; }},
-        {"mvve",
-         [&](auto a, auto b, auto, auto, auto o) {
-             al.mvve_Multiply_Vector_Vector_Elementwise(a, b, o);
-         },
-         [](double a, double b, double, double) { return a * b; }},
-        {"avc", [&](auto a, auto, auto, auto, auto o) { al.avc_Add_Vector_Constant(a, 3, o); },
-         [](double a, double, double, double) { return a + 3; }},
-        {"mvc", [&](auto a, auto, auto, auto, auto o) { al.mvc_Multiply_Vector_Constant(a, 3, o); },
-         [](double a, double, double, double) { return 3 * a; }},
-    };
-    for (const Case& test : cases)
+    const SumCase<Vector> cases[] = {
+        SUM(avv_Add_Vector_Vector(a, b, out), a + b),
+        SUM(avv_Add_Vector_Vector(a, b, c, out), a + b + c),
+        SUM(avv_Add_Vector_Vector(a, b, c, d, out), a + b + c + d),
+        SUM(avvw_Add_Vector_Vector_with_Weight(a, b, 2, -3, out), 2 * a - 3 * b),
+        SUM(avvw_Add_Vector_Vector_with_Weight(a, b, c, 2, -3, 5, out), 2 * a - 3 * b + 5 * c),
+        SUM(avvw_Add_Vector_Vector_with_Weight(a, b, c, d, 2, -3, 5, 7, out),
+            2 * a - 3 * b + 5 * c + 7 * d),
+        SUM(svv_Subtract_Vector_Vector(a, b, out), a - b),
+        SUM(mvve_Multiply_Vector_Vector_Elementwise(a, b, out), a * b),
+        SUM(avc_Add_Vector_Constant(a, 3, out), a + 3),
+        SUM(mvc_Multiply_Vector_Constant(a, 3, out), 3 * a)};
+    for (const auto& test : cases)
         for (const int n : {0, 1, 7, 600, 1025})  // around the chunk of the sums
             for (int target = 0; target < 5; ++target) {
                 Vector v[5];
@@ -96,31 +65,18 @@ TYPED_TEST(VectorAlgebraTest, DifferentSizesAreReportedAndNothingIsTouched) {
     const auto b = random_vector<Real>(5, 2);
     auto out = vector<Real>({7, 8, 9});
     const auto kept = out;
-    const auto expect = [&](const char* name) {
-        EXPECT_TRUE(failed_with(al, name, "1"));
-        EXPECT_TRUE(out == kept) << name;
-    };
-    al.avv_Add_Vector_Vector(&a, &b, &out);
-    expect("avv_Add_Vector_Vector");
-    al.svv_Subtract_Vector_Vector(&a, &b, &out);
-    expect("svv_Subtract_Vector_Vector");
-    al.mvve_Multiply_Vector_Vector_Elementwise(&a, &b, &out);
-    expect("mvve_Multiply_Vector_Vector_Elementwise");
-    al.avvw_Add_Vector_Vector_with_Weight(&b, &a, 1, 2, &out);
-    expect("avvw_Add_Vector_Vector_with_Weight");
-    al.avv_Add_Vector_Vector(&a, &a, &b, &out);
-    expect("avv_Add_Vector_Vector");
-    al.avv_Add_Vector_Vector(&a, &a, &a, &b, &out);
-    expect("avv_Add_Vector_Vector");
-    al.avvw_Add_Vector_Vector_with_Weight(&a, &a, &b, 1, 2, 3, &out);
-    expect("avvw_Add_Vector_Vector_with_Weight");
-    al.avvw_Add_Vector_Vector_with_Weight(&a, &a, &a, &b, 1, 2, 3, 4, &out);
-    expect("avvw_Add_Vector_Vector_with_Weight");
+    EXPECT_REFUSED(avv_Add_Vector_Vector, &a, &b, &out);
+    EXPECT_REFUSED(svv_Subtract_Vector_Vector, &a, &b, &out);
+    EXPECT_REFUSED(mvve_Multiply_Vector_Vector_Elementwise, &a, &b, &out);
+    EXPECT_REFUSED(avvw_Add_Vector_Vector_with_Weight, &b, &a, 1, 2, &out);
+    EXPECT_REFUSED(avv_Add_Vector_Vector, &a, &a, &b, &out);
+    EXPECT_REFUSED(avv_Add_Vector_Vector, &a, &a, &a, &b, &out);
+    EXPECT_REFUSED(avvw_Add_Vector_Vector_with_Weight, &a, &a, &b, 1, 2, 3, &out);
+    EXPECT_REFUSED(avvw_Add_Vector_Vector_with_Weight, &a, &a, &a, &b, 1, 2, 3, 4, &out);
     EXPECT_EQ(al.ds_Distance_Squared_between_two_points(&a, &b), Real(-1));
-    expect("ds_Distance_Squared_between_two_points");
+    EXPECT_TRUE(failed_with(al, "ds_Distance_Squared_between_two_points", "1"));
     // A later operand that is the output keeps its elements, too.
-    al.avv_Add_Vector_Vector(&a, &b, &out, &out);
-    expect("avv_Add_Vector_Vector");
+    EXPECT_REFUSED(avv_Add_Vector_Vector, &a, &b, &out, &out);
 }
 
 TYPED_TEST(VectorAlgebraTest, Scalars) {
@@ -168,28 +124,23 @@ TYPED_TEST(VectorAlgebraTest, GeometryChecksSizesInOrder) {
     const Vector p3 = random_vector<Real>(3, 2);
     Vector out = vector<Real>({7, 8, 9, 10, 11});
     const Vector kept = out;
-    const auto expect = [&](bool result, const char* name, const char* detail) {
-        EXPECT_FALSE(result);
-        EXPECT_TRUE(failed_with(al, name, detail));
-        EXPECT_TRUE(out == kept) << name;
-    };
-    const char* name = "pv3_Product_Vector_of_vector_3D";
-    expect(al.pv3_Product_Vector_of_vector_3D(&p2, &p2, &out), name, "1");
-    expect(al.pv3_Product_Vector_of_vector_3D(&p3, &p2, &out), name, "2");
-    name = "nvt_Normal_Vector_of_Triangle_3D";
-    expect(al.nvt_Normal_Vector_of_Triangle_3D(&p2, &p2, &p3, &out), name, "1");
-    expect(al.nvt_Normal_Vector_of_Triangle_3D(&p3, &p2, &p2, &out), name, "2");
-    expect(al.nvt_Normal_Vector_of_Triangle_3D(&p3, &p3, &p2, &out), name, "3");
-    name = "fp_Find_Plane_equation_of_triangle_3D";
-    expect(al.fp_Find_Plane_equation_of_triangle_3D(&p2, &p2, &p3, &out), name, "1");
-    expect(al.fp_Find_Plane_equation_of_triangle_3D(&p3, &p2, &p2, &out), name, "2");
-    expect(al.fp_Find_Plane_equation_of_triangle_3D(&p3, &p3, &p2, &out), name, "3");
-    name = "fl_Find_Line_equation_of_segment_2D";
-    expect(al.fl_Find_Line_equation_of_segment_2D(&p3, &p3, &out), name, "1");
-    expect(al.fl_Find_Line_equation_of_segment_2D(&p2, &p3, &out), name, "2");
-    name = "nvs_Normal_Vector_of_Segment_2D";
-    expect(al.nvs_Normal_Vector_of_Segment_2D(&p3, &p3, &out), name, "1");
-    expect(al.nvs_Normal_Vector_of_Segment_2D(&p2, &p3, &out), name, "2");
+#define EXPECT_FALSE_WITH(detail, method, ...)     \
+    EXPECT_FALSE(al.method(__VA_ARGS__, &out));    \
+    EXPECT_TRUE(failed_with(al, #method, detail)); \
+    EXPECT_TRUE(out == kept)
+    EXPECT_FALSE_WITH("1", pv3_Product_Vector_of_vector_3D, &p2, &p2);
+    EXPECT_FALSE_WITH("2", pv3_Product_Vector_of_vector_3D, &p3, &p2);
+    EXPECT_FALSE_WITH("1", nvt_Normal_Vector_of_Triangle_3D, &p2, &p2, &p3);
+    EXPECT_FALSE_WITH("2", nvt_Normal_Vector_of_Triangle_3D, &p3, &p2, &p2);
+    EXPECT_FALSE_WITH("3", nvt_Normal_Vector_of_Triangle_3D, &p3, &p3, &p2);
+    EXPECT_FALSE_WITH("1", fp_Find_Plane_equation_of_triangle_3D, &p2, &p2, &p3);
+    EXPECT_FALSE_WITH("2", fp_Find_Plane_equation_of_triangle_3D, &p3, &p2, &p2);
+    EXPECT_FALSE_WITH("3", fp_Find_Plane_equation_of_triangle_3D, &p3, &p3, &p2);
+    EXPECT_FALSE_WITH("1", fl_Find_Line_equation_of_segment_2D, &p3, &p3);
+    EXPECT_FALSE_WITH("2", fl_Find_Line_equation_of_segment_2D, &p2, &p3);
+    EXPECT_FALSE_WITH("1", nvs_Normal_Vector_of_Segment_2D, &p3, &p3);
+    EXPECT_FALSE_WITH("2", nvs_Normal_Vector_of_Segment_2D, &p2, &p3);
+#undef EXPECT_FALSE_WITH
 }
 
 TYPED_TEST(VectorAlgebraTest, GeometryIntoItsOwnOperands) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <numeric>
 #include <vector>
 
 #include "factorization/algorithm/lu.h"
@@ -25,23 +26,23 @@ struct Lu {
     Outcome outcome;
 };
 
-template <class Real>
-Lu<Real> lu_of(const Matrix<Real>& input, LuBlocking blocking = {}) {
-    Lu<Real> lu;
-    lu.a = input;
-    lu.perm.assign(static_cast<std::size_t>(input.mh()), -7);
-    lu.outcome =
-        lu_before_update_in_place(view_of(&lu.a), lu.perm.data(), lu.interchanges, blocking);
+template <class Real, class Factor>
+Lu<Real> factored(const Matrix<Real>& input, Factor factor) {
+    Lu<Real> lu{input, std::vector<int>(static_cast<std::size_t>(input.mh()), -7), -1, {}};
+    lu.outcome = factor(view_of(&lu.a), lu.perm.data(), lu.interchanges);
     return lu;
 }
-
+template <class Real>
+Lu<Real> lu_of(const Matrix<Real>& input, LuBlocking blocking = {}) {
+    return factored(input, [&](auto a, int* perm, int& interchanges) {
+        return lu_before_update_in_place(a, perm, interchanges, blocking);
+    });
+}
 template <class Real>
 Lu<Real> lu_partial_of(const Matrix<Real>& input, LuPartialBlocking blocking = {}) {
-    Lu<Real> lu;
-    lu.a = input;
-    lu.perm.assign(static_cast<std::size_t>(input.mh()), -7);
-    lu.outcome = lu_partial_in_place(view_of(&lu.a), lu.perm.data(), lu.interchanges, blocking);
-    return lu;
+    return factored(input, [&](auto a, int* perm, int& interchanges) {
+        return lu_partial_in_place(a, perm, interchanges, blocking);
+    });
 }
 
 template <class Real>
@@ -84,25 +85,19 @@ TYPED_TEST(LuAlgorithm, PivotOrderIsKnownFromTheInput) {
                     if (j % 13 == 5 || u < -0.8) a[i][j] = nan;
                     if (kind == 4 && u > 0.9) a[i][j] = u > 0.95 ? infinity : -infinity;
                 }
-            // The pivots do not depend on the elimination, so a scheme that goes on past zero
-            // pivots on the bare columns gives the order.
-            std::vector<int> expected;
-            for (int i = 0; i < n; ++i) expected.push_back(i);
+            // The pivots do not depend on the elimination: the last largest of each bare column.
+            std::vector<int> expected(static_cast<std::size_t>(n));
+            std::iota(expected.begin(), expected.end(), 0);
             int exchanges = 0;
             for (int j = 0; j < n; ++j) {
                 int r = j;
-                Real max = 0;
-                for (int i = j; i < n; ++i) {
-                    const Real x = std::abs(a[expected[static_cast<std::size_t>(i)]][j]);
-                    if (x >= max) {
-                        r = i;
-                        max = x;
-                    }
+                for (int i = j, best = -1; i < n; ++i) {
+                    const Real x = std::abs(a[expected[std::size_t(i)]][j]);
+                    if (best < 0 ? x >= 0 : x >= std::abs(a[expected[std::size_t(best)]][j]))
+                        r = best = i;
                 }
-                if (r == j) continue;
-                std::swap(expected[static_cast<std::size_t>(r)],
-                          expected[static_cast<std::size_t>(j)]);
-                ++exchanges;
+                std::swap(expected[std::size_t(r)], expected[std::size_t(j)]);
+                exchanges += r != j;
             }
             std::vector<int> perm(static_cast<std::size_t>(n), -1);
             int interchanges = -1;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/view.h"
+#include "factorization/algorithm/reflector.h"
 
 namespace nequar::testing {
 
@@ -75,15 +76,64 @@ double product_residual(View<const Real> a, View<const Real> b, View<const Real>
     return double(worst / scale / Wide(size + 1) / Wide(std::numeric_limits<Real>::epsilon()));
 }
 
+template <class Real>
+void set_identity(View<Real> q) {
+    for (Size i = 0; i < q.height; ++i)
+        for (Size j = 0; j < q.width; ++j) q(i, j) = i == j;
+}
+
 // max |Q^T Q - I| / (size eps)
 template <class Real>
 double orthogonality(View<const Real> q) {
     Dense<Real> identity(q.width, q.width);
-    for (Size i = 0; i < q.width; ++i) identity(i, i) = 1;
+    set_identity(identity.view());
     if (q.width == 0) return 0;
     return product_residual<Real>(identity.view(), q.transposed(), q) * double(q.width + 1) /
            double(q.height + 1);
 }
+
+// The largest difference of elements; NaN when something is not a number.
+template <class Real>
+double largest_gap(const Dense<Real>& a, const Dense<Real>& b) {
+    double largest = 0;
+    for (std::size_t i = 0; i < a.elements.size(); ++i) {
+        const double gap = std::abs(double(a.elements[i]) - double(b.elements[i]));
+        if (!(gap <= largest)) largest = gap;
+        if (std::isnan(largest)) return largest;
+    }
+    return largest;
+}
+
+// One step as it is stated: the reflector of column k of A, rows `first` and below, in the unit
+// form, applied to the columns from k on and to Q from the right. The elements that it annihilates
+// keep their values. Without a reflection nothing changes.
+template <class Real>
+struct StatedReflection {
+    Size first;
+    std::vector<Real> v;
+    Real beta;
+
+    StatedReflection(View<Real> a, Size first_row, Size k, View<Real> q) : first(first_row) {
+        for (Size i = first; i < a.height; ++i) v.push_back(a(i, k));
+        beta = householder_vector(Strided<Real>(v.data(), a.height - first), Size(0));
+        if (!(beta > 0)) return;
+        for (Size j = k; j < a.width; ++j) {
+            Real w = 0;
+            for (Size i = first; i < a.height; ++i) w += a(i, j) * at(i);
+            for (Size i = first; i < a.height; ++i)
+                if (i == first || j > k) a(i, j) -= beta * w * at(i);
+        }
+        apply_from_right(q);
+    }
+    void apply_from_right(View<Real> a) const {
+        for (Size i = 0; i < a.height && beta > 0; ++i) {
+            Real w = 0;
+            for (Size j = first; j < a.width; ++j) w += a(i, j) * at(j);
+            for (Size j = first; j < a.width; ++j) a(i, j) -= beta * w * at(j);
+        }
+    }
+    Real at(Size i) const { return v[std::size_t(i - first)]; }
+};
 
 // The matrix whose elements on and above the diagonal are those of R.
 template <class Real>

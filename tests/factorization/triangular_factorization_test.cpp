@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "nequar_algebra/factorization.h"
+#include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
@@ -43,16 +44,9 @@ protected:
         return a;
     }
 
-    // "Class::method: detail" lines, innermost first.
-    std::string chain(std::initializer_list<const char*> records) const {
-        std::string text;
-        for (const char* record : records) {
-            if (!text.empty()) text += '\n';
-            text += std::is_same_v<Real, float> ? "LCNqUtility_for_MatrixFloat_Factorization::"
-                                                : "LCNqUtility_for_Matrix_Factorization::";
-            text += record;
-        }
-        return text;
+    void expect_refused(bool result, std::initializer_list<std::string> records) const {
+        EXPECT_FALSE(result);
+        EXPECT_EQ(trace(), test::chain(factorization, records));
     }
     std::string trace() const { return factorization.gft_Get_Failure_Trace().c_str(); }
 
@@ -101,9 +95,9 @@ TYPED_TEST(TriangularFactorizations, CroutOnTextbookMatrices) {
 TYPED_TEST(TriangularFactorizations, CroutRefusesWhatPartialPivotingSolves) {
     const auto regular = this->dense({{4, 4, 1}, {2, 1, 1}, {2, 2, 3}});
     const auto& f = this->factorization;
-    EXPECT_FALSE(f.dluc_Decompose_into_LU_matrices_by_Crout(&regular, &this->l, &this->u,
-                                                            &this->perm, this->interchanges));
-    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "singular", CROUT "1"}));
+    this->expect_refused(f.dluc_Decompose_into_LU_matrices_by_Crout(
+                             &regular, &this->l, &this->u, &this->perm, this->interchanges),
+                         {"u_" CROUT "singular", CROUT "1"});
     EXPECT_EQ(f.ged_Get_Error_Detail(), "1");
     ASSERT_TRUE(f.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
         &regular, &this->l, &this->u, &this->perm, this->interchanges));
@@ -152,26 +146,24 @@ TYPED_TEST(TriangularFactorizations, RefusedShapesTouchNothing) {
     const Matrix<Real> kept = wide;
     this->perm.c_Create(7, 5);
     const auto& f = this->factorization;
-    EXPECT_FALSE(
-        f.u_dluc_Decompose_into_LU_matrices_by_Crout(&wide, &this->perm, this->interchanges));
-    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "non-square"}));
-    EXPECT_FALSE(f.dluc_Decompose_into_LU_matrices_by_Crout(&wide, &this->l, &this->u, &this->perm,
-                                                            this->interchanges));
-    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "non-square", CROUT "1"}));
-    EXPECT_FALSE(f.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
-        &wide, &this->l, &this->u, &this->perm, this->interchanges));
-    EXPECT_EQ(this->trace(), this->chain({"u_" PARTIAL "non-square", PARTIAL "1"}));
+    this->expect_refused(
+        f.u_dluc_Decompose_into_LU_matrices_by_Crout(&wide, &this->perm, this->interchanges),
+        {"u_" CROUT "non-square"});
+    this->expect_refused(f.dluc_Decompose_into_LU_matrices_by_Crout(
+                             &wide, &this->l, &this->u, &this->perm, this->interchanges),
+                         {"u_" CROUT "non-square", CROUT "1"});
+    this->expect_refused(f.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
+                             &wide, &this->l, &this->u, &this->perm, this->interchanges),
+                         {"u_" PARTIAL "non-square", PARTIAL "1"});
     EXPECT_FALSE(f.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&wide, &this->perm,
                                                                            this->interchanges));
-    EXPECT_FALSE(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &wide));
-    EXPECT_EQ(this->trace(), this->chain({"u_" CHOLESKY "non-square matrix"}));
+    this->expect_refused(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &wide),
+                         {"u_" CHOLESKY "non-square matrix"});
     Real determinant = 7;
     Real condition = 8;
-    EXPECT_FALSE(f.d_Determinant(&wide, determinant));
-    EXPECT_EQ(this->trace(), this->chain({"d_Determinant: not square"}));
-    EXPECT_FALSE(f.ecn_Estimate_Condition_Number(&wide, condition));
-    EXPECT_EQ(this->trace(),
-              this->chain({"u_" PARTIAL "non-square", "ecn_Estimate_Condition_Number: 1"}));
+    this->expect_refused(f.d_Determinant(&wide, determinant), {"d_Determinant: not square"});
+    this->expect_refused(f.ecn_Estimate_Condition_Number(&wide, condition),
+                         {"u_" PARTIAL "non-square", "ecn_Estimate_Condition_Number: 1"});
     EXPECT_EQ(determinant, Real(7));
     EXPECT_EQ(condition, Real(8));
     EXPECT_EQ(wide, kept);
@@ -181,9 +173,9 @@ TYPED_TEST(TriangularFactorizations, RefusedShapesTouchNothing) {
 
     // Packed factors of an empty matrix cannot be had; nothing else is refused.
     const Matrix<Real> empty;
-    EXPECT_FALSE(f.dluc_Decompose_into_LU_matrices_by_Crout(&empty, &this->l, &this->u, &this->perm,
-                                                            this->interchanges));
-    EXPECT_EQ(this->trace(), this->chain({CROUT "cannot size the output"}));
+    this->expect_refused(f.dluc_Decompose_into_LU_matrices_by_Crout(
+                             &empty, &this->l, &this->u, &this->perm, this->interchanges),
+                         {CROUT "cannot size the output"});
     EXPECT_TRUE(f.d_Determinant(&empty, determinant));
     EXPECT_EQ(determinant, Real(1));
     EXPECT_TRUE(f.ecn_Estimate_Condition_Number(&empty, condition));
@@ -199,8 +191,9 @@ TYPED_TEST(TriangularFactorizations, SingularState) {
     ASSERT_EQ(stated.zero_pivot, 1);
     const auto& f = this->factorization;
     Matrix<Real> a = input;
-    EXPECT_FALSE(f.u_dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->perm, this->interchanges));
-    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "singular"}));
+    this->expect_refused(
+        f.u_dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->perm, this->interchanges),
+        {"u_" CROUT "singular"});
     EXPECT_EQ(a, stated.a);
     this->perm.c_Create(1);
     this->interchanges = -1;
@@ -216,9 +209,9 @@ TYPED_TEST(TriangularFactorizations, SingularState) {
 
     // Partial pivoting finishes: P A = L U with a zero on the diagonal of U.
     a = input;
-    EXPECT_FALSE(f.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&a, &this->perm,
-                                                                           this->interchanges));
-    EXPECT_EQ(this->trace(), this->chain({"u_" PARTIAL "singular"}));
+    this->expect_refused(f.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
+                             &a, &this->perm, this->interchanges),
+                         {"u_" PARTIAL "singular"});
     EXPECT_EQ(a[1][1], Real(0));
 }
 
@@ -264,9 +257,8 @@ TYPED_TEST(TriangularFactorizations, CholeskyRefusals) {
     const auto semidefinite = this->symmetric(this->dense({{1, 1}, {1, 1}}));
     this->l.c_Create(3, 3, Real(5));
     for (const auto* a : {&indefinite, &semidefinite}) {
-        EXPECT_FALSE(f.dch_Decompose_matrix_by_Cholesky_algorithm(a, &this->l));
-        EXPECT_EQ(this->trace(),
-                  this->chain({"u_" CHOLESKY "non-positive definite", CHOLESKY "1"}));
+        this->expect_refused(f.dch_Decompose_matrix_by_Cholesky_algorithm(a, &this->l),
+                             {"u_" CHOLESKY "non-positive definite", CHOLESKY "1"});
         EXPECT_FALSE(f.dch_Decompose_matrix_by_Cholesky_algorithm(a, &this->u));
         EXPECT_EQ(this->l.mh(), 3);
     }
@@ -286,8 +278,8 @@ TYPED_TEST(TriangularFactorizations, CholeskyRefusals) {
     // Someone resized the vector under the matrix: its elements are not read.
     auto broken = this->symmetric(test::identity_of<Real>(4));
     static_cast<Vector<Real>&>(broken).c_Create(3);
-    EXPECT_FALSE(f.dch_Decompose_matrix_by_Cholesky_algorithm(&broken, &this->l));
-    EXPECT_EQ(this->trace(), this->chain({CHOLESKY "bad input"}));
+    this->expect_refused(f.dch_Decompose_matrix_by_Cholesky_algorithm(&broken, &this->l),
+                         {CHOLESKY "bad input"});
     EXPECT_FALSE(silent.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&broken));
     Real determinant = 0;
     EXPECT_FALSE(f.d_Determinant(&broken, determinant));
@@ -316,17 +308,17 @@ TYPED_TEST(TriangularFactorizations, Determinants) {
     const auto singular = this->dense({{1, 2}, {2, 4}});
     const auto packed = this->symmetric(singular);
     determinant = 5;
-    EXPECT_FALSE(f.d_Determinant(&singular, determinant));
-    EXPECT_EQ(this->trace(), this->chain({"u_" CROUT "singular", "d_Determinant: 1"}));
+    this->expect_refused(f.d_Determinant(&singular, determinant),
+                         {"u_" CROUT "singular", "d_Determinant: 1"});
     EXPECT_FALSE(f.d_Determinant(&packed, determinant));
     EXPECT_EQ(determinant, Real(5));
     EXPECT_EQ(f.d_Determinant(&packed), Real(0));
     EXPECT_EQ(f.d_Determinant(&singular), Real(0));
     EXPECT_EQ(this->trace(),
-              this->chain({"u_" CROUT "singular", "d_Determinant: 1", "d_Determinant: 1"}));
+              test::chain(f, {"u_" CROUT "singular", "d_Determinant: 1", "d_Determinant: 1"}));
     const auto wide = test::random_matrix<Real>(2, 3);
     EXPECT_EQ(f.d_Determinant(&wide), Real(0));
-    EXPECT_EQ(this->trace(), this->chain({"d_Determinant: not square", "d_Determinant: 1"}));
+    EXPECT_EQ(this->trace(), test::chain(f, {"d_Determinant: not square", "d_Determinant: 1"}));
 }
 
 TYPED_TEST(TriangularFactorizations, ConditionNumber) {
@@ -341,9 +333,8 @@ TYPED_TEST(TriangularFactorizations, ConditionNumber) {
     EXPECT_NEAR(condition, 28375, 28375 * 1e5 * test::kEpsilon<Real>);
     condition = 3;
     const auto singular = this->dense({{1, 2}, {2, 4}});
-    EXPECT_FALSE(f.ecn_Estimate_Condition_Number(&singular, condition));
-    EXPECT_EQ(this->trace(),
-              this->chain({"u_" PARTIAL "singular", "ecn_Estimate_Condition_Number: 1"}));
+    this->expect_refused(f.ecn_Estimate_Condition_Number(&singular, condition),
+                         {"u_" PARTIAL "singular", "ecn_Estimate_Condition_Number: 1"});
     EXPECT_EQ(condition, Real(3));
     auto nan = test::random_matrix<Real>(5, 5);
     nan[2][2] = std::numeric_limits<Real>::quiet_NaN();

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -67,8 +68,8 @@ template <class Real>
 std::string described(const Table<Real>* table) {
     return table->name;
 }
-template <class Shape>
-std::string described(const Shape& shape) {
+template <std::size_t rank>
+std::string described(const std::array<Size, rank>& shape) {
     std::string text;
     for (const Size size : shape) text += (text.empty() ? "" : "x") + std::to_string(size);
     return text;

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "nequar_algebra/linear_equation.h"
+#include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
-#include "support/stated_schemes.h"
 
 namespace nequar {
 namespace {
@@ -24,47 +24,20 @@ protected:
         b = test::random_matrix<Real>(n, k, 8);
     }
 
-    bool solve(int method, const Matrix<Real>* right, Matrix<Real>* out) const {
-        switch (method) {
-            case 0:
-                return solver.slu_Solve_based_on_LUD(&a, right, out);
-            case 1:
-                return solver.slup_Solve_based_on_LUP(&a, right, out);
-            case 2:
-                return solver.sll_Solve_based_on_LLD(&s, right, out);
-            case 3:
-                return solver.suu_Solve_based_on_UUD(&s, right, out);
-            default:
-                return solver.sgj_Solve_based_on_GJE(&a, right, out);
-        }
-    }
-    bool solve(int method, const Vector<Real>* right, Vector<Real>* out) const {
-        switch (method) {
-            case 0:
-                return solver.slu_Solve_based_on_LUD(&a, right, out);
-            case 1:
-                return solver.slup_Solve_based_on_LUP(&a, right, out);
-            case 2:
-                return solver.sll_Solve_based_on_LLD(&s, right, out);
-            case 3:
-                return solver.suu_Solve_based_on_UUD(&s, right, out);
-            default:
-                return solver.sgj_Solve_based_on_GJE(&a, right, out);
-        }
+    template <class Right>
+    bool solve(int method, const Right* right, Right* out) const {
+        if (method == 0) return solver.slu_Solve_based_on_LUD(&a, right, out);
+        if (method == 1) return solver.slup_Solve_based_on_LUP(&a, right, out);
+        if (method == 2) return solver.sll_Solve_based_on_LLD(&s, right, out);
+        if (method == 3) return solver.suu_Solve_based_on_UUD(&s, right, out);
+        return solver.sgj_Solve_based_on_GJE(&a, right, out);
     }
     bool invert(int method, Matrix<Real>* out) const {
-        switch (method) {
-            case 0:
-                return solver.ilu_Inverse_matrix_based_on_LUD(&a, out);
-            case 1:
-                return solver.ilup_Inverse_matrix_based_on_LUP(&a, out);
-            case 2:
-                return solver.ill_Inverse_matrix_based_on_LLD(&s, out);
-            case 3:
-                return solver.iuu_Inverse_matrix_based_on_UUD(&s, out);
-            default:
-                return solver.igj_Inverse_matrix_based_on_GJE(&a, out);
-        }
+        if (method == 0) return solver.ilu_Inverse_matrix_based_on_LUD(&a, out);
+        if (method == 1) return solver.ilup_Inverse_matrix_based_on_LUP(&a, out);
+        if (method == 2) return solver.ill_Inverse_matrix_based_on_LLD(&s, out);
+        if (method == 3) return solver.iuu_Inverse_matrix_based_on_UUD(&s, out);
+        return solver.igj_Inverse_matrix_based_on_GJE(&a, out);
     }
     static constexpr int kMethods = 5;
 
@@ -75,15 +48,13 @@ protected:
                solver.dch_Decompose_matrix_by_Cholesky_algorithm(&s, &uu);
     }
 
-    std::string chain(std::initializer_list<const char*> records) const {
-        std::string text;
-        for (const char* record : records) {
-            if (!text.empty()) text += '\n';
-            text += std::is_same_v<Real, float> ? "LCNqUtility_for_Linear_Equation_Float::"
-                                                : "LCNqUtility_for_Linear_Equation::";
-            text += record;
-        }
-        return text;
+    std::string chain(std::initializer_list<std::string> records) const {
+        return test::chain(solver, records);
+    }
+    // What the call leaves behind: false, and these records.
+    void expect_refused(bool result, std::initializer_list<std::string> records) const {
+        EXPECT_FALSE(result);
+        EXPECT_EQ(trace(), chain(records));
     }
     std::string trace() const { return solver.gft_Get_Failure_Trace().c_str(); }
 
@@ -262,33 +233,24 @@ TYPED_TEST(TriangularSolvers, ChainsOfRecords) {
     EXPECT_EQ(f.gcn_Get_Class_Name(),
               (std::is_same_v<Real, float> ? "LCNqUtility_for_Linear_Equation_Float"
                                            : "LCNqUtility_for_Linear_Equation"));
-    const char* const crout = "u_dluc_Decompose_into_LU_matrices_by_Crout: ";
-    const char* const partial = "u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting: ";
-    const auto with = [](const char* name, const char* detail) {
-        return std::string(name) + detail;
-    };
+    const std::string crout = "u_dluc_Decompose_into_LU_matrices_by_Crout: ";
+    const std::string partial = "u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting: ";
+    const std::string cholesky = "u_dch_Decompose_matrix_by_Cholesky_algorithm: ";
     struct Case {
         int method;
-        std::string shape;     // what a matrix that is not square leaves before the method's "1"
-        std::string singular;  // likewise a singular one
-        const char* outer;
-        const char* solve;
-        const char* solver;
+        std::string reduce, factor, solve, solver;
+        const char* singular;
     };
     const Case cases[] = {
-        {0, with(crout, "non-square"), with(crout, "singular"),
-         "dluc_Decompose_into_LU_matrices_by_Crout: 1", "u_slu_Solve_based_on_LUD: 1",
-         "slu_Solve_based_on_LUD: "},
-        {1, with(partial, "non-square"), with(partial, "singular"),
-         "dlup_Decompose_into_LU_matrices_with_Partial_pivoting: 1", "u_slu_Solve_based_on_LUD: 1",
-         "slup_Solve_based_on_LUP: "},
-        {2, "", "u_dch_Decompose_matrix_by_Cholesky_algorithm: non-positive definite",
-         "dch_Decompose_matrix_by_Cholesky_algorithm: 1", "u_sll_Solve_based_on_LLD: 1",
-         "sll_Solve_based_on_LLD: "},
-        {3, "", "u_dch_Decompose_matrix_by_Cholesky_algorithm: non-positive definite",
-         "dch_Decompose_matrix_by_Cholesky_algorithm: 1", "u_suu_Solve_based_on_UUD: 1",
-         "suu_Solve_based_on_UUD: "}};
-    for (const int n : {2, 40}) {
+        {0, crout, "dluc_Decompose_into_LU_matrices_by_Crout: 1", "u_slu_Solve_based_on_LUD: 1",
+         "slu_Solve_based_on_LUD: ", "singular"},
+        {1, partial, "dlup_Decompose_into_LU_matrices_with_Partial_pivoting: 1",
+         "u_slu_Solve_based_on_LUD: 1", "slup_Solve_based_on_LUP: ", "singular"},
+        {2, cholesky, "dch_Decompose_matrix_by_Cholesky_algorithm: 1",
+         "u_sll_Solve_based_on_LLD: 1", "sll_Solve_based_on_LLD: ", "non-positive definite"},
+        {3, cholesky, "dch_Decompose_matrix_by_Cholesky_algorithm: 1",
+         "u_suu_Solve_based_on_UUD: 1", "suu_Solve_based_on_UUD: ", "non-positive definite"}};
+    for (const int n : {2, 40})
         for (const Case& c : cases) {
             Matrix<Real> x = test::random_matrix<Real>(1, 2);
             const Matrix<Real> kept = x;
@@ -296,9 +258,8 @@ TYPED_TEST(TriangularSolvers, ChainsOfRecords) {
             this->prepare(n, 2);
             for (int i = 0; i < n; ++i) this->a[i][n - 1] = this->a[n - 1][i] = 0;
             this->s.i_Import(&this->a);
-            EXPECT_FALSE(this->solve(c.method, &this->b, &x));
-            EXPECT_EQ(this->trace(),
-                      this->chain({c.singular.c_str(), c.outer, with(c.solver, "1").c_str()}));
+            this->expect_refused(this->solve(c.method, &this->b, &x),
+                                 {c.reduce + c.singular, c.factor, c.solver + "1"});
             EXPECT_EQ(f.ged_Get_Error_Detail(), "1");
             // Right-hand sides of the wrong size.
             this->prepare(n, 2);
@@ -306,37 +267,30 @@ TYPED_TEST(TriangularSolvers, ChainsOfRecords) {
             const Vector<Real> none;
             Vector<Real> y;
             y.c_Create(3, Real(4));
-            EXPECT_FALSE(this->solve(c.method, &longer, &x));
-            EXPECT_EQ(this->trace(), this->chain({c.solve, with(c.solver, "2").c_str()}));
-            EXPECT_FALSE(this->solve(c.method, &none, &y));
-            EXPECT_EQ(this->trace(), this->chain({c.solve, with(c.solver, "2").c_str()}));
+            this->expect_refused(this->solve(c.method, &longer, &x), {c.solve, c.solver + "2"});
+            this->expect_refused(this->solve(c.method, &none, &y), {c.solve, c.solver + "2"});
             EXPECT_EQ(y.vs(), 3);
             EXPECT_EQ(x, kept);
-            if (c.shape.empty()) continue;
+            if (c.reduce == cholesky) continue;
             this->a = test::random_matrix<Real>(n, n + 1);
-            EXPECT_FALSE(this->solve(c.method, &this->b, &x));
-            EXPECT_EQ(this->trace(),
-                      this->chain({c.shape.c_str(), c.outer, with(c.solver, "1").c_str()}));
+            this->expect_refused(this->solve(c.method, &this->b, &x),
+                                 {c.reduce + "non-square", c.factor, c.solver + "1"});
         }
-    }
     // Inverses, and no right-hand side at all.
     Matrix<Real> x = test::random_matrix<Real>(1, 2);
     this->prepare(3, 0);
-    EXPECT_FALSE(this->solve(0, &this->b, &x));
-    EXPECT_EQ(this->trace(),
-              this->chain({"u_slu_Solve_based_on_LUD: 1", "slu_Solve_based_on_LUD: 2"}));
+    this->expect_refused(this->solve(0, &this->b, &x),
+                         {"u_slu_Solve_based_on_LUD: 1", "slu_Solve_based_on_LUD: 2"});
     EXPECT_TRUE(this->solve(2, &this->b, &x));
     EXPECT_EQ(x.mw(), 0);
     this->a.c_Create(3, 3, Real(0));
     this->s.i_Import(&this->a);
-    EXPECT_FALSE(this->invert(0, &x));
-    EXPECT_EQ(this->trace(), this->chain({with(crout, "singular").c_str(), cases[0].outer,
-                                          "ilu_Inverse_matrix_based_on_LUD: 1"}));
-    EXPECT_FALSE(this->invert(1, &x));
-    EXPECT_FALSE(this->invert(2, &x));
-    EXPECT_FALSE(this->invert(3, &x));
-    EXPECT_EQ(this->trace(), this->chain({cases[3].singular.c_str(), cases[3].outer,
-                                          "iuu_Inverse_matrix_based_on_UUD: 1"}));
+    const char* const inverses[] = {
+        "ilu_Inverse_matrix_based_on_LUD: 1", "ilup_Inverse_matrix_based_on_LUP: 1",
+        "ill_Inverse_matrix_based_on_LLD: 1", "iuu_Inverse_matrix_based_on_UUD: 1"};
+    for (const Case& c : cases)
+        this->expect_refused(this->invert(c.method, &x),
+                             {c.reduce + c.singular, c.factor, inverses[c.method]});
 }
 
 TYPED_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
@@ -353,30 +307,28 @@ TYPED_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
          {-1, 4, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         const int good = this->perm[2];
         this->perm[2] = entry;
-        EXPECT_FALSE(solve());
-        EXPECT_EQ(this->trace(), this->chain({"u_slu_Solve_based_on_LUD: 1"}));
+        this->expect_refused(solve(), {"u_slu_Solve_based_on_LUD: 1"});
         Real data[8] = {};
         EXPECT_FALSE(
             f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, data, false, 2, 4));
-        EXPECT_FALSE(f.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, &x));
-        EXPECT_EQ(this->trace(), this->chain({"u_slu_Solve_based_on_LUD: 1",
-                                              "u_ilu_Inverse_matrix_based_on_LUD: 2"}));
+        this->expect_refused(
+            f.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, &x),
+            {"u_slu_Solve_based_on_LUD: 1", "u_ilu_Inverse_matrix_based_on_LUD: 2"});
         this->perm[2] = good;
     }
     Real data[8] = {};
     for (const auto& [k, n] : {std::pair{0, 4}, {-2, 4}, {2, 3}, {2, -4}, {2, 5}})
         EXPECT_FALSE(f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, data, true, k, n));
     EXPECT_FALSE(f.u_sll_Solve_based_on_LLD(&this->ll, data, true, 2, 3));
-    EXPECT_FALSE(f.u_suu_Solve_based_on_UUD(&this->uu, data, true, 2, -4));
-    EXPECT_EQ(this->trace(), this->chain({"u_suu_Solve_based_on_UUD: 1"}));
+    this->expect_refused(f.u_suu_Solve_based_on_UUD(&this->uu, data, true, 2, -4),
+                         {"u_suu_Solve_based_on_UUD: 1"});
     EXPECT_TRUE(f.u_sll_Solve_based_on_LLD(&this->ll, data, true, -3, 4));  // k is not checked
     EXPECT_TRUE(f.u_suu_Solve_based_on_UUD(&this->uu, data, false, 0, 4));
 
     // Exact zeros on a diagonal, NaN passes.
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     this->u.se_Set_Element(3, 3, 0);
-    EXPECT_FALSE(solve());
-    EXPECT_EQ(this->trace(), this->chain({"u_slu_Solve_based_on_LUD: 2"}));
+    this->expect_refused(solve(), {"u_slu_Solve_based_on_LUD: 2"});
     this->u.se_Set_Element(3, 3, nan);
     EXPECT_TRUE(solve());
     EXPECT_TRUE(std::isnan(x[0][0]));
@@ -385,11 +337,10 @@ TYPED_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
     EXPECT_FALSE(solve());
     this->ll.se_Set_Element(1, 1, 0);
     this->uu.se_Set_Element(1, 1, 0);
-    EXPECT_FALSE(f.u_sll_Solve_based_on_LLD(&this->ll, &this->b, &x));
-    EXPECT_EQ(this->trace(), this->chain({"u_sll_Solve_based_on_LLD: 2"}));
-    EXPECT_FALSE(f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, &x));
-    EXPECT_EQ(this->trace(),
-              this->chain({"u_suu_Solve_based_on_UUD: 2", "u_iuu_Inverse_matrix_based_on_UUD: 2"}));
+    this->expect_refused(f.u_sll_Solve_based_on_LLD(&this->ll, &this->b, &x),
+                         {"u_sll_Solve_based_on_LLD: 2"});
+    this->expect_refused(f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, &x),
+                         {"u_suu_Solve_based_on_UUD: 2", "u_iuu_Inverse_matrix_based_on_UUD: 2"});
 
     // Trapezoids, and a vector that was resized under its matrix.
     this->l.c_Create(6, 4, Real(1));
@@ -416,27 +367,21 @@ TYPED_TEST(TriangularSolvers, GaussJordan) {
     ASSERT_TRUE(f.sgj_Solve_based_on_GJE(&negative, &four, &x));
     EXPECT_EQ(x, of(2));  // the magnitude scales, not the pivot
     const Matrix<Real> zero = of(0);
-    EXPECT_FALSE(f.sgj_Solve_based_on_GJE(&zero, &four, &x));
-    EXPECT_EQ(this->trace(),
-              this->chain({"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 3"}));
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&zero, &four, &x),
+                         {"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 3"});
     Vector<Real> v;
     v.c_Create(1, Real(4));
-    EXPECT_FALSE(f.sgj_Solve_based_on_GJE(&zero, &v, &v));
-    EXPECT_EQ(this->trace(),
-              this->chain({"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 2"}));
-    EXPECT_FALSE(f.igj_Inverse_matrix_based_on_GJE(&zero, &x));
-    EXPECT_EQ(this->trace(),
-              this->chain({"u_sgj_Solve_based_on_GJE: 1", "igj_Inverse_matrix_based_on_GJE: 2"}));
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&zero, &v, &v),
+                         {"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 2"});
+    this->expect_refused(f.igj_Inverse_matrix_based_on_GJE(&zero, &x),
+                         {"u_sgj_Solve_based_on_GJE: 1", "igj_Inverse_matrix_based_on_GJE: 2"});
     const Matrix<Real> wide = test::random_matrix<Real>(1, 2);
     const Matrix<Real> tall = test::random_matrix<Real>(2, 1);
-    EXPECT_FALSE(f.sgj_Solve_based_on_GJE(&wide, &four, &x));
-    EXPECT_EQ(this->trace(), this->chain({"sgj_Solve_based_on_GJE: 1"}));
-    EXPECT_FALSE(f.sgj_Solve_based_on_GJE(&four, &tall, &x));
-    EXPECT_EQ(this->trace(), this->chain({"sgj_Solve_based_on_GJE: 2"}));
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&wide, &four, &x), {"sgj_Solve_based_on_GJE: 1"});
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &tall, &x), {"sgj_Solve_based_on_GJE: 2"});
     EXPECT_FALSE(f.igj_Inverse_matrix_based_on_GJE(&wide, &x));
     v.c_Create(2, Real(1));
-    EXPECT_FALSE(f.sgj_Solve_based_on_GJE(&four, &v, &v));
-    EXPECT_EQ(this->trace(), this->chain({"sgj_Solve_based_on_GJE: 1"}));
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &v, &v), {"sgj_Solve_based_on_GJE: 1"});
     const Matrix<Real> empty;
     EXPECT_TRUE(f.igj_Inverse_matrix_based_on_GJE(&empty, &x));
     EXPECT_EQ(x.mh(), 0);
@@ -445,9 +390,6 @@ TYPED_TEST(TriangularSolvers, GaussJordan) {
     for (const int n : {1, 4, 33}) {
         for (const int k : {1, 2, n + 3}) {
             this->prepare(n, k);
-            Matrix<Real> stated_a = this->a;
-            Matrix<Real> stated_b = this->b;
-            ASSERT_TRUE(test::stated_gauss_jordan(stated_a, stated_b));
             for (const bool row_major : {true, false}) {
                 Matrix<Real> left = this->a;  // symmetric: the same in both layouts
                 const Matrix<Real> laid = row_major ? this->b : test::transposed(this->b);
@@ -455,24 +397,22 @@ TYPED_TEST(TriangularSolvers, GaussJordan) {
                 data.push_back(77);
                 ASSERT_TRUE(f.u_sgj_Solve_based_on_GJE(row_major, n, k, left.p()[0], data.data()));
                 EXPECT_EQ(data.back(), Real(77));
-                const auto at = [&](int i, int c) {
+                const auto x_of_array = test::matrix_of<Real>(n, k, [&](int i, int c) {
                     return data[static_cast<std::size_t>(row_major ? i * k + c : i + n * c)];
-                };
-                EXPECT_LT(test::largest_difference(test::matrix_of<Real>(n, k, at), stated_b),
+                });
+                EXPECT_LT(test::solution_residual(this->a, x_of_array, this->b), 3.0);
+                EXPECT_LT(test::largest_difference(left, test::identity_of<Real>(n)),
                           1e4 * test::kEpsilon<Real>);
-                EXPECT_LT(
-                    test::largest_difference(row_major ? left : test::transposed(left), stated_a),
-                    1e4 * test::kEpsilon<Real>);
             }
         }
     }
     Real nothing = 0;
     EXPECT_TRUE(f.u_sgj_Solve_based_on_GJE(true, 0, 0, &nothing, &nothing));
     EXPECT_FALSE(f.u_sgj_Solve_based_on_GJE(true, -1, 1, &nothing, &nothing));
-    EXPECT_FALSE(f.u_sgj_Solve_based_on_GJE(false, 1, -1, &nothing, &nothing));
-    EXPECT_EQ(this->trace(), this->chain({"u_sgj_Solve_based_on_GJE: 2"}));
-    EXPECT_FALSE(f.u_sgj_Solve_based_on_GJE(false, 1, 1, &nothing, &nothing));
-    EXPECT_EQ(this->trace(), this->chain({"u_sgj_Solve_based_on_GJE: 2"}));
+    this->expect_refused(f.u_sgj_Solve_based_on_GJE(false, 1, -1, &nothing, &nothing),
+                         {"u_sgj_Solve_based_on_GJE: 2"});
+    this->expect_refused(f.u_sgj_Solve_based_on_GJE(false, 1, 1, &nothing, &nothing),
+                         {"u_sgj_Solve_based_on_GJE: 2"});
 }
 
 }  // namespace

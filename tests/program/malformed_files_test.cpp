@@ -1,6 +1,5 @@
 // Files that cannot be used: each gets one clear message with its line, and status 2.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <string>
 
@@ -9,119 +8,94 @@
 namespace program_test {
 namespace {
 
+const std::string kReal = "%%MatrixMarket matrix coordinate real general\n";
+const std::string kSymmetric = "%%MatrixMarket matrix coordinate real symmetric\n";
+const std::string kArray = "%%MatrixMarket matrix array real general\n";
+
 struct Malformed {
-    const char* name;
     std::string text;
     int line;
     const char* message;  // part of it
 };
 
-void PrintTo(const Malformed& file, std::ostream* out) {
-    *out << file.name;
-}
+const Malformed kMalformed[] = {
+    // the banner
+    {"", 1, "the file is empty"},
+    {"2 2 1\n1 1 1\n", 1, "no Matrix Market file"},
+    {std::string("\x7f"
+                 "ELF\x01\0\0\xff",
+                 8),
+     1, "no Matrix Market file"},
+    {"%%MatrixMarket matrix coordinate real\n", 1, "the banner must be"},
+    {"%%MatrixMarket vector coordinate real general\n", 1, "\"vector\""},
+    {"%%MatrixMarket matrix dense real general\n", 1, "\"dense\""},
+    {"%%MatrixMarket matrix array complex general\n1 1\n1 0\n", 1, "complex"},
+    {"%%MatrixMarket matrix array real hermitian\n", 1, "hermitian"},
+    {"%%MatrixMarket matrix array quaternion general\n", 1, "\"quaternion\""},
+    {"%%MatrixMarket matrix array real odd\n", 1, "\"odd\""},
+    {"%%MatrixMarket matrix array pattern general\n", 1, "pattern"},
+    // the sizes
+    {kReal + "% only a comment\n\n", 3, "ends before the line with the sizes"},
+    {kReal + "2 2\n", 2, "height width elements"},
+    {kArray + "2 2 4\n", 2, "height width"},
+    {kReal + "two 2 1\n", 2, "\"two\" is not a size"},
+    {kReal + "2.5 2 1\n", 2, "\"2.5\" is not a size"},
+    {kReal + "-2 2 1\n", 2, "sizes begin at 1"},
+    {kReal + "0 0 0\n", 2, "sizes begin at 1"},
+    {kReal + "3000000000 2 1\n", 2, "beyond 2147483647"},
+    {kReal + "99999999999999999999999 2 1\n", 2, "beyond 2147483647"},
+    {kReal + "2 2 -1\n", 2, "not a number of elements"},
+    {kReal + "2 2 5\n", 2, "more than the 4"},
+    {kReal + "2 2 99999999999999999999999\n", 2, "more than the 4"},
+    {kSymmetric + "3 3 7\n", 2, "more than the 6"},
+    {kSymmetric + "3 2 1\n", 2, "must be square"},
+    // the elements
+    {kReal + "2 2 3\n1 1 1\n2 2 1\n", 4, "ends after 2 of 3 elements"},
+    {kArray + "2 2\n1\n2\n3\n", 5, "ends after 3 of 4 elements"},
+    {kArray + "40000 40000\n1\n", 3, "ends after 1 of 1600000000"},
+    {kReal + "2 2 1\n1 1 1\n2 2 1\n", 4, "more than the 1 element "},
+    {kArray + "1 1\n1\n2\n", 4, "more than the 1 element "},
+    {kReal + "2 2 1\n0 1 1\n", 3, "row \"0\" is outside 1 .. 2"},
+    {kReal + "2 2 1\n3 1 1\n", 3, "row \"3\" is outside 1 .. 2"},
+    {kReal + "2 2 1\n1 -1 1\n", 3, "column \"-1\" is outside"},
+    {kReal + "2 2 1\n1 99999999999999999999 1\n", 3, "is outside"},
+    {kReal + "2 2 1\n1 b 1\n", 3, "\"b\" is not an index"},
+    {kReal + "2 2 1\n1 1\n", 3, "row column value"},
+    {kReal + "2 2 2\n1 1 1\n2 2 abc\n", 4, "\"abc\" is not a number"},
+    {kReal + "1 1 1\n1 1 1.5x\n", 3, "\"1.5x\" is not a number"},
+    {kReal + "1 1 1\n1 1 0x10\n", 3, "is not a number"},
+    {kReal + "1 1 1\n1 1 1,5\n", 3, "\"1,5\" is not a number"},
+    {kReal + "1 1 1\n1 1 +-1\n", 3, "is not a number"},
+    {kReal + "1 1 1\n1 1 nan(12)\n", 3, "\"nan(12)\" is not a finite number"},
+    {kReal + "1 1 1\n1 1 -Inf\n", 3, "\"-Inf\" is not a finite number"},
+    {kReal + "1 1 1\n1 1 1e400\n", 3, "does not fit double precision"},
+    {kReal + "1 1 1\n1 1 -1e99999999999999999999\n", 3, "does not fit"},
+    {"%%MatrixMarket matrix coordinate integer general\n1 1 1\n1 1 1.5\n", 3,
+     "\"1.5\" is not an integer"},
+    {kReal + "1 1 1\n1 1 \x01\xff\n", 3, "\"\\x01\\xff\" is not a number"},
+    {kReal + "1 1 1\n1 1 1 7\n", 3, "\"7\" stands after the element"},
+    {kArray + "1 1\n1 2\n", 3, "\"2\" stands after the value"},
+    {kReal + "2 2 3\n2 2 1\n1 1 1\n2 2 5\n", 5, "given before, on line 3"},
+    {kSymmetric + "2 2 1\n1 2 1\n", 3, "above the diagonal"},
+    {"%%MatrixMarket matrix coordinate real skew-symmetric\n2 2 1\n1 1 1\n", 3,
+     "on or above the diagonal"},
+    {kReal + "% " + std::string(100000, 'x') + "\n", 2, "longer than"},
+};
 
-const std::string kReal = "%%MatrixMarket matrix coordinate real general\n";
-const std::string kSymmetric = "%%MatrixMarket matrix coordinate real symmetric\n";
-const std::string kSkew = "%%MatrixMarket matrix coordinate real skew-symmetric\n";
-const std::string kInteger = "%%MatrixMarket matrix coordinate integer general\n";
-const std::string kArray = "%%MatrixMarket matrix array real general\n";
-
-class ProgramMalformedFile : public testing::TestWithParam<Malformed> {};
-
-TEST_P(ProgramMalformedFile, IsRefusedWithItsLine) {
-    const Malformed& file = GetParam();
+TEST(ProgramFiles, MalformedOnesAreRefusedWithTheLine) {
     const Folder folder;
-    const std::string path = folder.file("A.mtx", file.text);
-    for (const char* command : {"solve", "info", "determinant"}) {
-        const Answer result = nequar({command, path});
-        EXPECT_EQ(result.status, 2) << command << "\n" << result.err;
+    for (const Malformed& file : kMalformed) {
+        const std::string path = folder.file("A.mtx", file.text);
         const std::string start = "nequar: " + path + ":" + std::to_string(file.line) + ": ";
-        EXPECT_EQ(result.err.rfind(start, 0), 0U) << result.err;
-        EXPECT_TRUE(contains(result.err, file.message)) << result.err;
-        EXPECT_EQ(result.out, "");
+        for (const char* command : {"solve", "info", "determinant"}) {
+            const Answer result = nequar({command, path});
+            EXPECT_EQ(result.status, 2) << command << "\n" << file.message;
+            EXPECT_EQ(result.err.rfind(start, 0), 0U) << result.err << file.message;
+            EXPECT_TRUE(contains(result.err, file.message)) << result.err << file.message;
+            EXPECT_EQ(result.out, "");
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Banner, ProgramMalformedFile,
-    testing::Values(
-        Malformed{"empty", "", 1, "the file is empty"},
-        Malformed{"no_banner", "2 2 1\n1 1 1\n", 1, "no Matrix Market file"},
-        Malformed{"binary",
-                  std::string("\x7f"
-                              "ELF\x01\0\0\xff",
-                              8),
-                  1, "no Matrix Market file"},
-        Malformed{"short_banner", "%%MatrixMarket matrix coordinate real\n", 1,
-                  "the banner must be"},
-        Malformed{"vector", "%%MatrixMarket vector coordinate real general\n", 1, "\"vector\""},
-        Malformed{"format", "%%MatrixMarket matrix dense real general\n", 1, "\"dense\""},
-        Malformed{"complex", "%%MatrixMarket matrix array complex general\n1 1\n1 0\n", 1,
-                  "complex"},
-        Malformed{"hermitian", "%%MatrixMarket matrix array real hermitian\n", 1, "hermitian"},
-        Malformed{"field", "%%MatrixMarket matrix array quaternion general\n", 1, "\"quaternion\""},
-        Malformed{"symmetry", "%%MatrixMarket matrix array real odd\n", 1, "\"odd\""},
-        Malformed{"pattern_array", "%%MatrixMarket matrix array pattern general\n", 1, "pattern"}),
-    testing::PrintToStringParamName());
-
-INSTANTIATE_TEST_SUITE_P(
-    Sizes, ProgramMalformedFile,
-    testing::Values(Malformed{"missing", kReal + "% only a comment\n\n", 3,
-                              "ends before the line with the sizes"},
-                    Malformed{"too_few", kReal + "2 2\n", 2, "height width elements"},
-                    Malformed{"too_many", kArray + "2 2 4\n", 2, "height width"},
-                    Malformed{"not_numeric", kReal + "two 2 1\n", 2, "\"two\" is not a size"},
-                    Malformed{"fraction", kReal + "2.5 2 1\n", 2, "\"2.5\" is not a size"},
-                    Malformed{"negative", kReal + "-2 2 1\n", 2, "sizes begin at 1"},
-                    Malformed{"zero", kReal + "0 0 0\n", 2, "sizes begin at 1"},
-                    Malformed{"beyond_int", kReal + "3000000000 2 1\n", 2, "beyond 2147483647"},
-                    Malformed{"beyond_64_bits", kReal + "99999999999999999999999 2 1\n", 2,
-                              "beyond 2147483647"},
-                    Malformed{"negative_count", kReal + "2 2 -1\n", 2, "not a number of elements"},
-                    Malformed{"more_than_cells", kReal + "2 2 5\n", 2, "more than the 4"},
-                    Malformed{"huge_count", kReal + "2 2 99999999999999999999999\n", 2,
-                              "more than the 4"},
-                    Malformed{"triangle_overfull", kSymmetric + "3 3 7\n", 2, "more than the 6"},
-                    Malformed{"not_square", kSymmetric + "3 2 1\n", 2, "must be square"}),
-    testing::PrintToStringParamName());
-
-INSTANTIATE_TEST_SUITE_P(
-    Elements, ProgramMalformedFile,
-    testing::Values(
-        Malformed{"truncated", kReal + "2 2 3\n1 1 1\n2 2 1\n", 4, "ends after 2 of 3 elements"},
-        Malformed{"truncated_array", kArray + "2 2\n1\n2\n3\n", 5, "ends after 3 of 4 elements"},
-        Malformed{"declared_huge", kArray + "40000 40000\n1\n", 3, "ends after 1 of 1600000000"},
-        Malformed{"surplus", kReal + "2 2 1\n1 1 1\n2 2 1\n", 4, "more than the 1 element "},
-        Malformed{"surplus_array", kArray + "1 1\n1\n2\n", 4, "more than the 1 element "},
-        Malformed{"row_0", kReal + "2 2 1\n0 1 1\n", 3, "row \"0\" is outside 1 .. 2"},
-        Malformed{"row_large", kReal + "2 2 1\n3 1 1\n", 3, "row \"3\" is outside 1 .. 2"},
-        Malformed{"column_negative", kReal + "2 2 1\n1 -1 1\n", 3, "column \"-1\" is outside"},
-        Malformed{"column_beyond", kReal + "2 2 1\n1 99999999999999999999 1\n", 3, "is outside"},
-        Malformed{"index_text", kReal + "2 2 1\n1 b 1\n", 3, "\"b\" is not an index"},
-        Malformed{"no_value", kReal + "2 2 1\n1 1\n", 3, "row column value"},
-        Malformed{"value_text", kReal + "2 2 2\n1 1 1\n2 2 abc\n", 4, "\"abc\" is not a number"},
-        Malformed{"value_tail", kReal + "1 1 1\n1 1 1.5x\n", 3, "\"1.5x\" is not a number"},
-        Malformed{"hexadecimal", kReal + "1 1 1\n1 1 0x10\n", 3, "is not a number"},
-        Malformed{"decimal_comma", kReal + "1 1 1\n1 1 1,5\n", 3, "\"1,5\" is not a number"},
-        Malformed{"two_signs", kReal + "1 1 1\n1 1 +-1\n", 3, "is not a number"},
-        Malformed{"nan", kReal + "1 1 1\n1 1 nan\n", 3, "\"nan\" is not a finite number"},
-        Malformed{"nan_payload", kReal + "1 1 1\n1 1 nan(12)\n", 3, "is not a finite number"},
-        Malformed{"infinity", kReal + "1 1 1\n1 1 -Inf\n", 3, "\"-Inf\" is not a finite number"},
-        Malformed{"overflow", kReal + "1 1 1\n1 1 1e400\n", 3, "does not fit double precision"},
-        Malformed{"far_overflow", kReal + "1 1 1\n1 1 -1e99999999999999999999\n", 3,
-                  "does not fit"},
-        Malformed{"integer_fraction", kInteger + "1 1 1\n1 1 1.5\n", 3,
-                  "\"1.5\" is not an integer"},
-        Malformed{"unprintable", kReal + "1 1 1\n1 1 \x01\xff\n", 3,
-                  "\"\\x01\\xff\" is not a number"},
-        Malformed{"trailing", kReal + "1 1 1\n1 1 1 7\n", 3, "\"7\" stands after the element"},
-        Malformed{"trailing_array", kArray + "1 1\n1 2\n", 3, "\"2\" stands after the value"},
-        Malformed{"repeated", kReal + "2 2 3\n2 2 1\n1 1 1\n2 2 5\n", 5, "given before, on line 3"},
-        Malformed{"upper_half", kSymmetric + "2 2 1\n1 2 1\n", 3, "above the diagonal"},
-        Malformed{"skew_diagonal", kSkew + "2 2 1\n1 1 1\n", 3, "on or above the diagonal"},
-        Malformed{"endless_line", kReal + "% " + std::string(100000, 'x') + "\n", 2,
-                  "longer than"}),
-    testing::PrintToStringParamName());
 
 TEST(ProgramFiles, MissingAndUnreadableOnesAreNamed) {
     const Folder folder;

@@ -1,5 +1,6 @@
-// A sparse matrix as a map from (column, row) to the stored value, in the order of compressed columns:
-// every rule of storage is one or two lines here. A sparse vector is a matrix of one column.
+// A sparse matrix as a map from (column, row) to the stored value, in the order of compressed
+// columns: every rule of storage is one or two lines here. A sparse vector is a matrix of one
+// column.
 #pragma once
 
 #include <map>
@@ -99,9 +100,10 @@ nequar::Matrix<Real> dense_of(const Mirror<Real>& m) {
     return dense;
 }
 
-// What is wrong with the storage of a matrix, or how it differs from its mirror; "" when all is well.
+// What is wrong with the storage of a matrix, or how it differs from its mirror; "" when all is
+// well.
 template <class Real>
-std::string fault_of(const nequar::SparseMatrix<Real>& s, const Mirror<Real>& m) {
+std::string fault_of(const nequar::CompressedColumns<Real>& s, const Mirror<Real>& m) {
     const nequar::Vector<int>* start_vector = nullptr;
     const Real* values = nullptr;
     const int* rows = nullptr;

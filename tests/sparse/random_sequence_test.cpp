@@ -1,5 +1,6 @@
-// Long random sequences of operations: after each step the storage has to be in order and hold exactly
-// what the mirror says, explicit zeros included. Values are small integers, so nothing is rounded.
+// Long random sequences of operations: after each step the storage has to be in order and hold
+// exactly what the mirror says, explicit zeros included. Values are small integers, so nothing is
+// rounded.
 #include <gtest/gtest.h>
 
 #include "sparse/mirror.h"
@@ -143,8 +144,8 @@ TYPED_TEST(SparseSequence, Matrix) {
     Matrices<TypeParam> m{Dice(1), {}, {}, {}, {}};
     m.renew(m.a, m.ma);
     m.renew(m.b, m.mb);
-    // Looking at the start pointers keeps them up to date from then on: in every second episode only
-    // copies are looked at, and not after each step.
+    // Looking at the start pointers keeps them up to date from then on: in every second episode
+    // only copies are looked at, and not after each step.
     bool looks_at_copies = false;
     for (int step = 0; step < kSteps; ++step) {
         if (step % 40 == 0 || m.ma.largest_magnitude() > 1000) {

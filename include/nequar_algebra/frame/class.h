@@ -55,9 +55,9 @@ protected:
     /// Records the message of a failure that the caller, or a fatal report, makes known.
     void zsm_Save_Message(const CNqString& method) const;
 
-    // ---- how the library's own classes use the above
-    // --------------------------------------------- Names and details given here are string
-    // literals: they are pointed at, not copied.
+    // ---- how the library's own classes use the above ----
+    //
+    // Names and details given here are string literals: they are pointed at, not copied.
 
     void set_class_name(const char* literal) noexcept { class_name_ = CNqString::literal(literal); }
     void set_error_detail(const char* literal) const noexcept {

@@ -216,6 +216,7 @@ public:
                                      int repetitions_blocks, int repetitions_matrices);
 
 private:
+    bool write(int x, int y, Real v, const char* method);
     Real extremum(bool largest, int* x, int* y, const char* method) const;
 };
 

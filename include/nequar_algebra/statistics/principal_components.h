@@ -22,6 +22,9 @@ namespace nequar {
 /// successful `cevvcm_…` until the next input or `c_Create`; asking before is reported as "Not
 /// valid". Beside the details named below there are "out of memory" and "cannot size the output".
 ///
+/// Matrices of order above 32 are decomposed by QR steps instead of Jacobi rotations: the same
+/// within rounding, but components may have the other sign.
+///
 /// Eigenvalues are those of the scatter matrix, the sum (not the mean) of the outer products of the
 /// deviations from the mean, in descending order.
 template <class Real>
@@ -154,6 +157,8 @@ private:
     bool is_valid(const char* method) const;
     bool has_component(int k, const char* method) const;
     bool report_failure(const char* detail, const char* method) const;
+    const char* decompose(const View<Real>& gram, Matrix<Real>& vectors,
+                          MatrixDiagonal<Real>& values);
     const char* analyse(const View<const Real>& samples, Real ratio, Vector<Real>& mean,
                         GrowableVector<Real>& eigenvalues, Real& total,
                         VectorSet<Real>& components);

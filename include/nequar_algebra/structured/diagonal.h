@@ -43,19 +43,15 @@ public:
     void sb_Set_Band(int x, int y, Real value, int& count);
     void sb_Set_Band(int x, int y, const Real* values, int& count);
 
-    /// Takes the shape and the diagonal of a dense matrix; what is off the diagonal is ignored. A
-    /// shape that `c_Create` refuses is reported as "i_Import" ("1") in the end.
+    /// Takes the shape and the diagonal of a dense matrix or array; what is off the diagonal is
+    /// ignored. A shape that `c_Create` refuses is reported as "i_Import" ("1") in the end.
     void i_Import(const Matrix<Real>* dense);
-    /// The same from an array: element (row r, column c) is elements[r * width + c] when row_major
-    /// is true, elements[c * height + r] when it is false.
     void i_Import(bool row_major, int height, int width, const Real* elements);
 
-    /// Sizes a dense matrix to this shape and writes the diagonal into it; with zero_fill
-    /// everything else becomes zero, without it the other cells keep what they held, as far as the
-    /// destination had that shape before. Detail "1": the destination cannot be sized; "2": the
-    /// vector no longer holds the diagonal.
+    /// Writes the diagonal into a dense matrix, or into an array of height * width elements, whose
+    /// sizes come back; with zero_fill everything else becomes zero. Detail "1": the dense matrix
+    /// cannot be sized; "2": the vector no longer holds the diagonal.
     void e_Export(Matrix<Real>* dense, bool zero_fill) const;
-    /// The same into an array of height * width elements, whose sizes come back.
     void e_Export(bool row_major, int* height, int* width, Real* elements, bool zero_fill) const;
 
     /// Same shape and exactly equal elements (a NaN equals nothing).

@@ -19,6 +19,14 @@ enum class NEQUAR_API TriangleSide { lower, upper };
 /// Coordinates are given as (x, y), the column first, from 0. They never are out of range: each is
 /// reduced modulo the width (the height), so that -1 names the last column (row).
 ///
+/// Arrays given to the imports and exports are dense: element (row r, column c) of a height x width
+/// array is elements[r * width + c] when the flag row_major is true, elements[c * height + r] when
+/// it is false. They may lie in the matrix's own vector.
+///
+/// Exports into a dense matrix size it to this shape. Those with a flag write the stored elements;
+/// every other cell becomes zero when the flag is set, and keeps what it held when it is not (as
+/// far as the destination had that shape before).
+///
 /// Copies are deep. A move leaves an empty matrix, 0 x 0 without elements, which may be used like
 /// any other.
 template <class Real>

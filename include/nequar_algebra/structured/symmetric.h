@@ -66,13 +66,11 @@ public:
     void gr_Get_Row(int r, Real* out, int& first, int& last) const;
     void gc_Get_Column(int c, Real* out, int& first, int& last) const;
 
-    /// Takes the symmetric part of a square dense matrix: each element becomes
-    /// (a(x, y) + a(y, x)) * 0.5, which overflows when the sum does. A matrix that is not square is
-    /// reported as "i_Import<CNqMatrix>" ("1"), in the single-precision class too; a size that
-    /// `c_Create` refuses as "i_Import" ("1").
+    /// Takes the symmetric part of a square dense matrix, or of an n x n array whose flag has no
+    /// effect: each element becomes (a(x, y) + a(y, x)) * 0.5, which overflows when the sum does. A
+    /// matrix that is not square is reported as "i_Import<CNqMatrix>" ("1"), in the
+    /// single-precision class too; a size that `c_Create` refuses as "i_Import" ("1").
     void i_Import(const Matrix<Real>* dense);
-    /// The same from an array of n * n elements. The flag has no effect, since the average is the
-    /// same in both layouts.
     void i_Import(bool row_major, int n, const Real* elements);
     /// Takes the lower triangle with the diagonal of a square dense matrix. A matrix that is not
     /// square is reported as "il_Import_Lower_part_of <CNqMatrix>" ("1"), a size that `c_Create`
@@ -84,10 +82,9 @@ public:
     void iu_Import_Upper_part_of(const Matrix<Real>* dense);
     void iu_Import_Upper_part_of(bool row_major, int n, const Real* elements);
 
-    /// Sizes a dense matrix to n x n and writes every element of it. Detail "1": the destination
-    /// cannot be sized.
+    /// Writes every element of a dense matrix, or of an array of n * n elements whose flag has no
+    /// effect; n comes back. Detail "1": the dense matrix cannot be sized.
     void e_Export(Matrix<Real>* dense) const;
-    /// The same into an array of n * n elements; n comes back. The flag has no effect.
     void e_Export(bool row_major, int* n, Real* elements) const;
 
     /// Same shape and exactly equal elements (a NaN equals nothing).

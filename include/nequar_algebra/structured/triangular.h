@@ -10,14 +10,12 @@ namespace nequar {
 /// stored; everything outside it is zero.
 ///
 /// The diagonals ("bands") lie one after another, the main diagonal first, and band d at distance d
-/// from it:
+/// from it, its positions p = 0, 1, … running down:
 ///
-///     lower   d = y - x = 0 … height-1   length min(height, width, height - d)   (x, y) = (p, p +
-///     d) upper   d = x - y = 0 … width-1    length min(height, width, width - d)    (x, y) = (p +
-///     d, p)
+///     lower   d = 0 … height-1   length min(height, width, height - d)   (x, y) = (p, p + d)
+///     upper   d = 0 … width-1    length min(height, width, width - d)    (x, y) = (p + d, p)
 ///
-/// where p = 0, 1, … is the position in the band. A square matrix has n(n+1)/2 stored elements and
-/// its band d starts at index d n - d (d - 1) / 2.
+/// A square matrix has n(n+1)/2 stored elements and its band d starts at index d n - d (d - 1) / 2.
 ///
 /// Not every column of a wide lower matrix stores something, and not every row of a tall upper one:
 /// such a row or column is answered with a reported failure.
@@ -88,25 +86,20 @@ public:
     void sc_Set_Column(int x, Real value, int& y_first, int& y_last);
     void sc_Set_Column(int x, const Real* values, int& y_first, int& y_last);
 
-    /// Takes the shape and the triangle of a dense matrix; what is outside is ignored. A shape that
-    /// `c_Create` refuses is reported as "i_Import" in the end.
+    /// Takes the shape and the triangle of a dense matrix or array; what is outside is ignored. A
+    /// shape that `c_Create` refuses is reported as "i_Import" in the end.
     void i_Import(const Matrix<Real>* dense);
-    /// The same from an array: element (row r, column c) is elements[r * width + c] when row_major
-    /// is true, elements[r + height * c] when it is false.
     void i_Import(bool row_major, int height, int width, const Real* elements);
 
-    /// Sizes a dense matrix to this shape and writes the triangle into it. With `clear` everything
-    /// else becomes zero; without it the other cells keep what they held, as far as the destination
-    /// had that shape before. It fails when the destination cannot be sized.
+    /// Writes the triangle into a dense matrix, or into an array of height * width elements, whose
+    /// sizes come back; with `clear` everything else becomes zero.
     void e_Export(Matrix<Real>* dense, bool clear) const;
-    /// The same into an array of height * width elements, whose sizes come back.
     void e_Export(bool row_major, int* height, int* width, Real* elements, bool clear) const;
 
     /// Writes the full symmetric matrix of which this square one is a triangle. It fails when this
     /// matrix is not square: the destination is then not written, although the dense form has
-    /// already sized it n x n, n being the height.
+    /// already sized it n x n, n being the height. The flag of the array form has no effect.
     void es_Export_as_Symmetric_matrix(Matrix<Real>* dense) const;
-    /// The same into an array of n * n elements; n comes back. The flag has no effect.
     void es_Export_as_Symmetric_matrix(bool row_major, int* n, Real* elements) const;
 
     /// Same shape and exactly equal elements (a NaN equals nothing).

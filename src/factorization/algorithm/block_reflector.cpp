@@ -184,6 +184,27 @@ void form_orthogonal(const ReflectorStore<Real>& store, View<Real> q, Scratch<Re
 }
 
 template <class Real>
+Outcome form_orthogonal(View<Real> q, Size count) {
+    constexpr Size kFewest = 32, kBlock = 16;
+    if (count < kFewest) {
+        Workspace<Real, 2048> work(2 * Scratch<Real>::rounded(q.height));
+        if (!work) return {OutcomeKind::no_memory};
+        form_orthogonal_plain(reading(q.columns(0, count)), q, Scratch<Real>(work.data()));
+        return Outcome::success();
+    }
+    Workspace<Real> couplings(kBlock * count);
+    if (!couplings) return {OutcomeKind::no_memory};
+    const ReflectorStore<Real> store{q.columns(0, count),
+                                     View<Real>(couplings.data(), kBlock, count, count), kBlock};
+    for (Size k = 0; k < count; k += kBlock) {
+        const View<Real> u = store.vectors_of_block(k);
+        for (Size j = 1; j < u.width; ++j) kernel::fill(Real(0), u.block(0, j, j, 1));
+        couple_reflectors(reading(u), store.coupling_of_block(k));
+    }
+    return form_orthogonal(store, q);
+}
+
+template <class Real>
 void form_orthogonal_plain(View<const Real> vectors, View<Real> q, Scratch<Real> scratch) {
     const Size m = q.height;
     const Size count = vectors.width;
@@ -219,6 +240,7 @@ void form_orthogonal_plain(View<const Real> vectors, View<Real> q, Scratch<Real>
     template void apply_reflectors_plain(Side, View<const Real>, View<Real>, Strided<Real>);   \
     template void form_orthogonal(const ReflectorStore<Real>&, View<Real>, Scratch<Real>);     \
     template Outcome form_orthogonal(const ReflectorStore<Real>&, View<Real>);                 \
+    template Outcome form_orthogonal(View<Real>, Size);                                        \
     template Size scratch_to_form_orthogonal<Real>(Size, Size, Size);                          \
     template void form_orthogonal_plain(View<const Real>, View<Real>, Scratch<Real>);
 NEQUAR_INSTANTIATE(double)

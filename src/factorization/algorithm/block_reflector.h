@@ -73,6 +73,11 @@ Outcome form_orthogonal(const ReflectorStore<Real>& store, View<Real> q);
 template <class Real>
 Size scratch_to_form_orthogonal(Size height, Size count, Size block);
 
+// The same from reflectors that were found one by one: vector k lies in column k of Q from the
+// diagonal down, and nothing above it matters. They are coupled here when they are many.
+template <class Real>
+Outcome form_orthogonal(View<Real> q, Size count);
+
 // The same, one reflector after the other; nothing is coupled. 2 rounded(m) elements of scratch.
 template <class Real>
 void form_orthogonal_plain(View<const Real> vectors, View<Real> q, Scratch<Real> scratch);

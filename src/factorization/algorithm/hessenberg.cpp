@@ -50,9 +50,9 @@ Outcome hessenberg_plain(View<Real> a, const View<Real>* q) {
     }
     if (q == nullptr) return Outcome::success();
     const View<Real> part = reflected_part(*q);
-    form_orthogonal_plain(reading(part.columns(0, count)), part, Scratch<Real>(elements.data()));
+    const Outcome outcome = form_orthogonal(part, count);
     set_border_of_identity(*q);
-    return Outcome::success();
+    return outcome;
 }
 
 // Scratch of one panel: U and Y n x block, S block x block, and vectors.

@@ -12,6 +12,8 @@ namespace nequar {
 namespace {
 
 constexpr Size kBlock = 16;  // rows q whose columns are copied together
+constexpr Size kRows = 16;   // rows p whose rotations reach V together
+constexpr Size kLane = 32;   // columns of V's narrowest strip
 
 template <class Real>
 struct Angle {
@@ -151,6 +153,24 @@ void rotate_row(View<Real> a, Real* d, Size p, Real threshold, Real* pairs,
     for (Size i = p + 1; i < n; ++i) a(i, p) = row[i];
 }
 
+// The rotations of `count` rows p = first, first + 1, ..., each with all rows below it, on V^T:
+// strip by strip, so that V goes through the cache once for all of them.
+template <class Real>
+void rotate_vectors(View<Real> vt, Size first, Size count, const Real* pairs, Size pairs_of_row) {
+    constexpr Size strip_bytes = Size(1) << 18;
+    const Size n = vt.height;
+    const Size fitting = strip_bytes / Size(sizeof(Real)) / n / kLane * kLane;
+    const Size strip = fitting < kLane ? kLane : fitting;
+    for (Size j = 0; j < n; j += strip) {
+        const View<Real> part = vt.columns(j, n - j < strip ? n - j : strip);
+        for (Size i = 0; i < count; ++i) {
+            const Size p = first + i;
+            kernel::rotate_with_rows(pairs + i * pairs_of_row, part.row(p).data,
+                                     part.rows(p + 1, n - p - 1));
+        }
+    }
+}
+
 // Takes the lower triangle, where rotations of later rows have left what is current, to the upper.
 template <class Real>
 void finish_sweep(View<Real> a) {
@@ -177,7 +197,7 @@ Outcome jacobi(JacobiMode mode, View<Real> a, Real* d, const View<Real>* vt,
         jacobi_classical(a, d, vt, rotations, tolerance * unit, counts);
         return Outcome::success();
     }
-    Workspace<Real> pairs(2 * n);
+    Workspace<Real> pairs(2 * n * kRows);
     if (!pairs) return {OutcomeKind::no_memory};
     mirror_upper(a);
     Real off = 2 * sum_above_diagonal(reading(a));
@@ -190,10 +210,11 @@ Outcome jacobi(JacobiMode mode, View<Real> a, Real* d, const View<Real>* vt,
         Real threshold = 0;
         if (mode == JacobiMode::threshold && counts.sweeps < 3)
             threshold = Real(0.2) * off / (Real(n) * Real(n)) / unit;
-        for (Size p = 0; p + 1 < n; ++p) {
-            rotate_row(a, d, p, threshold, pairs.data(), counts.annihilated);
-            if (vt != nullptr)
-                kernel::rotate_with_rows(pairs.data(), vt->row(p).data, vt->rows(p + 1, n - p - 1));
+        for (Size p = 0; p + 1 < n; p += kRows) {
+            const Size count = n - 1 - p < kRows ? n - 1 - p : kRows;
+            for (Size i = 0; i < count; ++i)
+                rotate_row(a, d, p + i, threshold, pairs.data() + i * 2 * n, counts.annihilated);
+            if (vt != nullptr) rotate_vectors(*vt, p, count, pairs.data(), 2 * n);
         }
         finish_sweep(a);
         off = 2 * sum_above_diagonal(reading(a));

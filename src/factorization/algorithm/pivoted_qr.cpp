@@ -99,8 +99,7 @@ Outcome pivoted_qr_plain(View<Real> a, const View<Real>* q, Pivoting<Real> pivot
     }
     pivoting.result->rank = static_cast<int>(k);
     if (q == nullptr) return Outcome::success();
-    form_orthogonal_plain(reading(q->columns(0, k)), *q, Scratch<Real>(elements.data()));
-    return Outcome::success();
+    return form_orthogonal(*q, k);
 }
 
 // The steps from column `first` on, at most `block` of them; answers how many were made. The

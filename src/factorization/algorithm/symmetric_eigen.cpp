@@ -36,7 +36,7 @@ Real largest_above(View<const Real> a) {
 // The exponent of the power of two by which A has to be divided.
 template <class Real>
 int exponent_of_unit(Real largest) {
-    constexpr int safe = std::numeric_limits<Real>::max_exponent / 3;
+    constexpr int safe = std::numeric_limits<Real>::max_exponent / 4;
     if (largest == 0) return 0;
     const int exponent = std::ilogb(largest);
     return exponent > safe || exponent < -safe ? exponent : 0;

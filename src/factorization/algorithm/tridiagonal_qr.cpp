@@ -19,20 +19,13 @@ Real wilkinson_shift(Real a, Real b, Real c) {
     return c - b * (b / (delta + std::copysign(std::hypot(delta, b), delta)));
 }
 
-// The rotation of `givens_rotation` and r = c x - s z, in fewer steps where the squares are safe:
-// the larger of c and s is not negative.
+// 2 to the power of five eighths of an end of the range of exponents.
 template <class Real>
-inline Real rotate_to_zero(Real x, Real z, Rotation<Real>& rotation) {
-    constexpr Real smallest = std::numeric_limits<Real>::min() * 0x1p40f;
-    constexpr Real largest = std::numeric_limits<Real>::max() / 4;
-    const Real squares = x * x + z * z;
-    if (squares > smallest && squares < largest) {
-        const Real r = std::copysign(std::sqrt(squares), std::abs(z) > std::abs(x) ? -z : x);
-        rotation = {x / r, -z / r};
-        return r;
-    }
-    rotation = givens_rotation(x, z);
-    return rotation.c * x - rotation.s * z;
+constexpr Real range_of_squares(int exponent) {
+    Real power = 1;
+    for (int i = 0; i < 5 * (exponent < 0 ? -exponent : exponent) / 8; ++i)
+        power *= exponent < 0 ? Real(0.5) : Real(2);
+    return power;
 }
 
 template <class Real>
@@ -43,24 +36,56 @@ bool is_absorbed(Real e, Real d0, Real d1) {
 
 }  // namespace
 
+// Each rotation waits for the one before. With g = x^2 + z^2 and T = 2 x e_k - z (d_k - d_(k+1)),
+//
+//     c = x / sqrt(g),  s = -z / sqrt(g),  t = T / sqrt(g),   so   c t = x T / g,  s t = -z T / g
+//
+// and with 1 / sqrt(g) = sqrt(g) (1 / g) the division and the root wait for nothing but g. The
+// signs are those of `givens_rotation`: the larger of c and s is not negative. Where g, or a
+// product with T, might leave the range, that function is called.
 template <class Real>
 void implicit_qr_step(Real* d, Real* e, Size first, Size last, Real* pairs) {
+    constexpr Real smallest = range_of_squares<Real>(std::numeric_limits<Real>::min_exponent);
+    constexpr Real largest = range_of_squares<Real>(std::numeric_limits<Real>::max_exponent);
     Real x = d[first] - wilkinson_shift(d[last - 1], e[last - 1], d[last]);
     Real z = e[first];
     Real diagonal = d[first];
     Real off = e[first];
     for (Size k = first; k < last; ++k) {
+        const Real next = d[k + 1];
+        const Real following = k + 1 < last ? e[k + 1] : Real(0);
+        const Real x_squared = x * x;
+        const Real z_squared = z * z;
+        const Real squares = x_squared + z_squared;
+        const Real product = 2 * x * off - z * (diagonal - next);
         Rotation<Real> g;
-        const Real r = rotate_to_zero(x, z, g);
-        if (k > first) e[k - 1] = r;
-        const Real t = g.s * (diagonal - d[k + 1]) + 2 * g.c * off;
-        d[k] = diagonal - g.s * t;
-        diagonal = d[k + 1] + g.s * t;
-        x = g.c * t - off;
-        if (k + 1 < last) {
-            z = -g.s * e[k + 1];
-            off = g.c * e[k + 1];
+        Real r;
+        Real moved;  // from d_k to d_(k+1)
+        if (squares > smallest && squares < largest) {
+            const Real inverse = 1 / squares;
+            // no branch: which is larger cannot be foretold
+            const Real sign_of_x = std::copysign(Real(1), x);
+            const Real to_sign_of_z = std::copysign(Real(1), -z) - sign_of_x;
+            const Real sign = sign_of_x + to_sign_of_z * Real(z_squared > x_squared);
+            r = sign * std::sqrt(squares);
+            const Real root = std::sqrt(squares) * (sign * inverse);
+            g = {x * root, -z * root};
+            moved = -(z * product) * inverse;
+            x = (x * product) * inverse - off;
+            off = g.c * following;
+            z = (z * following) * root;
+        } else {
+            g = givens_rotation(x, z);
+            r = g.c * x - g.s * z;
+            const Real t = g.s * (diagonal - next) + 2 * g.c * off;
+            moved = g.s * t;
+            x = g.c * t - off;
+            off = g.c * following;
+            z = -g.s * following;
         }
+        if (k > first) e[k - 1] = r;
+        d[k] = diagonal - moved;
+        diagonal = next + moved;
         if (pairs != nullptr) {
             pairs[2 * k] = g.c;
             pairs[2 * k + 1] = g.s;

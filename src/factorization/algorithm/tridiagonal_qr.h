@@ -40,7 +40,7 @@ struct RotatedRows {
 // made. Ends when all is diagonal, and when the count reaches the limit, before the step. Answers
 // the count. `target` may be null.
 //
-// The elements are finite, and the largest of them is between 1e-100 and 1e100 (1e-12 and 1e12 in
+// The elements are finite, and the largest of them is between 1e-77 and 1e77 (1e-9 and 1e9 in
 // float) or all are zero: an off-diagonal below the smallest normal number, which rounding in units
 // of the smallest number may keep alive for ever, is nothing then and becomes zero too. Should the
 // limit be above 50 n + 100 steps, it is that: convergence takes about two steps a value.

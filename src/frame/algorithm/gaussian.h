@@ -43,9 +43,14 @@ inline std::uint64_t hashed_bits(std::uint32_t state, std::uint32_t draw) {
     return z ^ (z >> 31);
 }
 
+inline constexpr std::uint32_t kStateStep = 0x144CBC89u;  // times 0x9E3779B9 = 1 (mod 2^32)
+
 inline std::uint32_t next_state(std::uint32_t state) {
-    constexpr std::uint32_t kStep = 0x144CBC89u;  // kStep * 0x9E3779B9 = 1 (mod 2^32)
-    return state + kStep;
+    return state + kStateStep;
+}
+
+inline std::uint32_t state_after(std::uint64_t steps, std::uint32_t state) {
+    return state + static_cast<std::uint32_t>(steps) * kStateStep;
 }
 
 // Uniform on (0, 1], 53 bits.

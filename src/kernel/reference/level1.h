@@ -84,6 +84,12 @@ Real distance_squared(Size n, const Real* x, Size sx, const Real* y, Size sy) {
 }
 
 template <class Real>
+void squared_distances(Size n, Size d, const Real* x, Block<const Real> a, Real* out) {
+    for (Size i = 0; i < n; ++i)
+        out[i] = distance_squared(d, x, 1, a.data + i * a.row_stride, a.column_stride);
+}
+
+template <class Real>
 void axpy(Size n, Real alpha, const Real* x, Size sx, Real* y, Size sy) {
     for (Size i = 0; i < n; ++i) y[i * sy] += alpha * x[i * sx];
 }

@@ -97,6 +97,87 @@ Real distance_squared(Size n, const Real* x, Size sx, const Real* y, Size sy) {
     });
 }
 
+// The distances of x from `rows` contiguous rows at once.
+template <class Real, unsigned rows>
+NEQUAR_INLINE void squared_distances_of_rows(Size d, const Real* x, const Real* a, Size step,
+                                             Real* out) {
+    constexpr Size lanes = kLanes<Real>;
+    Vector<Real> acc[rows] = {};
+    Size k = 0;
+    for (; k + lanes <= d; k += lanes) {
+        const Vector<Real> xk = load(x + k);
+        NEQUAR_UNROLL for (unsigned r = 0; r < rows; ++r) {
+            const Vector<Real> v = xk - load(a + Size(r) * step + k);
+            acc[r] = multiply_add(v, v, acc[r]);
+        }
+    }
+    if (k < d) {
+        const FirstLanes<Real> last = first_lanes<Real>(d - k);
+        const Vector<Real> xk = load(x + k, last);
+        NEQUAR_UNROLL for (unsigned r = 0; r < rows; ++r) {
+            const Vector<Real> v = xk - load(a + Size(r) * step + k, last);
+            acc[r] = multiply_add(v, v, acc[r]);
+        }
+    }
+    NEQUAR_UNROLL for (unsigned r = 0; r < rows; ++r) out[r] = sum_of_lanes<Real>(acc[r]);
+}
+
+// Where columns are contiguous: a stretch of out grows by a few columns at a time, so that memory
+// is read in a few streams.
+template <class Real>
+NEQUAR_INLINE void squared_distances_by_columns(Size n, Size d, const Real* x, const Real* a,
+                                                Size step, Real* out) {
+    constexpr Size lanes = kLanes<Real>;
+    constexpr Size stretch = 1024;
+    constexpr Size columns = 8;
+    for (Size start = 0; start < n; start += stretch) {
+        const Size end = start + stretch < n ? start + stretch : n;
+        Size k = 0;
+        do {
+            const Size count = d - k < columns ? d - k : columns;
+            const auto grow = [&](Size i, auto load_at, auto store_at) {
+                Vector<Real> acc = {};
+                if (k > 0) acc = load_at(out + i);
+                for (Size j = k; j < k + count; ++j) {
+                    const Vector<Real> v = broadcast(x[j]) - load_at(a + j * step + i);
+                    acc = multiply_add(v, v, acc);
+                }
+                store_at(out + i, acc);
+            };
+            Size i = start;
+            for (; i + lanes <= end; i += lanes) {
+                grow(
+                    i, [](const Real* p) { return load(p); },
+                    [](Real* p, Vector<Real> v) { store(p, v); });
+            }
+            if (i < end) {
+                const FirstLanes<Real> last = first_lanes<Real>(end - i);
+                grow(
+                    i, [last](const Real* p) { return load(p, last); },
+                    [last](Real* p, Vector<Real> v) { store(p, v, last); });
+            }
+            k += count;
+        } while (k < d);
+    }
+}
+
+template <class Real>
+void squared_distances(Size n, Size d, const Real* x, Block<const Real> a, Real* out) {
+    if (a.row_stride == 1 && (a.column_stride != 1 || d == 1)) {
+        squared_distances_by_columns(n, d, x, a.data, a.column_stride, out);
+        return;
+    }
+    Size i = 0;
+    if (a.column_stride == 1) {
+        for (; i + 4 <= n; i += 4) {
+            squared_distances_of_rows<Real, 4>(d, x, a.data + i * a.row_stride, a.row_stride,
+                                               out + i);
+        }
+    }
+    for (; i < n; ++i)
+        out[i] = distance_squared(d, x, 1, a.data + i * a.row_stride, a.column_stride);
+}
+
 template <class Real>
 NEQUAR_INLINE Real magnitude_of(Real x) {
     return x < 0 ? -x : x;

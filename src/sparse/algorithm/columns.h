@@ -51,21 +51,33 @@ struct Columns {
     }
 };
 
-// The first k of [begin, end) with sorted[k] >= bound, or end. The loop has no branch that depends
-// on what is found.
+inline constexpr Size kFewElements = 16;
+
+// The first k of [begin, end) with sorted[k] >= bound, or end: bisection down to a few elements, of
+// which the smaller ones are counted. No branch depends on what is found.
 inline Size first_not_below(const int* sorted, Size begin, Size end, Size bound) {
-    Size length = end - begin;
-    const int* base = sorted + begin;
-    while (length > 1) {
-        const Size half = length / 2;
-        base += base[half - 1] < bound ? half : 0;
-        length -= half;
+    while (end - begin > kFewElements) {
+        const Size half = (end - begin) / 2;
+        const bool is_below = sorted[begin + half - 1] < bound;
+        begin = is_below ? begin + half : begin;
+        end = is_below ? end : begin + half;
     }
-    return (base - sorted) + (length == 1 && *base < bound ? 1 : 0);
+    Size below = 0;
+    for (Size k = begin; k < end; ++k) below += sorted[k] < bound;
+    return begin + below;
 }
 
 // The part of a sorted range whose elements lie in [first, last).
 inline Range part_between(const int* sorted, Range range, Size first, Size last) {
+    if (range.length() <= kFewElements) {
+        Size below_first = 0;
+        Size below_last = 0;
+        for (Size k = range.begin; k < range.end; ++k) {
+            below_first += sorted[k] < first;
+            below_last += sorted[k] < last;
+        }
+        return {range.begin + below_first, range.begin + below_last};
+    }
     const Size begin = first_not_below(sorted, range.begin, range.end, first);
     return {begin, first_not_below(sorted, begin, range.end, last)};
 }

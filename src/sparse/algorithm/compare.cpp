@@ -1,5 +1,9 @@
 #include "sparse/algorithm/compare.h"
 
+#include <bit>
+#include <cstdint>
+#include <type_traits>
+
 namespace nequar {
 namespace {
 
@@ -90,19 +94,24 @@ bool are_equal(const Columns<Real>& a, const Columns<Real>& b) {
                        [](const Run<Real>& x, const Run<Real>& y) { return are_equal(x, y); });
 }
 
+// Nothing branches on which index is the smaller: the product, zero or the old value is selected by
+// bits.
 template <class Real>
 void multiply_elementwise(const Run<Real>& a, const Run<Real>& b, Real* values) {
-    walk(
-        a, b,
-        [&](Size i, Size j) {
-            values[i] *= b.values[j];
-            return true;
-        },
-        [&](Size i) {
-            values[i] = Real(0);
-            return true;
-        },
-        [](Size) { return true; });
+    using Bits = std::conditional_t<sizeof(Real) == 8, std::uint64_t, std::uint32_t>;
+    Size i = 0;
+    Size j = 0;
+    while (i < a.count && j < b.count) {
+        const int at = a.indices[i];
+        const int bt = b.indices[j];
+        const Bits both = Bits(0) - Bits(at == bt);
+        const Bits not_yet = Bits(0) - Bits(at > bt);
+        values[i] = std::bit_cast<Real>((std::bit_cast<Bits>(values[i] * b.values[j]) & both) |
+                                        (std::bit_cast<Bits>(values[i]) & not_yet));
+        i += at <= bt;
+        j += bt <= at;
+    }
+    std::fill(values + i, values + a.count, Real(0));
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                       \

@@ -13,7 +13,11 @@
 // the target's own run.
 #pragma once
 
+#include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "sparse/algorithm/columns.h"
 
@@ -24,11 +28,9 @@ template <class Real>
 struct AddRule {
     Real factor;
 
-    static constexpr bool keeps_alone = true;
+    static constexpr bool adds = true;
     bool inserts(Real b) const { return b != Real(0); }
     Real inserted(Real b) const { return factor * b; }
-    Real both(Real a, Real b) const { return b != Real(0) ? a + factor * b : a; }
-    Real alone(Real a) const { return a; }
 };
 
 // target += factor source, element by element: only a product other than zero is inserted.
@@ -36,21 +38,17 @@ template <class Real>
 struct AddElementsRule {
     Real factor;
 
-    static constexpr bool keeps_alone = true;
+    static constexpr bool adds = true;
     bool inserts(Real b) const { return factor * b != Real(0); }
     Real inserted(Real b) const { return factor * b; }
-    Real both(Real a, Real b) const { return a + factor * b; }
-    Real alone(Real a) const { return a; }
 };
 
 // target := source. What only the target stores becomes a stored zero.
 template <class Real>
 struct WriteRule {
-    static constexpr bool keeps_alone = false;
+    static constexpr bool adds = false;
     bool inserts(Real b) const { return b != Real(0); }
     Real inserted(Real b) const { return b; }
-    Real both(Real, Real b) const { return b; }
-    Real alone(Real) const { return Real(0); }
 };
 
 // How many elements of the source, each moved down by `shift` rows, are to be inserted among the
@@ -78,50 +76,97 @@ void move_up(Element* elements, Size begin, Size end, Size by) {
                      static_cast<std::size_t>(end - begin) * sizeof(Element));
 }
 
-// Writes the source into the target's elements [part.begin, part.end); the result ends where the
-// part did, `room` places further up. Answers the room that is left below the result.
+// x, or, if it is not wanted, -0.0, which added to anything leaves it as it is.
+template <class Real>
+Real if_wanted(Real x, bool is_wanted) {
+    using Bits = std::conditional_t<sizeof(Real) == 8, std::uint64_t, std::uint32_t>;
+    constexpr Bits kSign = Bits(1) << (8 * sizeof(Bits) - 1);
+    const Bits mask = Bits(0) - Bits(is_wanted);
+    return std::bit_cast<Real>(((std::bit_cast<Bits>(x) ^ kSign) & mask) ^ kSign);
+}
+
+// Adds the source to the target's elements [part.begin, part.end); the result ends where the part
+// did, `room` places further up. Answers the room that is left below the result. What comes next is
+// a coin toss in each step, so nothing branches on it.
 template <class Rule, class Real>
-Size merge_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
+Size add_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
+                  const Run<Real>& source) {
+    Size i = part.end - 1;
+    Size j = source.count - 1;
+    while (i >= part.begin && j >= 0 && room > 0) {
+        const Real b = source.values[j];
+        if (!rule.inserts(b)) {  // rare
+            --j;
+            continue;
+        }
+        const int in_target = rows[i];
+        const int in_source = source.indices[j];
+        const bool takes_target = in_target >= in_source;
+        const bool takes_source = in_source >= in_target;
+        values[i + room] =
+            if_wanted(values[i], takes_target) + if_wanted(rule.inserted(b), takes_source);
+        rows[i + room] = takes_target ? in_target : in_source;
+        i -= takes_target;
+        j -= takes_source;
+        room -= !takes_target;
+    }
+    if (room == 0) {  // what is left of the source stands in the target already
+        while (i >= part.begin && j >= 0) {
+            const Real b = source.values[j];
+            const int in_target = rows[i];
+            const int in_source = source.indices[j];
+            values[i] += if_wanted(rule.inserted(b), in_target == in_source && rule.inserts(b));
+            i -= in_target >= in_source;
+            j -= in_source >= in_target;
+        }
+        return 0;
+    }
+    for (; j >= 0 && room > 0; --j) {
+        const Real b = source.values[j];
+        if (!rule.inserts(b)) continue;
+        rows[i + room] = source.indices[j];
+        values[i + room] = rule.inserted(b);
+        --room;
+    }
+    for (; i >= part.begin; --i) {
+        rows[i + room] = rows[i];
+        values[i + room] = values[i];
+    }
+    return room;
+}
+
+// The same for a source that replaces the target's elements: what it does not store becomes zero.
+template <class Rule, class Real>
+Size write_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
                     const Run<Real>& source, Size shift) {
     Size i = part.end - 1;
     Size j = source.count - 1;
-    Size to = part.end + room - 1;
-    while (i >= part.begin && j >= 0) {
-        const Size in_target = rows[i];
-        const Size in_source = source.indices[j] + shift;
-        const Real b = source.values[j];
-        if (in_target > in_source) {
-            rows[to] = rows[i];
-            values[to] = rule.alone(values[i]);
-            --to, --i;
-        } else if (in_target == in_source) {
-            rows[to] = rows[i];
-            values[to] = rule.both(values[i], b);
-            --to, --i, --j;
+    while (i >= part.begin || (j >= 0 && room > 0)) {
+        const Size in_target = i >= part.begin ? rows[i] : PTRDIFF_MIN;
+        const Size in_source = j >= 0 ? source.indices[j] + shift : PTRDIFF_MIN;
+        if (in_target >= in_source) {
+            rows[i + room] = rows[i];
+            values[i + room] = in_target == in_source ? source.values[j] : Real(0);
+            --i;
+            j -= in_target == in_source;
         } else {
-            if (rule.inserts(b)) {
-                rows[to] = static_cast<int>(in_source);
-                values[to] = rule.inserted(b);
-                --to;
-            }
-            --j;
+            const Real b = source.values[j--];
+            if (!rule.inserts(b) || room == 0) continue;
+            rows[i + room] = static_cast<int>(in_source);
+            values[i + room] = rule.inserted(b);
+            --room;
         }
     }
-    for (; j >= 0; --j) {
-        const Real b = source.values[j];
-        if (!rule.inserts(b)) continue;
-        rows[to] = static_cast<int>(source.indices[j] + shift);
-        values[to] = rule.inserted(b);
-        --to;
-    }
-    const Size left = to - i;
-    if constexpr (Rule::keeps_alone) {
-        move_up(values, part.begin, i + 1, left);
-    } else {
-        for (Size k = i; k >= part.begin; --k) values[k + left] = rule.alone(values[k]);
-    }
-    move_up(rows, part.begin, i + 1, left);
-    return left;
+    return room;
+}
+
+template <class Rule, class Real>
+Size merge_from_end(const Rule& rule, int* rows, Real* values, Range part, Size room,
+                    const Run<Real>& source, Size shift) {
+    if constexpr (Rule::adds)
+        return add_from_end(rule, rows, values, part, room, source);  // adding never shifts
+    else
+        return write_from_end(rule, rows, values, part, room, source, shift);
 }
 
 // The number of elements to be inserted into columns first … last-1 of the target: part_of(rows,
@@ -138,13 +183,14 @@ Size count_absent(const Rule& rule, const Columns<Real>& target, Size first, Siz
     return absent;
 }
 
-// Carries it out. `count` elements were stored, the arrays have room for `absent` more, and the
-// start pointers are in order. The columns are asked for from last-1 down to first.
+// Carries it out. `count` elements were stored, the arrays have `room` more, at least as many as
+// are absent, and the start pointers are in order. The columns are asked for from last-1 down to
+// first. Answers the room that was not needed: the elements of the first column and what follows
+// stand that much too high, and so do their start pointers but the first.
 template <class Rule, class Real, class PartOf, class SourceOf>
-void merge_columns(const Rule& rule, Size width, int* start, int* rows, Real* values, Size count,
-                   Size absent, Size first, Size last, const PartOf& part_of,
+Size merge_columns(const Rule& rule, Size width, int* start, int* rows, Real* values, Size count,
+                   Size room, Size first, Size last, const PartOf& part_of,
                    const SourceOf& source_of, Size shift) {
-    Size room = absent;
     move_up(values, start[last], count, room);
     move_up(rows, start[last], count, room);
     if (room != 0)
@@ -161,6 +207,31 @@ void merge_columns(const Rule& rule, Size width, int* start, int* rows, Real* va
         move_up(rows, begin, part.begin, room);
         end = begin;
     }
+    return room;
+}
+
+// Takes the room that a merge of all columns left before the elements away.
+template <class Real>
+void move_down(int* start, Size width, int* rows, Real* values, Size room) {
+    if (room == 0) return;
+    const auto count = static_cast<std::size_t>(start[width] - room);
+    std::memmove(values, values + room, count * sizeof(Real));
+    std::memmove(rows, rows + room, count * sizeof(int));
+    for (Size c = 1; c <= width; ++c) start[c] -= static_cast<int>(room);
+}
+
+// Whether two matrices of one shape store the same places; the first difference ends the search.
+template <class Real>
+bool have_same_places(const Columns<Real>& a, const Columns<Real>& b) {
+    return a.count == b.count && std::equal(a.rows, a.rows + a.count, b.rows) &&
+           std::equal(a.start, a.start + a.width + 1, b.start);
+}
+
+// values += factor source for equal places; may be the source's own values.
+template <class Real>
+void add_values(const AddRule<Real>& rule, const Real* source, Size count, Real* values) {
+    for (Size k = 0; k < count; ++k)
+        values[k] = rule.inserts(source[k]) ? values[k] + rule.inserted(source[k]) : values[k];
 }
 
 }  // namespace nequar

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <limits>
 
+#include "kernel/kernel.h"
+
 namespace nequar {
 namespace {
 
@@ -12,42 +14,74 @@ template <class Real>
 constexpr Real kSafelyLarge =
     std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
 
+constexpr Size kBlock = 1024;
+
 template <bool largest, class Real>
 bool beats(Real a, Real b) {
     return largest ? a > b : a < b;
 }
 
+// The extremum of a block, or `other` if that is none worse.
 template <bool largest, class Real>
-Size position_of_extremum(const Real* x, Size count) {
-    constexpr Size kLanes = 8;
-    if (x[0] != x[0]) return 0;
+Real extremum(const Real* x, Size count, Real other) {
+    constexpr Size kLanes = 16;
     Real best[kLanes];
-    for (Real& lane : best) lane = x[0];
+    for (Real& lane : best) lane = other;
     Size k = 0;
     for (; k + kLanes <= count; k += kLanes)
         for (Size lane = 0; lane < kLanes; ++lane)
             best[lane] = beats<largest>(x[k + lane], best[lane]) ? x[k + lane] : best[lane];
     for (; k < count; ++k) best[0] = beats<largest>(x[k], best[0]) ? x[k] : best[0];
     for (const Real lane : best) best[0] = beats<largest>(lane, best[0]) ? lane : best[0];
-    if (x[0] == best[0]) return 0;
-    Size position = count - 1;
-    while (!(x[position] == best[0])) --position;
+    return best[0];
+}
+
+// Block by block from the end: the first block that holds the extremum holds its last place.
+template <bool largest, class Real>
+Size position_of_extremum(const Real* x, Size count) {
+    if (x[0] != x[0]) return 0;
+    Real best = x[0];
+    Size best_end = 0;
+    for (Size end = count; end > 0; end -= std::min(end, kBlock)) {
+        const Size begin = end - std::min(end, kBlock);
+        const Real of_block = extremum<largest>(x + begin, end - begin, best);
+        if (!beats<largest>(of_block, best)) continue;
+        best = of_block;
+        best_end = end;
+    }
+    if (best_end == 0) return 0;
+    Size position = best_end - 1;
+    while (!(x[position] == best)) --position;
     return position;
+}
+
+// sum of f(block, n) over blocks of x
+template <class Real, class OfBlock>
+Real sum_of_blocks(const Real* x, Size count, const OfBlock& of_block) {
+    Real total = 0;
+    for (Size k = 0; k < count; k += kBlock) total += of_block(x + k, std::min(kBlock, count - k));
+    return total;
+}
+
+// sum of (x_k - mean)^2
+template <class Real>
+Real squares_about(const Real* x, Size count, Real mean) {
+    Real means[kBlock];
+    std::fill_n(means, std::min(kBlock, count), mean);
+    return sum_of_blocks(x, count, [&means](const Real* block, Size n) {
+        return kernel::distance_squared<Real>({block, n}, {means, n});
+    });
 }
 
 }  // namespace
 
 template <class Real>
 Real sum(const Real* x, Size count) {
-    constexpr Size kLanes = 16;
-    Real part[kLanes] = {};
-    Size k = 0;
-    for (; k + kLanes <= count; k += kLanes)
-        for (Size lane = 0; lane < kLanes; ++lane) part[lane] += x[k + lane];
-    for (; k < count; ++k) part[k % kLanes] += x[k];
-    for (Size half = kLanes / 2; half > 0; half /= 2)
-        for (Size lane = 0; lane < half; ++lane) part[lane] += part[lane + half];
-    return part[0];
+    Real ones[kBlock];
+    std::fill_n(ones, std::min(kBlock, count), Real(1));
+    return sum_of_blocks(x, count, [&ones](const Real* block, Size n) {
+        return kernel::dot<Real>({block, n}, {ones, n});
+    });
 }
 
 template <class Real>
@@ -63,24 +97,20 @@ Real mean(const Real* x, Size count, Size total) {
 template <class Real>
 Real deviation(const Real* x, Size count, Size total, Real mean) {
     if (total == 0) return Real(0);
-    constexpr Size kLanes = 16;
-    const auto squares = [=](Real scale) {
-        Real part[kLanes] = {};
-        const auto square = [=](Real difference) { return difference * difference; };
-        Size k = 0;
-        for (; k + kLanes <= count; k += kLanes)
-            for (Size lane = 0; lane < kLanes; ++lane)
-                part[lane] += square((x[k + lane] - mean) / scale);
-        for (; k < count; ++k) part[0] += square((x[k] - mean) / scale);
-        return sum(part, kLanes) + static_cast<Real>(total - count) * square(mean / scale);
-    };
-    const Real plain = squares(Real(1));
-    if (std::isfinite(plain) && plain > kSafelyLarge<Real>)
-        return std::sqrt(plain / static_cast<Real>(total));
+    const auto elements = static_cast<Real>(total);
+    const auto zeros = static_cast<Real>(total - count);
+    Real plain = squares_about(x, count, mean);
+    if (total > count) plain += zeros * (mean * mean);  // which may overflow
+    if (std::isfinite(plain) && plain > kSafelyLarge<Real>) return std::sqrt(plain / elements);
     Real largest = total > count ? std::abs(mean) : Real(0);
     for (Size k = 0; k < count; ++k) largest = std::max(largest, std::abs(x[k] - mean));
     if (largest == Real(0) || !std::isfinite(largest) || plain != plain) return std::sqrt(plain);
-    return largest * std::sqrt(squares(largest) / static_cast<Real>(total));
+    Real scaled = zeros * ((mean / largest) * (mean / largest));
+    for (Size k = 0; k < count; ++k) {
+        const Real difference = (x[k] - mean) / largest;
+        scaled += difference * difference;
+    }
+    return largest * std::sqrt(scaled / elements);
 }
 
 template <class Real>

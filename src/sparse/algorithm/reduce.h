@@ -6,7 +6,7 @@
 
 namespace nequar {
 
-// sum of x_k in sixteen partial sums
+// sum of x_k
 template <class Real>
 Real sum(const Real* x, Size count);
 

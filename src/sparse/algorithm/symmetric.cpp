@@ -51,8 +51,8 @@ Real total_elements(const Columns<Real>& lower) {
 template <class Real>
 Real root_of_squares(const Columns<Real>& lower, Real centre, Real absent, Real divisor) {
     const auto square = [](Real difference) { return difference * difference; };
-    const Real plain =
-        sum_of_full(lower, [=](Real v) { return square(v - centre); }) + absent * square(centre);
+    Real plain = sum_of_full(lower, [=](Real v) { return square(v - centre); });
+    if (absent > Real(0)) plain += absent * square(centre);  // which may overflow
     if (std::isfinite(plain) && plain > kSafelyLarge<Real>) return std::sqrt(plain / divisor);
     Real largest = absent > Real(0) ? std::abs(centre) : Real(0);
     for (Size k = 0; k < lower.count; ++k)

@@ -10,9 +10,22 @@ namespace nequar {
 template <class Real>
 Size stored_in_columns(const Columns<Real>& a);
 
-// B has a.width rows and a.height columns; `start` has a.height + 1 pointers, `rows` and `values`
-// room for the elements. All row numbers of A have to lie in 0 … a.height-1.
+// An element on its way, and how many of them a transposition of so many elements needs room for; 0
+// when it goes without.
 template <class Real>
-void transpose(const Columns<Real>& a, int* start, int* rows, Real* values);
+struct Traveller {
+    int row;
+    int column;
+    Real value;
+};
+template <class Real>
+Size travellers(Size count, Size height);
+
+// B has a.width rows and a.height columns; `start` has a.height + 1 pointers, `rows` and `values`
+// room for the elements. All row numbers of A have to lie in 0 … a.height-1. `scratch` holds what
+// `travellers` said, or is null.
+template <class Real>
+void transpose(const Columns<Real>& a, Traveller<Real>* scratch, int* start, int* rows,
+               Real* values);
 
 }  // namespace nequar

@@ -13,43 +13,18 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 constexpr double kTwoPi = 6.283185307179586;
-constexpr Size kColumns = 1024;  // samples by column that are treated at a time: two rows in cache
+constexpr Size kCounted = 1024;  // samples whose distances are compared at a time
 constexpr Size kForms = 128;     // samples whose deviations are multiplied by S at a time
-
-// Coordinate by coordinate, for w samples that are columns.
-template <class Real>
-void squared_distances_of_columns(const Real* x, View<const Real> samples, Real* out) {
-    const Size w = samples.height;
-    Real square[kColumns];
-    kernel::fill(w, Real(0), out);
-    for (Size k = 0; k < samples.width; ++k) {
-        kernel::add_constant(w, &samples(0, k), -x[k], square);
-        kernel::multiply_elementwise<Real>(w, square, square, square);
-        kernel::add<Real>(w, out, square, out);
-    }
-}
 
 }  // namespace
 
 template <class Real>
-void squared_distances(const Real* x, View<const Real> samples, Real* out) {
-    const Size n = samples.height;
-    if (stored_as_columns(samples)) {
-        for (Size i = 0; i < n; i += kColumns)
-            squared_distances_of_columns(x, samples.rows(i, std::min(kColumns, n - i)), out + i);
-        return;
-    }
-    const Strided<const Real> point(x, samples.width);
-    for (Size i = 0; i < n; ++i) out[i] = kernel::distance_squared(point, samples.row(i));
-}
-
-template <class Real>
 Size count_within(const Real* x, View<const Real> samples, Real limit) {
-    Real distances[kColumns];
+    Real distances[kCounted];
     Size count = 0;
-    for (Size i = 0; i < samples.height; i += kColumns) {
-        const Size w = std::min(kColumns, samples.height - i);
-        squared_distances(x, samples.rows(i, w), distances);
+    for (Size i = 0; i < samples.height; i += kCounted) {
+        const Size w = std::min(kCounted, samples.height - i);
+        kernel::squared_distances(x, samples.rows(i, w), distances);
         if (has_nan(w, distances)) return -1;
         for (Size j = 0; j < w; ++j) count += distances[j] <= limit ? 1 : 0;
     }
@@ -129,7 +104,6 @@ void gaussian_values(Size n, double height, double factor, Real* values) {
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                              \
-    template void squared_distances(const Real*, View<const Real>, Real*);                    \
     template Size count_within(const Real*, View<const Real>, Real);                          \
     template Real nearest_neighbour_density<Real>(Size, Size, double);                        \
     template Real parzen_density(const Real*, View<const Real>, Real, double);                \

@@ -7,10 +7,6 @@
 
 namespace nequar {
 
-// out[i] = sum_k (x[k] - s_i[k])^2; out overlaps nothing.
-template <class Real>
-void squared_distances(const Real* x, View<const Real> samples, Real* out);
-
 // The number of samples with a squared distance from x of at most `limit`; -1 when some distance is
 // not a number.
 template <class Real>

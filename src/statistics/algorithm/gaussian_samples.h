@@ -18,6 +18,18 @@ void fill_gaussian(Size n, std::uint32_t& state, Real* out) {
     state = s;
 }
 
+// Columns first ... first + panel.width - 1 of the matrix of `total_width` columns, as high as the
+// panel, that fill_gaussian fills row after row from `state`.
+template <class Real>
+void fill_gaussian_panel(Size first, Size total_width, std::uint32_t state, View<Real> panel) {
+    const Size total = panel.height * total_width;
+    for (Size k = 0; k < panel.height; ++k) {
+        const Size last = k * total_width + first + panel.width - 1;
+        std::uint32_t s = state_after(static_cast<std::uint64_t>(total - 1 - last), state);
+        fill_gaussian(panel.width, s, &panel(k, 0));
+    }
+}
+
 // a[i] = mean + sqrt(variance) sample for the selected i in ascending order; answers how many.
 template <class Real>
 Size replace_gaussian(Real mean, Real variance, const Selection& selection, std::uint32_t& state,

@@ -22,7 +22,7 @@ Outcome gram_of_deviations(View<const Real> samples, Real* mean, View<Real> devi
         for (Size i = 0; i < n; ++i)
             kernel::subtract<Real>(d, &samples(i, 0), mean, &deviations(i, 0));
     }
-    kernel::syrk(kernel::Triangle::lower, Real(1),
+    kernel::syrk(kernel::Triangle::upper, Real(1),
                  reading(n <= d ? deviations : deviations.transposed()), kernel::Update::set, gram);
     return Outcome::success();
 }

@@ -12,7 +12,7 @@
 
 namespace nequar {
 
-// Writes mean[0 ... d-1], D (n x d, stored like the samples), and the lower triangle of G.
+// Writes mean[0 ... d-1], D (n x d, stored like the samples), and the upper triangle of G.
 template <class Real>
 Outcome gram_of_deviations(View<const Real> samples, Real* mean, View<Real> deviations,
                            View<Real> gram);

@@ -19,6 +19,15 @@ struct Selection {
         for (Size i = begin; i < end; ++i) selected += mask[i] ? 1 : 0;
         return selected;
     }
+
+    // Takes the first `wanted` selected elements away: the part of the range that holds them. That
+    // many are left.
+    Selection take(Size wanted) {
+        Selection part{begin, begin, mask};
+        for (; wanted > 0; ++part.end) wanted -= has(part.end) ? 1 : 0;
+        begin = part.end;
+        return part;
+    }
 };
 
 // out := the selected elements of a, one after another
