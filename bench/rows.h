@@ -86,6 +86,16 @@ template <class Real>
 Case make_normal_numbers(Size n);  // 1000 n numbers
 template <class Real>
 Case make_components(Size n);  // 10 n samples of dimension n
+template <class Real>
+Case make_singular_values(Size n);  // u_dsvb_ with enough steps
+template <class Real>
+Case make_singular_vectors(Size n);
+template <class Real>
+Case make_singular_vectors_beside_dc(Size n);  // the peer's divide and conquer
+template <class Real>
+Case make_tall_singular(Size n);  // 10000 x n, values and V
+template <class Real>
+Case make_pseudo_inverse(Size n);  // pisv_
 
 // Sparse matrices of order n with ten elements in a column: rows/sparse.cpp
 template <class Real, SparseOperation operation>

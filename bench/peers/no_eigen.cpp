@@ -1,6 +1,7 @@
 // Stands for Eigen where it was not found.
 #include "peers/orthogonal.h"
 #include "peers/peers.h"
+#include "peers/singular.h"
 #include "peers/sparse.h"
 #include "peers/spectrum.h"
 #include "peers/statistics.h"
@@ -40,6 +41,15 @@ const StatisticsPeer<double>* statistics_eigen() {
 }
 template <>
 const StatisticsPeer<float>* statistics_eigen() {
+    return nullptr;
+}
+
+template <>
+const SingularPeer<double>* singular_eigen() {
+    return nullptr;
+}
+template <>
+const SingularPeer<float>* singular_eigen() {
     return nullptr;
 }
 

@@ -1,6 +1,7 @@
 // Stands for OpenBLAS where it was not found.
 #include "peers/orthogonal.h"
 #include "peers/peers.h"
+#include "peers/singular.h"
 #include "peers/spectrum.h"
 
 namespace bench {
@@ -29,6 +30,15 @@ const SpectrumPeer<double>* spectrum_openblas() {
 }
 template <>
 const SpectrumPeer<float>* spectrum_openblas() {
+    return nullptr;
+}
+
+template <>
+const SingularPeer<double>* singular_openblas() {
+    return nullptr;
+}
+template <>
+const SingularPeer<float>* singular_openblas() {
     return nullptr;
 }
 
