@@ -4,6 +4,7 @@
 
 #include "case.h"
 #include "peers/sparse.h"
+#include "peers/level12.h"
 
 namespace bench {
 
@@ -15,11 +16,31 @@ Case make_gemm(Size n);
 template <class Real, Pattern pattern>
 Case make_object_product(Size n);
 
+// Products with one short side, nn: C n x 8, C 8 x n, and C n x n from 32 columns.
+enum class Thin { few_columns, few_rows, few_steps };
+template <class Real, Thin thin>
+Case make_thin_gemm(Size n);
+
+// Vectors of n or n^2 elements, A x and A'x, transpositions, packed symmetric matrices.
+template <class Real, VectorWork work, bool squared>
+Case make_level1(Size n);
+template <class Real, bool transposed>
+Case make_gemv(Size n);
+template <class Real, bool in_place>
+Case make_transpose(Size n);
+template <class Real, bool exports>
+Case make_packing(Size n);
+// T X = B with n right-hand sides, and the inverse of T, T lower triangular.
+template <class Real, bool inverse>
+Case make_triangle(Size n);
+template <class Real>
+Case make_gauss_jordan(Size n);  // sgj_, one right-hand side, beside full pivoting
+
 template <class Real>
 Case make_lu(Size n);  // in place, pivots before the update, u_dluc_
 template <class Real>
 Case make_lup(Size n);  // in place, partial pivoting, u_dlup_
-template <class Real>
+template <class Real, bool lower>
 Case make_cholesky(Size n);  // in place, u_dch_
 template <class Real>
 Case make_solve_lu_vector(Size n);  // slu_, one right-hand side

@@ -1,4 +1,5 @@
 // Factorizations in place; everybody copies the matrix before he overwrites it.
+#include <algorithm>
 #include <limits>
 #include <memory>
 
@@ -68,18 +69,29 @@ Case make_lup(Size n) {
     });
 }
 
+// From the bottom right corner instead of the top left: with its rows and columns the other way
+// round, the factor of A = U U' is the lower factor of A the other way round.
 template <class Real>
+std::vector<Real> turned(std::vector<Real> rows) {
+    std::reverse(rows.begin(), rows.end());
+    return rows;
+}
+
+template <class Real, bool lower>
 Case make_cholesky(Size size) {
     const auto s = std::make_shared<State<Real>>(definite_matrix<Real>(size));
     const auto n = static_cast<double>(size);
     Case one{1.0 / 3 * n * n * n, {}};
     const auto run = [s] {
         s->work.cp_Copy(&s->a);
-        s->good = s->solver.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &s->work);
+        s->good = s->solver.u_dch_Decompose_matrix_by_Cholesky_algorithm(lower, &s->work);
     };
     one.contenders.push_back({Who::nequar, run, [s] {
-                                  return s->good ? error_of_cholesky(s->problem, rows_of(s->work))
-                                                 : kWrong;
+                                  if (!s->good) return kWrong;
+                                  if (lower) return error_of_cholesky(s->problem, rows_of(s->work));
+                                  Problem<Real> a = s->problem;
+                                  a.rows = turned(a.rows);
+                                  return error_of_cholesky(a, turned(rows_of(s->work)));
                               }});
     for (const auto& [who, peer] : peers<Real>()) {
         const PeerTask<Real> task = peer->cholesky(s->problem);
@@ -95,6 +107,9 @@ Case make_cholesky(Size size) {
     template Case make<float>(Size);
 NEQUAR_BOTH(make_lu)
 NEQUAR_BOTH(make_lup)
-NEQUAR_BOTH(make_cholesky)
+template Case make_cholesky<double, true>(Size);
+template Case make_cholesky<double, false>(Size);
+template Case make_cholesky<float, true>(Size);
+template Case make_cholesky<float, false>(Size);
 
 }  // namespace bench

@@ -1,4 +1,4 @@
-// Products of square matrices, 2 n^3 operations.
+// Products, 2 m n k operations.
 #include <memory>
 
 #include "kernel/kernel.h"
@@ -25,8 +25,8 @@ struct Operands {
 
 template <class Real, Pattern pattern>
 Case peers_only(const std::shared_ptr<Operands<Real>>& s) {
-    const auto n = static_cast<double>(s->a.height);
-    Case one{2 * n * n * n, {}};
+    const auto inner = static_cast<double>(transposes_a(pattern) ? s->a.height : s->a.width);
+    Case one{2 * static_cast<double>(s->c.size()) * inner, {}};
     for (const auto& [who, peer] : peers<Real>()) {
         const PeerTask<Real> task =
             peer->product(s->a, transposes_a(pattern), s->b, transposes_b(pattern));
@@ -69,6 +69,27 @@ Case make_gemm(Size n) {
     return one;
 }
 
+template <class Real, Thin thin>
+Case make_thin_gemm(Size n) {
+    const Size m = thin == Thin::few_rows ? 8 : n, width = thin == Thin::few_columns ? 8 : n;
+    const Size k = thin == Thin::few_steps ? 32 : n;
+    const auto s = std::make_shared<Operands<Real>>(
+        Operands<Real>{random_matrix<Real>(m, k, 3), random_matrix<Real>(k, width, 4),
+                       std::vector<Real>(static_cast<std::size_t>(m * width))});
+    Case one = peers_only<Real, Pattern::nn>(s);
+    const auto run = [=] {
+        using nequar::View;
+        nequar::kernel::gemm<Real>(Real(1), View<const Real>(s->a.rows.data(), m, k, k),
+                                   View<const Real>(s->b.rows.data(), k, width, width),
+                                   nequar::kernel::Update::set,
+                                   View<Real>(s->c.data(), m, width, width));
+    };
+    one.contenders.insert(
+        one.contenders.begin(),
+        {Who::nequar, run, [s] { return error_of_product(s->a, false, s->b, false, s->c); }});
+    return one;
+}
+
 template <class Real, Pattern pattern>
 Case make_object_product(Size n) {
     static_assert(pattern != Pattern::tt, "there is no such operation on objects");
@@ -104,6 +125,12 @@ NEQUAR_PATTERN(make_gemm, nn)
 NEQUAR_PATTERN(make_gemm, nt)
 NEQUAR_PATTERN(make_gemm, tn)
 NEQUAR_PATTERN(make_gemm, tt)
+#define NEQUAR_THIN(thin)                                   \
+    template Case make_thin_gemm<double, Thin::thin>(Size); \
+    template Case make_thin_gemm<float, Thin::thin>(Size);
+NEQUAR_THIN(few_columns)
+NEQUAR_THIN(few_rows)
+NEQUAR_THIN(few_steps)
 NEQUAR_PATTERN(make_object_product, nn)
 NEQUAR_PATTERN(make_object_product, nt)
 NEQUAR_PATTERN(make_object_product, tn)

@@ -1,0 +1,205 @@
+// OpenBLAS on vectors and in passes over a matrix: BLAS, LAPACK, and OpenBLAS's own transpositions.
+#include <algorithm>
+#include <memory>
+
+#include "peers/level12.h"
+
+extern "C" {
+#define NEQUAR_ROUTINES(Real, p)                                                                  \
+    Real p##dot_(const int*, const Real*, const int*, const Real*, const int*);                   \
+    Real p##nrm2_(const int*, const Real*, const int*);                                           \
+    void p##copy_(const int*, const Real*, const int*, Real*, const int*);                        \
+    void p##axpy_(const int*, const Real*, const Real*, const int*, Real*, const int*);           \
+    void p##axpby_(const int*, const Real*, const Real*, const int*, const Real*, Real*,          \
+                   const int*);                                                                   \
+    void p##gemv_(const char*, const int*, const int*, const Real*, const Real*, const int*,      \
+                  const Real*, const int*, const Real*, Real*, const int*, std::size_t);          \
+    void p##omatcopy_(const char*, const char*, const int*, const int*, const Real*, const Real*, \
+                      const int*, Real*, const int*);                                             \
+    void p##imatcopy_(const char*, const char*, const int*, const int*, const Real*, Real*,       \
+                      const int*, const int*);                                                    \
+    void p##trttp_(const char*, const int*, const Real*, const int*, Real*, int*, std::size_t);   \
+    void p##tpttr_(const char*, const int*, const Real*, Real*, const int*, int*, std::size_t);   \
+    void p##trsm_(const char*, const char*, const char*, const char*, const int*, const int*,     \
+                  const Real*, const Real*, const int*, Real*, const int*, std::size_t,           \
+                  std::size_t, std::size_t, std::size_t);                                         \
+    void p##trtri_(const char*, const char*, const int*, Real*, const int*, int*, std::size_t,    \
+                   std::size_t);
+NEQUAR_ROUTINES(double, d)
+NEQUAR_ROUTINES(float, s)
+#undef NEQUAR_ROUTINES
+}
+
+namespace bench {
+namespace {
+
+template <class Real>
+struct Routines;
+
+#define NEQUAR_ROUTINES(Real, p)                       \
+    template <>                                        \
+    struct Routines<Real> {                            \
+        static constexpr auto dot = p##dot_;           \
+        static constexpr auto nrm2 = p##nrm2_;         \
+        static constexpr auto copy = p##copy_;         \
+        static constexpr auto axpy = p##axpy_;         \
+        static constexpr auto axpby = p##axpby_;       \
+        static constexpr auto gemv = p##gemv_;         \
+        static constexpr auto out = p##omatcopy_;      \
+        static constexpr auto in_place = p##imatcopy_; \
+        static constexpr auto trttp = p##trttp_;       \
+        static constexpr auto tpttr = p##tpttr_;       \
+        static constexpr auto trsm = p##trsm_;         \
+        static constexpr auto trtri = p##trtri_;       \
+    };
+NEQUAR_ROUTINES(double, d)
+NEQUAR_ROUTINES(float, s)
+#undef NEQUAR_ROUTINES
+
+template <class Real>
+struct State {
+    Problem<Real> a, b;
+    std::vector<Real> out, packed;
+    int n, k, info = 0;
+    Real value = 0;
+    bool transposed = false;
+
+    State(const Problem<Real>& of_a, const Problem<Real>& of_b)
+        : a(of_a),
+          b(of_b),
+          out(of_b.count()),
+          n(static_cast<int>(of_a.height)),
+          k(static_cast<int>(of_b.width)) {}
+};
+
+template <class Real>
+PeerResult<Real> result_of(const std::vector<Real>& columns, Size height, Size width) {
+    Problem<Real> matrix(height, width);
+    matrix.columns = columns;
+    matrix.rows_from_columns();
+    return {matrix.rows, {}};
+}
+
+template <class Real>
+PeerTask<Real> vectors(VectorWork work, const Problem<Real>& x, const Problem<Real>& y) {
+    using Call = Routines<Real>;
+    auto s = std::make_shared<State<Real>>(x, y);
+    static constexpr int step = 1;
+    const auto vector = [s] { return PeerResult<Real>{s->out, {}}; };
+    const auto value = [s] { return PeerResult<Real>{{s->value}, {}}; };
+    switch (work) {
+        case VectorWork::add:
+            return {[s] {
+                        const Real one = 1;
+                        Call::copy(&s->n, s->b.rows.data(), &step, s->out.data(), &step);
+                        Call::axpy(&s->n, &one, s->a.rows.data(), &step, s->out.data(), &step);
+                    },
+                    vector};
+        case VectorWork::add_weighted:
+            return {[s] {
+                        const auto wx = Real(kWeightX), wy = Real(kWeightY);
+                        Call::copy(&s->n, s->b.rows.data(), &step, s->out.data(), &step);
+                        Call::axpby(&s->n, &wx, s->a.rows.data(), &step, &wy, s->out.data(), &step);
+                    },
+                    vector};
+        case VectorWork::dot:
+            return {[s] {
+                        s->value =
+                            Call::dot(&s->n, s->a.rows.data(), &step, s->b.rows.data(), &step);
+                    },
+                    value};
+        default:
+            return {[s] { s->value = Call::nrm2(&s->n, s->a.rows.data(), &step); }, value};
+    }
+}
+
+template <class Real>
+PeerTask<Real> pass(MatrixWork work, const Problem<Real>& a, const Problem<Real>& x) {
+    using Call = Routines<Real>;
+    static constexpr Real one = 1, zero = 0;
+    static constexpr int step = 1;
+    auto s = std::make_shared<State<Real>>(a, x);
+    s->packed.resize(a.count());
+    const auto vector = [s] { return PeerResult<Real>{s->out, {}}; };
+    switch (work) {
+        case MatrixWork::multiply:
+        case MatrixWork::multiply_transposed:
+            return {[s, work] {
+                        Call::gemv(work == MatrixWork::multiply ? "N" : "T", &s->n, &s->n, &one,
+                                   s->a.columns.data(), &s->n, s->b.rows.data(), &step, &zero,
+                                   s->out.data(), &step, 1);
+                    },
+                    vector};
+        case MatrixWork::transpose:
+            return {[s] {
+                        Call::out("C", "T", &s->n, &s->n, &one, s->a.columns.data(), &s->n,
+                                  s->packed.data(), &s->n);
+                    },
+                    [s] { return result_of(s->packed, s->n, s->n); }};
+        case MatrixWork::transpose_in_place: {
+            const auto run = [s] {
+                Call::in_place("C", "T", &s->n, &s->n, &one, s->a.columns.data(), &s->n, &s->n);
+                s->transposed = !s->transposed;
+            };
+            return {run, [s, run] {
+                        if (!s->transposed) run();
+                        return result_of(s->a.columns, s->n, s->n);
+                    }};
+        }
+        case MatrixWork::pack:
+            return {[s] {
+                        Call::trttp("L", &s->n, s->a.columns.data(), &s->n, s->packed.data(),
+                                    &s->info, 1);
+                    },
+                    [s] {
+                        return PeerResult<Real>{s->packed, {}};
+                    }};
+        default: {
+            Call::trttp("L", &s->n, s->a.columns.data(), &s->n, s->packed.data(), &s->info, 1);
+            return {[s] {
+                        Call::tpttr("L", &s->n, s->packed.data(), s->a.columns.data(), &s->n,
+                                    &s->info, 1);
+                    },
+                    [s] { return result_of(s->a.columns, s->n, s->n); }};
+        }
+    }
+}
+
+template <class Real>
+PeerTask<Real> solve_triangle(const Problem<Real>& t, const Problem<Real>& b) {
+    auto s = std::make_shared<State<Real>>(t, b);
+    return {[s] {
+                const Real one = 1;
+                std::copy(s->b.columns.begin(), s->b.columns.end(), s->out.begin());
+                Routines<Real>::trsm("L", "L", "N", "N", &s->n, &s->k, &one, s->a.columns.data(),
+                                     &s->n, s->out.data(), &s->n, 1, 1, 1, 1);
+            },
+            [s] { return result_of(s->out, s->n, s->k); }};
+}
+
+template <class Real>
+PeerTask<Real> invert_triangle(const Problem<Real>& t) {
+    auto s = std::make_shared<State<Real>>(t, t);
+    return {[s] {
+                std::copy(s->a.columns.begin(), s->a.columns.end(), s->out.begin());
+                Routines<Real>::trtri("L", "N", &s->n, s->out.data(), &s->n, &s->info, 1, 1);
+            },
+            [s] { return result_of(s->out, s->n, s->n); }};
+}
+
+template <class Real>
+constexpr Level12Peer<Real> kOpenBlas{vectors<Real>, pass<Real>, solve_triangle<Real>,
+                                      invert_triangle<Real>, nullptr};
+
+}  // namespace
+
+template <>
+const Level12Peer<double>* openblas_level12() {
+    return &kOpenBlas<double>;
+}
+template <>
+const Level12Peer<float>* openblas_level12() {
+    return &kOpenBlas<float>;
+}
+
+}  // namespace bench
