@@ -5,9 +5,8 @@ namespace bench {
 #define NEQUAR_BOTH(make) make<double>, make<float>
 #define NEQUAR_PATTERN(make, pattern) make<double, Pattern::pattern>, make<float, Pattern::pattern>
 
-#define NEQUAR_SPARSE(operation)                         \
-    make_sparse<double, SparseOperation::operation>, \
-        make_sparse<float, SparseOperation::operation>
+#define NEQUAR_SPARSE(operation) \
+    make_sparse<double, SparseOperation::operation>, make_sparse<float, SparseOperation::operation>
 
 std::span<const Row> row_table() {
     static constexpr Row rows[] = {
