@@ -43,15 +43,28 @@ bool is_absorbed(Real e, Real d0, Real d1) {
 // and with 1 / sqrt(g) = sqrt(g) (1 / g) the division and the root wait for nothing but g. The
 // signs are those of `givens_rotation`: the larger of c and s is not negative. Where g, or a
 // product with T, might leave the range, that function is called.
+//
+// In a block whose elements fall over the whole range the bulge z can vanish by underflow, and the
+// shift would never reach the end of the block: the matrix would stay as it is for ever. What is
+// left in the row above, x, is nothing beside the shifted end then, and the chase begins anew.
 template <class Real>
 void implicit_qr_step(Real* d, Real* e, Size first, Size last, Real* pairs) {
     constexpr Real smallest = range_of_squares<Real>(std::numeric_limits<Real>::min_exponent);
     constexpr Real largest = range_of_squares<Real>(std::numeric_limits<Real>::max_exponent);
-    Real x = d[first] - wilkinson_shift(d[last - 1], e[last - 1], d[last]);
+    const Real shift = wilkinson_shift(d[last - 1], e[last - 1], d[last]);
+    const Real size_at_end = std::abs(shift) + std::abs(e[last - 1]);
+    Real x = d[first] - shift;
     Real z = e[first];
+    Size begin = first;
     Real diagonal = d[first];
     Real off = e[first];
     for (Size k = first; k < last; ++k) {
+        if (z == 0 && k > begin && std::abs(x) + size_at_end == size_at_end) {
+            e[k - 1] = x;
+            x = diagonal - shift;
+            z = off;
+            begin = k;
+        }
         const Real next = d[k + 1];
         const Real following = k + 1 < last ? e[k + 1] : Real(0);
         const Real x_squared = x * x;
@@ -83,7 +96,7 @@ void implicit_qr_step(Real* d, Real* e, Size first, Size last, Real* pairs) {
             off = g.c * following;
             z = -g.s * following;
         }
-        if (k > first) e[k - 1] = r;
+        if (k > begin) e[k - 1] = r;
         d[k] = diagonal - moved;
         diagonal = next + moved;
         if (pairs != nullptr) {
