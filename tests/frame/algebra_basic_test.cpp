@@ -105,7 +105,8 @@ TYPED_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
     const In p = this->pool.data();
     const In q = p + this->kSecond;
     for (const bool rows : {true, false})
-        for (const auto& [h, w, n] : {std::array{1, 1, 1}, {3, 5, 4}, {40, 70, 33}, {5, 2, 9}}) {
+        for (const auto& shape : {std::array{1, 1, 1}, {3, 5, 4}, {40, 70, 33}, {5, 2, 9}}) {
+            const int h = shape[0], w = shape[1], n = shape[2];
             const G A = G::of(p, rows, h, w);
             const G d = G::of(q, rows, std::max({h, w, n}), 1);
             const auto diagonal = [&d](int height, int width) {
@@ -114,8 +115,7 @@ TYPED_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
             };
             const G x = G::of(q, rows, h, 1);
             const G y = G::of(q, rows, w, 1);
-            const auto check = [&, rows = rows](const char* name, const G& expected, Real keep,
-                                                auto run) {
+            const auto check = [&](const char* name, const G& expected, Real keep, auto run) {
                 this->check(name, rows, expected, keep, run);
             };
             check("avv", y.plus(1, G::of(p, rows, w, 1), 1), 0,
