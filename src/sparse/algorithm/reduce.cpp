@@ -124,11 +124,11 @@ Size position_of_smallest(const Real* x, Size count) {
 
 template <class Real>
 bool has_zero(const Real* x, Size count) {
-    constexpr Size kBlock = 64;
+    constexpr Size kGroup = 64;
     Size k = 0;
-    for (; k + kBlock <= count; k += kBlock) {
+    for (; k + kGroup <= count; k += kGroup) {
         int zeros = 0;
-        for (Size i = 0; i < kBlock; ++i) zeros += x[k + i] == Real(0);
+        for (Size i = 0; i < kGroup; ++i) zeros += x[k + i] == Real(0);
         if (zeros != 0) return true;
     }
     for (; k < count; ++k)
