@@ -51,7 +51,7 @@ void print_rank(int rank, int width) {
 
 // The two-factor forms: what is orthogonal on which side, and the library's operation.
 struct Qr {
-    static constexpr const char *name = "qr", *equation = "A = Q R", *triangle = "R";
+    static constexpr const char *equation = "A = Q R", *triangle = "R";
     static constexpr bool q_first = true;
     template <class Real>
     using Triangle = typename Twin<Real>::Upper;
@@ -61,7 +61,7 @@ struct Qr {
     }
 };
 struct Ql {
-    static constexpr const char *name = "ql", *equation = "A = Q L", *triangle = "L";
+    static constexpr const char *equation = "A = Q L", *triangle = "L";
     static constexpr bool q_first = true;
     template <class Real>
     using Triangle = typename Twin<Real>::Lower;
@@ -71,7 +71,7 @@ struct Ql {
     }
 };
 struct Rq {
-    static constexpr const char *name = "rq", *equation = "A = R Q", *triangle = "R";
+    static constexpr const char *equation = "A = R Q", *triangle = "R";
     static constexpr bool q_first = false;
     template <class Real>
     using Triangle = typename Twin<Real>::Upper;
@@ -81,7 +81,7 @@ struct Rq {
     }
 };
 struct Lq {
-    static constexpr const char *name = "lq", *equation = "A = L Q", *triangle = "L";
+    static constexpr const char *equation = "A = L Q", *triangle = "L";
     static constexpr bool q_first = false;
     template <class Real>
     using Triangle = typename Twin<Real>::Lower;
