@@ -47,80 +47,80 @@ void add_reversed(Size n, Real alpha, Real* x) {
 }
 
 template <class Real>
-Real dot(Strided<const Real> x, Strided<const Real> y) {
-    turn_forwards(x, y);
+Real dot(const Strided<const Real>& x, const Strided<const Real>& y) {
+    if (run_backwards(x, y)) return dot<Real>(turned(x), turned(y));
     return table<Real>().dot(x.size, x.data, x.stride, y.data, y.stride);
 }
 
 template <class Real>
-Real sum_of_magnitudes(Strided<const Real> x) {
+Real sum_of_magnitudes(const Strided<const Real>& x) {
     return table<Real>().sum_of_magnitudes(x.size, x.data, x.stride);
 }
 
 template <class Real>
-Real distance_squared(Strided<const Real> x, Strided<const Real> y) {
+Real distance_squared(const Strided<const Real>& x, const Strided<const Real>& y) {
     return table<Real>().distance_squared(x.size, x.data, x.stride, y.data, y.stride);
 }
 
 template <class Real>
-void squared_distances(const Real* x, View<const Real> a, Real* out) {
+void squared_distances(const Real* x, const View<const Real>& a, Real* out) {
     table<Real>().squared_distances(a.height, a.width, x, block_of(a), out);
 }
 
 template <class Real>
-void axpy(Real alpha, Strided<const Real> x, Strided<Real> y) {
-    turn_forwards(x, y);
+void axpy(Real alpha, const Strided<const Real>& x, const Strided<Real>& y) {
+    if (run_backwards(x, y)) return axpy<Real>(alpha, turned(x), turned(y));
     table<Real>().axpy(y.size, alpha, x.data, x.stride, y.data, y.stride);
 }
 
 template <class Real>
-void scale(Real alpha, Strided<Real> x) {
-    if (x.stride < 0 && x.size > 0) x = turned(x);
+void scale(Real alpha, const Strided<Real>& x) {
+    if (x.stride < 0 && x.size > 0) return scale<Real>(alpha, turned(x));
     table<Real>().scale(x.size, alpha, x.data, x.stride);
 }
 
 template <class Real>
-void copy(Strided<const Real> x, Strided<Real> y) {
-    turn_forwards(x, y);
+void copy(const Strided<const Real>& x, const Strided<Real>& y) {
+    if (run_backwards(x, y)) return copy<Real>(turned(x), turned(y));
     table<Real>().copy(y.size, x.data, x.stride, y.data, y.stride);
 }
 
 template <class Real>
-void swap(Strided<Real> x, Strided<Real> y) {
-    turn_forwards(x, y);
+void swap(const Strided<Real>& x, const Strided<Real>& y) {
+    if (run_backwards(x, y)) return swap<Real>(turned(x), turned(y));
     table<Real>().swap(x.size, x.data, x.stride, y.data, y.stride);
 }
 
 template <class Real>
-void rotate(Strided<Real> x, Strided<Real> y, Real c, Real s) {
-    turn_forwards(x, y);
+void rotate(const Strided<Real>& x, const Strided<Real>& y, Real c, Real s) {
+    if (run_backwards(x, y)) return rotate<Real>(turned(x), turned(y), c, s);
     table<Real>().rotate(x.size, x.data, x.stride, y.data, y.stride, c, s);
 }
 
 template <class Real>
-Size index_of_largest_magnitude(Strided<const Real> x) {
+Size index_of_largest_magnitude(const Strided<const Real>& x) {
     return table<Real>().index_of_largest_magnitude(x.size, x.data, x.stride);
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                   \
-    template void add(Size, const Real*, const Real*, Real*);                      \
-    template void subtract(Size, const Real*, const Real*, Real*);                 \
-    template void add_weighted(Size, const Real*, const Real*, Real, Real, Real*); \
-    template void add_constant(Size, const Real*, Real, Real*);                    \
-    template void scale(Size, const Real*, Real, Real*);                           \
-    template void multiply_elementwise(Size, const Real*, const Real*, Real*);     \
-    template void fill(Size, Real, Real*);                                         \
-    template void add_reversed(Size, Real, Real*);                                 \
-    template Real dot(Strided<const Real>, Strided<const Real>);                   \
-    template Real sum_of_magnitudes(Strided<const Real>);                          \
-    template Real distance_squared(Strided<const Real>, Strided<const Real>);      \
-    template void squared_distances(const Real*, View<const Real>, Real*);         \
-    template void axpy(Real, Strided<const Real>, Strided<Real>);                  \
-    template void scale(Real, Strided<Real>);                                      \
-    template void copy(Strided<const Real>, Strided<Real>);                        \
-    template void swap(Strided<Real>, Strided<Real>);                              \
-    template void rotate(Strided<Real>, Strided<Real>, Real, Real);                \
-    template Size index_of_largest_magnitude(Strided<const Real>);
+#define NEQUAR_INSTANTIATE(Real)                                                            \
+    template void add(Size, const Real*, const Real*, Real*);                               \
+    template void subtract(Size, const Real*, const Real*, Real*);                          \
+    template void add_weighted(Size, const Real*, const Real*, Real, Real, Real*);          \
+    template void add_constant(Size, const Real*, Real, Real*);                             \
+    template void scale(Size, const Real*, Real, Real*);                                    \
+    template void multiply_elementwise(Size, const Real*, const Real*, Real*);              \
+    template void fill(Size, Real, Real*);                                                  \
+    template void add_reversed(Size, Real, Real*);                                          \
+    template void squared_distances(const Real*, const View<const Real>&, Real*);           \
+    template Real dot(const Strided<const Real>&, const Strided<const Real>&);              \
+    template Real sum_of_magnitudes(const Strided<const Real>&);                            \
+    template Real distance_squared(const Strided<const Real>&, const Strided<const Real>&); \
+    template void axpy(Real, const Strided<const Real>&, const Strided<Real>&);             \
+    template void scale(Real, const Strided<Real>&);                                        \
+    template void copy(const Strided<const Real>&, const Strided<Real>&);                   \
+    template void swap(const Strided<Real>&, const Strided<Real>&);                         \
+    template void rotate(const Strided<Real>&, const Strided<Real>&, Real, Real);           \
+    template Size index_of_largest_magnitude(const Strided<const Real>&);
 
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

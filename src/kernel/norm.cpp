@@ -48,23 +48,23 @@ Real rescaled_norm(Size n, Element element) {
 }  // namespace
 
 template <class Real>
-Real norm2(Strided<const Real> x) {
-    if (x.stride < 0 && x.size > 0) x = turned(x);
+Real norm2(const Strided<const Real>& x) {
+    if (x.stride < 0 && x.size > 0) return norm2<Real>(turned(x));
     const Real sum = table<Real>().sum_of_squares(x.size, x.data, x.stride);
     if (stands(sum, x.size)) return std::sqrt(sum);
     return rescaled_norm<Real>(x.size, [&](Size i) { return x(i); });
 }
 
 template <class Real>
-Real distance2(Strided<const Real> x, Strided<const Real> y) {
+Real distance2(const Strided<const Real>& x, const Strided<const Real>& y) {
     const Real sum = table<Real>().distance_squared(x.size, x.data, x.stride, y.data, y.stride);
     if (stands(sum, x.size)) return std::sqrt(sum);
     return rescaled_norm<Real>(x.size, [&](Size i) { return x(i) - y(i); });
 }
 
-template double norm2(Strided<const double>);
-template float norm2(Strided<const float>);
-template double distance2(Strided<const double>, Strided<const double>);
-template float distance2(Strided<const float>, Strided<const float>);
+template double norm2(const Strided<const double>&);
+template float norm2(const Strided<const float>&);
+template double distance2(const Strided<const double>&, const Strided<const double>&);
+template float distance2(const Strided<const float>&, const Strided<const float>&);
 
 }  // namespace nequar::kernel

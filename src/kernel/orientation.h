@@ -23,12 +23,16 @@ View<Real> with_columns_turned(const View<Real>& a) {
     return with_rows_turned(a.transposed()).transposed();
 }
 
-// x and y, walked together.
+// Whether x and y, walked together, are better turned round.
 template <class A, class B>
-void turn_forwards(Strided<A>& x, Strided<B>& y) {
-    if (x.stride >= 0 || y.stride >= 0 || y.size <= 0) return;
-    x = turned(x);
-    y = turned(y);
+bool run_backwards(const Strided<A>& x, const Strided<B>& y) {
+    return x.stride < 0 && y.stride < 0 && y.size > 0;
+}
+
+// Whether a dimension of C = A B is better turned round.
+template <class Real>
+bool run_backwards(const View<const Real>& a, const View<const Real>& b, const View<Real>& c) {
+    return c.row_stride < 0 || c.column_stride < 0 || (a.column_stride < 0 && b.row_stride < 0);
 }
 
 // C = A B: the rows of A and C, the columns of B and C, the inner dimension.

@@ -53,6 +53,14 @@ NEQUAR_INLINE Block<Real> transposed(const Block<Real>& block) {
     return {block.data, block.column_stride, block.row_stride};
 }
 
+// Field by field: two words that were written a moment ago, read back as one vector, would stall.
+template <class Real>
+NEQUAR_INLINE void assign(Block<const Real>& to, const Block<const Real>& from) {
+    to.data = from.data;
+    to.row_stride = from.row_stride;
+    to.column_stride = from.column_stride;
+}
+
 // ---- one block of C ----------------------------------------------------------------------------
 
 // A block product: rows [i0, i0 + mc), columns [j0, j0 + nc) of C, kc steps. A and B are packed or
@@ -258,8 +266,8 @@ NEQUAR_INLINE void multiply_whole(const Product<Real>& product, const Block<cons
     block.mc = product.m;
     block.nc = product.n;
     block.kc = product.k;
-    block.a = product.a;
-    block.b = b;
+    assign(block.a, product.a);
+    assign(block.b, b);
     block.packed_a = false;
     block.packed_b = packed_b;
     block.accumulate = product.accumulate;

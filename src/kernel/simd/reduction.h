@@ -8,35 +8,51 @@ namespace nequar::kernel::NEQUAR_UNIT {
 
 inline constexpr unsigned kAccumulators = 8;
 
-// The sum over i of what step(acc, i, load) adds; `load_at` reads a vector (whole or partial),
-// lanes past the end as zero.
+// The sum over i of what step(acc, load) adds; `load` reads a vector (whole or partial) of the
+// stretch that begins at i, lanes past the end as zero. The order depends on n alone, not on where
+// the vectors lie in memory.
 template <class Real, class Step>
 NEQUAR_INLINE Real accumulate_vectors(Size n, Step step) {
     constexpr Size lanes = kLanes<Real>;
-    Vector<Real> acc[kAccumulators] = {};
+    constexpr Size group = Size(kAccumulators) * lanes;
     Size i = 0;
-    for (; i + Size(kAccumulators) * lanes <= n; i += Size(kAccumulators) * lanes) {
-        NEQUAR_UNROLL for (unsigned u = 0; u < kAccumulators; ++u) {
-            acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+    Vector<Real> sum = {};
+    if (n >= 2 * group) {
+        Vector<Real> acc[kAccumulators] = {};
+        for (; i + group <= n; i += group) {
+            NEQUAR_UNROLL for (unsigned u = 0; u < kAccumulators; ++u) {
+                acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+            }
         }
+        NEQUAR_UNROLL for (unsigned half = kAccumulators / 2; half > 0; half /= 2) {
+            NEQUAR_UNROLL for (unsigned u = 0; u < half; ++u) acc[u] += acc[u + half];
+        }
+        sum = acc[0];
     }
-    for (; i + 2 * lanes <= n; i += 2 * lanes) {
-        NEQUAR_UNROLL for (unsigned u = 0; u < 2; ++u) {
-            acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+    if (i + 2 * lanes <= n) {
+        Vector<Real> acc[4] = {};
+        for (; i + 4 * lanes <= n; i += 4 * lanes) {
+            NEQUAR_UNROLL for (unsigned u = 0; u < 4; ++u) {
+                acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+            }
         }
+        if (i + 2 * lanes <= n) {
+            NEQUAR_UNROLL for (unsigned u = 0; u < 2; ++u) {
+                acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+            }
+            i += 2 * lanes;
+        }
+        sum += (acc[0] + acc[2]) + (acc[1] + acc[3]);
     }
     if (i + lanes <= n) {
-        acc[2] = step(acc[2], [at = i](const Real* p) { return load(p + at); });
+        sum = step(sum, [at = i](const Real* p) { return load(p + at); });
         i += lanes;
     }
     if (i < n) {
         const FirstLanes<Real> last = first_lanes<Real>(n - i);
-        acc[3] = step(acc[3], [at = i, last](const Real* p) { return load(p + at, last); });
+        sum = step(sum, [at = i, last](const Real* p) { return load(p + at, last); });
     }
-    NEQUAR_UNROLL for (unsigned half = kAccumulators / 2; half > 0; half /= 2) {
-        NEQUAR_UNROLL for (unsigned u = 0; u < half; ++u) acc[u] += acc[u + half];
-    }
-    return sum_of_lanes<Real>(acc[0]);
+    return sum_of_lanes<Real>(sum);
 }
 
 // The sum of term(i), in four chains.

@@ -146,6 +146,7 @@ NEQUAR_INLINE Vector<Real> larger(Vector<Real> a, Vector<Real> b) {
     return a > b ? a : b;
 }
 
+// Halves are added to halves, in every variant.
 template <class Real>
 NEQUAR_INLINE Real sum_of_lanes(Vector<Real> v) {
     Real sums[kLanes<Real>];
@@ -155,6 +156,38 @@ NEQUAR_INLINE Real sum_of_lanes(Vector<Real> v) {
     }
     return sums[0];
 }
+#if NEQUAR_VECTOR_BYTES >= 32 && defined(__AVX__)
+NEQUAR_INLINE double sum_of_half(__m256d v) {
+    const __m128d sum = _mm256_castpd256_pd128(v) + _mm256_extractf128_pd(v, 1);
+    return sum[0] + sum[1];
+}
+NEQUAR_INLINE float sum_of_half(__m256 v) {
+    __m128 sum = _mm256_castps256_ps128(v) + _mm256_extractf128_ps(v, 1);
+    sum += _mm_movehl_ps(sum, sum);
+    return sum[0] + sum[1];
+}
+#if NEQUAR_VECTOR_BYTES == 64 && defined(__AVX512F__)
+template <>
+NEQUAR_INLINE double sum_of_lanes<double>(Vector<double> v) {
+    return sum_of_half(__builtin_shufflevector(v, v, 0, 1, 2, 3) +
+                       __builtin_shufflevector(v, v, 4, 5, 6, 7));
+}
+template <>
+NEQUAR_INLINE float sum_of_lanes<float>(Vector<float> v) {
+    return sum_of_half(__builtin_shufflevector(v, v, 0, 1, 2, 3, 4, 5, 6, 7) +
+                       __builtin_shufflevector(v, v, 8, 9, 10, 11, 12, 13, 14, 15));
+}
+#elif NEQUAR_VECTOR_BYTES == 32
+template <>
+NEQUAR_INLINE double sum_of_lanes<double>(Vector<double> v) {
+    return sum_of_half(v);
+}
+template <>
+NEQUAR_INLINE float sum_of_lanes<float>(Vector<float> v) {
+    return sum_of_half(v);
+}
+#endif
+#endif
 
 // ---- the first lanes of a vector ----------------------------------------------------------------
 // The remainder of a row that is shorter than a vector: `count` lanes, 0 < count <= lanes, are read
