@@ -15,16 +15,32 @@ constexpr Real kLeast = std::numeric_limits<Real>::min() / std::numeric_limits<R
 }  // namespace
 
 template <class Real>
-bool deflate(const Real* d, Real* f, BidiagonalBlock block) {
+Real least_element(Size n, const Real* d, const Real* f) {
+    Real largest = 0;
+    for (Size i = 0; i < n; ++i) {
+        if (std::abs(d[i]) > largest) largest = std::abs(d[i]);
+        if (i + 1 < n && std::abs(f[i]) > largest) largest = std::abs(f[i]);
+    }
+    const Real least = largest * std::sqrt(kLeast<Real>);
+    return least > kLeast<Real> ? least : kLeast<Real>;
+}
+
+template <class Real>
+bool deflate(Real* d, Real* f, BidiagonalBlock block, Real least) {
     if (block.end <= block.begin) return false;
-    Size zeros = d[block.end - 1] == 0;
+    Size zeros = 0;
+    Real before = 0;  // the element of f to the left
     for (Size i = block.begin; i + 1 < block.end; ++i) {
         const Real size = std::abs(d[i]) + std::abs(d[i + 1]);
         const Real magnitude = std::abs(f[i]);
-        f[i] = magnitude + size == size || magnitude < kLeast<Real> ? Real(0) : f[i];
+        f[i] = magnitude + size == size || magnitude < least ? Real(0) : f[i];
+        if (std::abs(d[i]) < least && (f[i] != 0 || before != 0)) d[i] = 0;
         zeros += d[i] == 0;
+        before = f[i];
     }
-    return zeros > 0;
+    Real& last = d[block.end - 1];
+    if (std::abs(last) < least && before != 0) last = 0;
+    return zeros + (last == 0) > 0;
 }
 
 template <class Real>
@@ -100,6 +116,7 @@ template <class Real>
 void step_on_piece(Real* d, Real* f, BidiagonalBlock piece, Rotation<Real>* right,
                    Rotation<Real>* left) {
     const Size last = piece.end - 1;
+    const Real size_at_end = std::abs(d[last]) + std::abs(d[last - 1]) + std::abs(f[last - 1]);
     Real y = 0, z = 0;
     first_vector(d, f, piece, y, z);
     Rotation<Real> g = quick_rotation(y, z);
@@ -124,6 +141,11 @@ void step_on_piece(Real* d, Real* f, BidiagonalBlock piece, Rotation<Real>* righ
         if (j + 1 == last) break;
         const Real beside = -g.s * f[j + 1];
         f[j + 1] = g.c * f[j + 1];
+        if (std::abs(beside) < kLeast<Real> && std::abs(f[j]) + size_at_end == size_at_end) {
+            first_vector(d, f, {j + 1, piece.end}, y, z);
+            g = quick_rotation(y, z);
+            continue;
+        }
         g = annihilate(f[j], beside);
     }
 }
@@ -210,7 +232,8 @@ void rotate_columns(Real* const* rows, Size count, const ZeroChase& chase,
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                              \
-    template bool deflate(const Real*, Real*, BidiagonalBlock);                               \
+    template Real least_element(Size, const Real*, const Real*);                              \
+    template bool deflate(Real*, Real*, BidiagonalBlock, Real);                               \
     template bool find_block(const Real*, BidiagonalBlock&);                                  \
     template void first_vector(const Real*, const Real*, BidiagonalBlock, Real&, Real&);      \
     template void golub_kahan_step(Real*, Real*, BidiagonalBlock, Rotation<Real>*,            \

@@ -19,11 +19,18 @@ struct BidiagonalBlock {
     Size end = 0;
 };
 
-// f(i) := 0 within the block where it vanishes beside its neighbours, |f(i)| + (|d(i)| + |d(i+1)|)
-// == the sum, or is too small for that to be told: in numbers about to lose their digits the steps
-// would not end. Answers whether an element of d is zero.
+// The size of an element of B below which its product with another one may lose its digits to
+// underflow, beside the largest element: the rounding of the largest is more than 10^8 times as
+// much in single precision, 10^130 times in double.
 template <class Real>
-bool deflate(const Real* d, Real* f, BidiagonalBlock block);
+Real least_element(Size n, const Real* d, const Real* f);
+
+// f(i) := 0 within the block where it vanishes beside its neighbours, |f(i)| + (|d(i)| + |d(i+1)|)
+// == the sum, or is smaller than `least`; and so is d(i) where an element of f beside it is not
+// zero. (With products that have lost their digits the steps would not end.) Answers whether an
+// element of d is zero.
+template <class Real>
+bool deflate(Real* d, Real* f, BidiagonalBlock block, Real least);
 
 // Narrows the block: from its first non-zero element of f to its last, one row more. False when
 // there is none.
@@ -46,7 +53,9 @@ void first_vector(const Real* d, const Real* f, BidiagonalBlock piece, Real& y, 
 //      | b d f   |  left[j]  on rows    j, j+1    |   d f   |      j = begin ... end-2
 //      |     d f |                                |   b d f |
 //
-// Rotations of planes between two pieces are the identity.
+// Rotations of planes between two pieces are the identity. Where the elements grow by much towards the
+// end, the bulge can vanish by underflow long before it is there, and the shift with it: the chase
+// then begins anew in that place, if the elements above are nothing beside the end.
 template <class Real>
 void golub_kahan_step(Real* d, Real* f, BidiagonalBlock block, Rotation<Real>* right,
                       Rotation<Real>* left);

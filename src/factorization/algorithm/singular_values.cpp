@@ -121,9 +121,10 @@ template <class Real>
 void iterate(Size n, Real* d, Real* f, Accumulator<Real>& wu, Accumulator<Real>& wv,
              Rotation<Real>* rotations, SvdSteps& steps) {
     BidiagonalBlock block{0, n};
+    const Real least = least_element(n, d, f);
     steps.made = 0;
     for (;;) {
-        const bool has_zero = deflate(d, f, block);
+        const bool has_zero = deflate(d, f, block, least);
         if (!find_block(f, block)) break;
         const ZeroChase zero = has_zero ? find_zero(d, f, block, true) : ZeroChase();
         if (zero.kind != ZeroChase::none) {
