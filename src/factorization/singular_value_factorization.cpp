@@ -376,6 +376,7 @@ bool SingularValueFactorization<Real>::decompose_into(const Matrix<Real>* a, Mat
                                                       Matrix<Real>* v, Real* sigma,
                                                       int max_iterations, int& iterations) const {
     if (is_one_object(u, v)) return this->fail("1", kDecomposeToVector);
+    iterations = 0;
     const int m = a->mh();
     const int n = a->mw();
     if (m < n) return fail_as_wide(a);

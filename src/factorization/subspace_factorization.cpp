@@ -169,6 +169,8 @@ bool SubspaceFactorization<Real>::rqr_Rank_based_on_QR_decomposition_with_column
     const Matrix<Real>* a, int& rank) const {
     const bool is_wide = a->mh() < a->mw();
     const View<const Real> matrix = is_wide ? view_of(a).transposed() : view_of(a);
+    Real largest = 0;
+    if (!find_largest_finite(matrix, largest)) return this->fail("1", kRankByQr);
     Workspace<Real, 8192> work(matrix.height * matrix.width);
     Workspace<int> perm(matrix.width);
     if (!work || !perm) return this->fail(text::kOutOfMemory, kRankByQr);

@@ -217,6 +217,11 @@ TYPED_TEST(SingularValues, RefusalsAndAliases) {
         &a, &this->u_, &this->s_, &this->u_));
     EXPECT_EQ(this->trace(),
               name + "::u_" + this->kSvd + ": 1\n" + name + "::" + this->kSvd + ": 1");
+    int made = -1;
+    Vector<Real> values;
+    EXPECT_FALSE(this->f_.u_dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(
+        &wide, nullptr, &values, nullptr, 100, made));
+    EXPECT_EQ(made, 0);
     EXPECT_FALSE(this->f_.u_bd_Bidiagonalize_matrix(&wide, nullptr, nullptr));
     EXPECT_EQ(this->detail(), "height<width");
     EXPECT_FALSE(this->f_.u_bd_Bidiagonalize_matrix(&a, &this->u_, &this->u_));
@@ -295,6 +300,9 @@ TYPED_TEST(SingularValues, RankByEveryRoute) {
         EXPECT_FALSE(
             this->f_.rev_Rank_based_on_Eigen_Value_decomposition(&spoilt, Real(0.1), rank));
         EXPECT_TRUE(this->detail() == (n < 10 ? "1" : "2") && rank == -1);
+        EXPECT_FALSE(
+            this->f_.rqr_Rank_based_on_QR_decomposition_with_column_pivoting(&spoilt, rank));
+        EXPECT_TRUE(this->detail() == "1" && rank == -1);
     }
     EXPECT_EQ(this->f_.r_Rank(&a, std::numeric_limits<Real>::quiet_NaN()), 0);
     EXPECT_EQ(this->detail(), "1");

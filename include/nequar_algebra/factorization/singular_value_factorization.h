@@ -96,9 +96,10 @@ public:
     /// elements are dropped when they vanish beside the two diagonal elements in a floating-point
     /// sum, without any tolerance (and when they are about to be subnormal).
     ///
-    /// "1": U and V are one object. "(m,n)=(%d,%d)" with m, n: the height is below the width; both
-    /// leave `iterations` alone. "3": NaN or infinity in A (recorded before under the name of
-    /// `u_bd_…`). "4" and "5", a failed chase or step, do not occur.
+    /// "1": U and V are one object, `iterations` is left alone (all later failures make it 0).
+    /// "(m,n)=(%d,%d)" with m, n: the height is below the width. "3": NaN or infinity in A
+    /// (recorded before under the name of `u_bd_…`). "4" and "5", a failed chase or step, do not
+    /// occur.
     bool u_dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(
         const Matrix<Real>* a, Matrix<Real>* u, Vector<Real>* sigma, Matrix<Real>* v,
         int max_iterations, int& iterations) const;

@@ -54,7 +54,7 @@ public:
 
     /// The number of steps that QR with column pivoting makes on A, or on its transpose when the
     /// height is below the width. There is no tolerance, and it is NOT the numerical rank: see
-    /// `u_dqrh_…_with_Column_Pivoting`.
+    /// `u_dqrh_…_with_Column_Pivoting`. "1": NaN or infinity in A.
     bool rqr_Rank_based_on_QR_decomposition_with_column_pivoting(const Matrix<Real>* a,
                                                                  int& rank) const;
     int rqr_Rank_based_on_QR_decomposition_with_column_pivoting(const Matrix<Real>* a) const;
