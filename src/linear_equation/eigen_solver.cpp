@@ -38,33 +38,6 @@ const char* detail_of(EigenFault fault) {
     return nullptr;
 }
 
-template <class Real>
-bool is_square_of(const Matrix<Real>* a, int order) {
-    return a->mh() == order && a->mw() == order;
-}
-
-template <class Real>
-View<Real> matrix_view(Real* elements, Size height, Size width) {
-    return {elements, height, width, width};
-}
-
-template <class Real>
-bool size_like(const Matrix<Real>* b, Matrix<Real>* x) {
-    return x == b || x->c_Create(b->mh(), b->mw()) != nullptr;
-}
-template <class Real>
-bool size_like(const Vector<Real>* b, Vector<Real>* x) {
-    return x == b || x->c_Create(b->vs()) != nullptr;
-}
-template <class Real>
-View<Real> columns_to_fill(Matrix<Real>* x) {
-    return view_of(x);
-}
-template <class Real>
-View<Real> columns_to_fill(Vector<Real>* x) {
-    return {x->p(), x->vs(), 1, 1, 1};
-}
-
 }  // namespace
 
 template <class Real>

@@ -18,35 +18,8 @@ constexpr const char* kPseudoWith = "u_pisv_Pseudo_Inverse_matrix_based_on_SVD";
 constexpr const char* kTest = "u_tcs_Test_Components_from_SVD";
 
 template <class Real>
-View<Real> matrix_view(Real* elements, Size height, Size width) {
-    return {elements, height, width, width};
-}
-
-template <class Real>
 Strided<const Real> values_of(const MatrixDiagonal<Real>* s) {
     return {s->p(), s->vs()};
-}
-
-template <class Real>
-bool is_square_of(const Matrix<Real>* a, int order) {
-    return a->mh() == order && a->mw() == order;
-}
-
-template <class Real>
-bool size_like(const Matrix<Real>* b, Matrix<Real>* x) {
-    return x == b || x->c_Create(b->mh(), b->mw()) != nullptr;
-}
-template <class Real>
-bool size_like(const Vector<Real>* b, Vector<Real>* x) {
-    return x == b || x->c_Create(b->vs()) != nullptr;
-}
-template <class Real>
-View<Real> columns_to_fill(Matrix<Real>* x) {
-    return view_of(x);
-}
-template <class Real>
-View<Real> columns_to_fill(Vector<Real>* x) {
-    return {x->p(), x->vs(), 1, 1, 1};
 }
 
 }  // namespace
