@@ -42,11 +42,6 @@ const Names& names_of(OrthogonalForm form) {
     return kNames[static_cast<std::size_t>(form)];
 }
 
-template <class Real>
-View<Real> matrix_view(Real* elements, Size height, Size width) {
-    return {elements, height, width, width};
-}
-
 // The elements of a triangle aligned with the bottom (right) that the packed type, aligned with
 // the top (left), would hold too: zero in the factor.
 template <class Real>

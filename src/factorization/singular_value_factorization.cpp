@@ -27,11 +27,6 @@ constexpr const char* kReconstruct = "rsv_Reconstruct_matrix_via_Singular_Value_
 constexpr Size kMatrixBytes = 8192;  // workspaces of small matrices stay on the stack
 constexpr int kUsualLimit = 100;
 
-template <class Real>
-View<Real> matrix_view(Real* elements, Size height, Size width) {
-    return {elements, height, width, width};
-}
-
 template <class Object>
 bool is_one_object(const Object* a, const Object* b) {
     return a != nullptr && a == b;

@@ -27,11 +27,6 @@ bool is_square(const Matrix<Real>* a) {
     return a->mh() == a->mw();
 }
 
-template <class Real>
-View<Real> square_view(Real* elements, Size n) {
-    return {elements, n, n, n};
-}
-
 constexpr kernel::Triangle triangle_of(bool upper) {
     return upper ? kernel::Triangle::upper : kernel::Triangle::lower;
 }

@@ -24,6 +24,16 @@ Strided<const Real> view_of(const Vector<Real>* vector) {
     return {vector->p(), vector->vs()};
 }
 
+// Arrays and workspaces: rows one after another, without gaps.
+template <class Real>
+View<Real> matrix_view(Real* elements, Size height, Size width) {
+    return {elements, height, width, width};
+}
+template <class Real>
+View<Real> square_view(Real* elements, Size n) {
+    return matrix_view(elements, n, n);
+}
+
 // Right-hand sides: a matrix as it is, a vector as its only column.
 template <class Real>
 View<Real> columns_of(Matrix<Real>* matrix) {

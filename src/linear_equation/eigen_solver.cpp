@@ -141,7 +141,7 @@ bool EigenSolver<Real>::solve_with_components(const Matrix<Real>* v,
     solve_with_eigen(view_of(v), {values->p(), n}, solution,
                      matrix_view(work.data() + n * k, n, k));
     if (!size_like(b, x)) return this->fail(text::kCannotSize, kSolveWith);
-    kernel::copy(reading(solution), columns_to_fill(x));
+    kernel::copy(reading(solution), columns_of(x));
     return true;
 }
 

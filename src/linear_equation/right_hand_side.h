@@ -12,16 +12,6 @@ namespace nequar {
 inline constexpr Size kSquareBytes = 8192;  // workspaces of small matrices stay on the stack
 
 template <class Real>
-View<Real> square_view(Real* elements, Size n) {
-    return {elements, n, n, n};
-}
-
-template <class Real>
-View<Real> matrix_view(Real* elements, Size height, Size width) {
-    return {elements, height, width, width};
-}
-
-template <class Real>
 bool is_square_of(const Matrix<Real>* a, int order) {
     return a->mh() == order && a->mw() == order;
 }
@@ -34,16 +24,6 @@ bool size_like(const Matrix<Real>* b, Matrix<Real>* x) {
 template <class Real>
 bool size_like(const Vector<Real>* b, Vector<Real>* x) {
     return x == b || x->c_Create(b->vs()) != nullptr;
-}
-
-// A solution as n x k elements to be written.
-template <class Real>
-View<Real> columns_to_fill(Matrix<Real>* x) {
-    return view_of(x);
-}
-template <class Real>
-View<Real> columns_to_fill(Vector<Real>* x) {
-    return {x->p(), x->vs(), 1, 1, 1};
 }
 
 // Calls solve(b, x), which fills x from b, two arrays that do not overlap, and gives the solution

@@ -96,7 +96,7 @@ bool SpectralSolver<Real>::solve_by_svd(const Matrix<Real>* a, Real tolerance, c
     solve_with_svd(reading(u), reading(view_of(&sigma)), reading(v), solution,
                    matrix_view(work.data() + n * k, n, k));
     if (!size_like(b, x)) return this->fail(text::kCannotSize, kSolve);
-    kernel::copy(reading(solution), columns_to_fill(x));
+    kernel::copy(reading(solution), columns_of(x));
     return true;
 }
 
@@ -143,7 +143,7 @@ bool SpectralSolver<Real>::solve_with_components(const Matrix<Real>* u,
     solve_with_svd(view_of(u), values_of(s), view_of(v), solution,
                    matrix_view(work.data() + n * k, n, k));
     if (!size_like(b, x)) return this->fail(text::kCannotSize, kSolveWith);
-    kernel::copy(reading(solution), columns_to_fill(x));
+    kernel::copy(reading(solution), columns_of(x));
     return true;
 }
 
