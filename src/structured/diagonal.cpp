@@ -1,7 +1,6 @@
 #include "nequar_algebra/structured/diagonal.h"
 
 #include <algorithm>
-#include <cstring>
 #include <ostream>
 #include <utility>
 
@@ -89,23 +88,17 @@ bool MatrixDiagonal<Real>::find_band(int x, int y, const char* method) const {
 
 template <class Real>
 void MatrixDiagonal<Real>::gb_Get_Band(int x, int y, Real* out, int& count) const {
-    if (!find_band(x, y, "gb_Get_Band")) return;
-    count = this->stored_count();
-    std::memmove(out, this->p(), static_cast<std::size_t>(count) * sizeof(Real));
+    if (find_band(x, y, "gb_Get_Band")) count = this->read_run(0, this->stored_count() - 1, out);
 }
 
 template <class Real>
 void MatrixDiagonal<Real>::sb_Set_Band(int x, int y, Real value, int& count) {
-    if (!find_band(x, y, "sb_Set_Band")) return;
-    count = this->stored_count();
-    std::fill_n(this->p(), count, value);
+    if (find_band(x, y, "sb_Set_Band")) count = this->fill_run(0, this->stored_count() - 1, value);
 }
 
 template <class Real>
 void MatrixDiagonal<Real>::sb_Set_Band(int x, int y, const Real* values, int& count) {
-    if (!find_band(x, y, "sb_Set_Band")) return;
-    count = this->stored_count();
-    std::memmove(this->p(), values, static_cast<std::size_t>(count) * sizeof(Real));
+    if (find_band(x, y, "sb_Set_Band")) count = this->write_run(0, this->stored_count() - 1, values);
 }
 
 template <class Real>

@@ -75,6 +75,27 @@ void PackedMatrix<Real>::mcr_Modify_Coordinate_of_Row(int& y) const noexcept {
 }
 
 template <class Real>
+int PackedMatrix<Real>::read_run(int first, int last, Real* out) const noexcept {
+    const int count = last - first + 1;
+    std::memmove(out, this->p() + first, static_cast<std::size_t>(count) * sizeof(Real));
+    return count;
+}
+
+template <class Real>
+int PackedMatrix<Real>::fill_run(int first, int last, Real value) noexcept {
+    const int count = last - first + 1;
+    std::fill_n(this->p() + first, count, value);
+    return count;
+}
+
+template <class Real>
+int PackedMatrix<Real>::write_run(int first, int last, const Real* values) noexcept {
+    const int count = last - first + 1;
+    std::memmove(this->p() + first, values, static_cast<std::size_t>(count) * sizeof(Real));
+    return count;
+}
+
+template <class Real>
 bool PackedMatrix<Real>::create_packed(int count, const Shape& before) {
     if (count < 1) {
         this->report("1", "c_Create");

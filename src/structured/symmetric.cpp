@@ -1,7 +1,6 @@
 #include "nequar_algebra/structured/symmetric.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <ostream>
 
@@ -129,27 +128,21 @@ template <class Real>
 void MatrixSymmetric<Real>::gb_Get_Band(int x, int y, Real* out, int& count) const {
     int first = 0;
     int last = 0;
-    if (!find_band(x, y, first, last)) return;
-    count = last - first + 1;
-    std::memmove(out, this->p() + first, static_cast<std::size_t>(count) * sizeof(Real));
+    if (find_band(x, y, first, last)) count = this->read_run(first, last, out);
 }
 
 template <class Real>
 void MatrixSymmetric<Real>::sb_Set_Band(int x, int y, Real value, int& count) {
     int first = 0;
     int last = 0;
-    if (!find_band(x, y, first, last)) return;
-    count = last - first + 1;
-    std::fill_n(this->p() + first, count, value);
+    if (find_band(x, y, first, last)) count = this->fill_run(first, last, value);
 }
 
 template <class Real>
 void MatrixSymmetric<Real>::sb_Set_Band(int x, int y, const Real* values, int& count) {
     int first = 0;
     int last = 0;
-    if (!find_band(x, y, first, last)) return;
-    count = last - first + 1;
-    std::memmove(this->p() + first, values, static_cast<std::size_t>(count) * sizeof(Real));
+    if (find_band(x, y, first, last)) count = this->write_run(first, last, values);
 }
 
 // ---- rows ---------------------------------------------------------------------------------------

@@ -79,6 +79,12 @@ protected:
     /// Sizes a dense matrix for an export; reports a refusal under the name of the export.
     bool size_dense(Matrix<Real>* dense, int height, int width, const char* method) const;
 
+    /// A band's run of stored elements, first … last, read, filled or written; the other array may
+    /// overlap it. The answer is the length of the run.
+    int read_run(int first, int last, Real* out) const noexcept;
+    int fill_run(int first, int last, Real value) noexcept;
+    int write_run(int first, int last, const Real* values) noexcept;
+
     /// A copy of this object's storage, made when an array given from outside lies in it, so that
     /// one can be read while the other is written. False when the copy cannot be had.
     class Kept {

@@ -49,68 +49,62 @@ void print_rank(int rank, int width) {
             "the factors do not rebuild A; `nequar rank` is reliable");
 }
 
-// The two-factor forms: what is orthogonal on which side, and the library's operation.
-struct Qr {
-    static constexpr const char *equation = "A = Q R", *triangle = "R";
-    static constexpr bool q_first = true;
-    template <class Real>
-    using Triangle = typename Twin<Real>::Upper;
-    template <class S, class M, class T>
-    static bool decompose(const S& solver, const M* a, M* q, T* r) {
-        return solver.dqrh_Decompose_into_QR_matrices_based_on_Householder(a, q, r);
-    }
-};
-struct Ql {
-    static constexpr const char *equation = "A = Q L", *triangle = "L";
-    static constexpr bool q_first = true;
-    template <class Real>
-    using Triangle = typename Twin<Real>::Lower;
-    template <class S, class M, class T>
-    static bool decompose(const S& solver, const M* a, M* q, T* l) {
-        return solver.dqlh_Decompose_into_QL_matrices_based_on_Householder(a, q, l);
-    }
-};
-struct Rq {
-    static constexpr const char *equation = "A = R Q", *triangle = "R";
-    static constexpr bool q_first = false;
-    template <class Real>
-    using Triangle = typename Twin<Real>::Upper;
-    template <class S, class M, class T>
-    static bool decompose(const S& solver, const M* a, M* q, T* r) {
-        return solver.drqh_Decompose_into_RQ_matrices_based_on_Householder(a, r, q);
-    }
-};
-struct Lq {
-    static constexpr const char *equation = "A = L Q", *triangle = "L";
-    static constexpr bool q_first = false;
-    template <class Real>
-    using Triangle = typename Twin<Real>::Lower;
-    template <class S, class M, class T>
-    static bool decompose(const S& solver, const M* a, M* q, T* l) {
-        return solver.dlqh_Decompose_into_LQ_matrices_based_on_Householder(a, l, q);
-    }
+// A product of Q and a triangle, in the order of the equation.
+struct TwoFactors {
+    const char *equation, *triangle;
+    bool q_first;
 };
 
-template <class Form, class Real>
-void decompose(const FactorOptions& options) {
-    require_place_for(options, {"Q", Form::triangle});
+// decomposition(solver, &a, &q, &triangle) is the library's.
+template <class Real, class Triangle, class Decomposition>
+void decompose(const FactorOptions& options, const TwoFactors& form,
+               const Decomposition& decomposition) {
+    require_place_for(options, {"Q", form.triangle});
     Matrix<Real> a, q, dense;
     read_dense<Real>(options.a, 6, a);
     const typename Twin<Real>::Solver solver;
-    typename Form::template Triangle<Real> triangle;
+    Triangle triangle;
     double seconds = 0;
     {
-        const LongStep step(std::string("decomposing ") + Form::equation);
+        const LongStep step(std::string("decomposing ") + form.equation);
         const Stopwatch watch;
-        if (!Form::decompose(solver, &a, &q, &triangle))
-            fail(std::string("the decomposition ") + Form::equation, solver);
+        if (!decomposition(solver, &a, &q, &triangle))
+            fail(std::string("the decomposition ") + form.equation, solver);
         seconds = watch.seconds();
     }
     triangle.e_Export(&dense, true);
-    const Matrix<Real> product =
-        Form::q_first ? product_of<Real>(q, dense) : product_of<Real>(dense, q);
-    report_factors<Real>(options, Form::equation, a, product,
-                         {{"Q", q, true}, {Form::triangle, dense}}, seconds);
+    report_factors<Real>(options, form.equation, a,
+                         form.q_first ? product_of<Real>(q, dense) : product_of<Real>(dense, q),
+                         {{"Q", q, true}, {form.triangle, dense}}, seconds);
+}
+
+template <class Real>
+void decompose_qr(const FactorOptions& options) {
+    decompose<Real, typename Twin<Real>::Upper>(
+        options, {"A = Q R", "R", true}, [](const auto& solver, auto* a, auto* q, auto* r) {
+            return solver.dqrh_Decompose_into_QR_matrices_based_on_Householder(a, q, r);
+        });
+}
+template <class Real>
+void decompose_ql(const FactorOptions& options) {
+    decompose<Real, typename Twin<Real>::Lower>(
+        options, {"A = Q L", "L", true}, [](const auto& solver, auto* a, auto* q, auto* l) {
+            return solver.dqlh_Decompose_into_QL_matrices_based_on_Householder(a, q, l);
+        });
+}
+template <class Real>
+void decompose_rq(const FactorOptions& options) {
+    decompose<Real, typename Twin<Real>::Upper>(
+        options, {"A = R Q", "R", false}, [](const auto& solver, auto* a, auto* q, auto* r) {
+            return solver.drqh_Decompose_into_RQ_matrices_based_on_Householder(a, r, q);
+        });
+}
+template <class Real>
+void decompose_lq(const FactorOptions& options) {
+    decompose<Real, typename Twin<Real>::Lower>(
+        options, {"A = L Q", "L", false}, [](const auto& solver, auto* a, auto* q, auto* l) {
+            return solver.dlqh_Decompose_into_LQ_matrices_based_on_Householder(a, l, q);
+        });
 }
 
 // A = Q R P': column j of R belongs to column perm[j] of A.
@@ -222,18 +216,18 @@ Action declare_qr(CLI::App& arguments) {
             options->in_float ? decompose_with_pivoting<float>(*options)
                               : decompose_with_pivoting<double>(*options);
         else
-            options->in_float ? decompose<Qr, float>(*options) : decompose<Qr, double>(*options);
+            options->in_float ? decompose_qr<float>(*options) : decompose_qr<double>(*options);
     };
 }
 
 Action declare_ql(CLI::App& arguments) {
-    return declare(arguments, decompose<Ql, double>, decompose<Ql, float>);
+    return declare(arguments, decompose_ql<double>, decompose_ql<float>);
 }
 Action declare_rq(CLI::App& arguments) {
-    return declare(arguments, decompose<Rq, double>, decompose<Rq, float>);
+    return declare(arguments, decompose_rq<double>, decompose_rq<float>);
 }
 Action declare_lq(CLI::App& arguments) {
-    return declare(arguments, decompose<Lq, double>, decompose<Lq, float>);
+    return declare(arguments, decompose_lq<double>, decompose_lq<float>);
 }
 Action declare_cod(CLI::App& arguments) {
     return declare(arguments, decompose_completely<double>, decompose_completely<float>);
