@@ -14,6 +14,7 @@ namespace nequar {
 namespace {
 
 using test::kEpsilon;
+using test::product;
 
 template <class Real>
 double residual(const Matrix<Real>& a, const Matrix<Real>& b, const Matrix<Real>& c) {
@@ -34,15 +35,6 @@ template <class Real>
 double orthogonality(const Matrix<Real>& q) {
     if (q.mw() == 0) return 0;
     return residual(test::identity_of<Real>(q.mw()), test::transposed(q), q);
-}
-
-template <class Real>
-Matrix<Real> product(const Matrix<Real>& p, const Matrix<Real>& q) {
-    return test::matrix_of<Real>(p.mh(), q.mw(), [&](int i, int j) {
-        long double sum = 0;
-        for (int k = 0; k < p.mw(); ++k) sum += static_cast<long double>(p[i][k]) * q[k][j];
-        return double(sum);
-    });
 }
 
 // U S V^T, S with as many elements as wanted

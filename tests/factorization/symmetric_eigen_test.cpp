@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "nequar_algebra/factorization.h"
+#include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 
@@ -17,6 +18,7 @@ namespace nequar {
 namespace {
 
 using test::kEpsilon;
+using test::packed_of;
 
 template <class Real>
 class SymmetricEigen : public testing::Test {
@@ -24,22 +26,11 @@ protected:
     const MatrixFactorization<Real> f;
 
     std::string failures() {
-        std::string trace = f.gft_Get_Failure_Trace().c_str();
-        const std::string prefix = std::string(f.gcn_Get_Class_Name().c_str()) + "::";
-        for (auto at = trace.find(prefix); at != std::string::npos; at = trace.find(prefix))
-            trace.erase(at, prefix.size());
-        return trace;
+        return test::records_of(f);
     }
 };
 using Reals = testing::Types<double, float>;
 TYPED_TEST_SUITE(SymmetricEigen, Reals);
-
-template <class Real>
-MatrixSymmetric<Real> packed_of(const Matrix<Real>& a) {
-    MatrixSymmetric<Real> s;
-    s.iu_Import_Upper_part_of(&a);
-    return s;
-}
 
 template <class Real>
 struct Decomposition {

@@ -9,6 +9,7 @@
 
 #include "nequar_algebra/algebra.h"
 #include "nequar_algebra/linear_equation.h"
+#include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 
@@ -16,6 +17,8 @@ namespace nequar {
 namespace {
 
 using test::kEpsilon;
+using test::packed_of;
+using test::product;
 
 template <class Real>
 class EigenSolves : public testing::Test {
@@ -23,31 +26,11 @@ protected:
     const LinearEquation<Real> f;
 
     std::string failures() {
-        std::string trace = f.gft_Get_Failure_Trace().c_str();
-        const std::string prefix = std::string(f.gcn_Get_Class_Name().c_str()) + "::";
-        for (auto at = trace.find(prefix); at != std::string::npos; at = trace.find(prefix))
-            trace.erase(at, prefix.size());
-        return trace;
+        return test::records_of(f);
     }
 };
 using Reals = testing::Types<double, float>;
 TYPED_TEST_SUITE(EigenSolves, Reals);
-
-template <class Real>
-MatrixSymmetric<Real> packed_of(const Matrix<Real>& a) {
-    MatrixSymmetric<Real> s;
-    s.iu_Import_Upper_part_of(&a);
-    return s;
-}
-
-template <class Real>
-Matrix<Real> product(const Matrix<Real>& a, const Matrix<Real>& b) {
-    return test::matrix_of<Real>(a.mh(), b.mw(), [&](int i, int j) {
-        double sum = 0;
-        for (int k = 0; k < a.mw(); ++k) sum += double(a[i][k]) * double(b[k][j]);
-        return sum;
-    });
-}
 
 // Indefinite, of a condition near 10.
 template <class Real>

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "nequar_algebra/linear_equation.h"
+#include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 
@@ -17,11 +18,7 @@ template <class Real>
 class MethodChoice : public testing::Test {
 protected:
     std::string trace() const {
-        std::string text = f_.gft_Get_Failure_Trace().c_str();
-        const std::string name = std::string(f_.gcn_Get_Class_Name().c_str()) + "::";
-        for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name))
-            text.erase(at, name.size());
-        return text;
+        return test::records_of(f_);
     }
     std::string detail() const { return f_.ged_Get_Error_Detail().c_str(); }
     LinearEquation<Real> f_;

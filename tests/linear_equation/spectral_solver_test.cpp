@@ -5,6 +5,7 @@
 #include <string>
 
 #include "nequar_algebra/linear_equation.h"
+#include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 
@@ -12,17 +13,14 @@ namespace nequar {
 namespace {
 
 using test::kEpsilon;
+using test::product;
 
 template <class Real>
 class SpectralSolvers : public testing::Test {
 protected:
     std::string detail() const { return f_.ged_Get_Error_Detail().c_str(); }
     std::string trace() const {
-        std::string text = f_.gft_Get_Failure_Trace().c_str();
-        const std::string name = std::string(f_.gcn_Get_Class_Name().c_str()) + "::";
-        for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name))
-            text.erase(at, name.size());
-        return text;
+        return test::records_of(f_);
     }
     LinearEquation<Real> f_;
     Matrix<Real> u_, v_, x_;
@@ -30,15 +28,6 @@ protected:
 };
 using Reals = testing::Types<double, float>;
 TYPED_TEST_SUITE(SpectralSolvers, Reals);
-
-template <class Real>
-Matrix<Real> product(const Matrix<Real>& p, const Matrix<Real>& q) {
-    return test::matrix_of<Real>(p.mh(), q.mw(), [&](int i, int j) {
-        long double sum = 0;
-        for (int k = 0; k < p.mw(); ++k) sum += static_cast<long double>(p[i][k]) * q[k][j];
-        return double(sum);
-    });
-}
 
 TYPED_TEST(SpectralSolvers, SolveAndInvert) {
     using Real = TypeParam;

@@ -87,7 +87,7 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
     auto& g = this->generator;
     Real a[4] = {};
     EXPECT_FALSE(g.gng_wzu(0, a));
-    EXPECT_EQ(trace_of(g),
+    EXPECT_EQ(test::records_of(g),
               "gng_wzu_Generate_random_Numbers_Gaussian_White_Zero_mean_Unit_variance: array size "
               "<= 0");
     struct Row {
@@ -104,7 +104,8 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
                            {kNan, 4, 0, 4, "negative variance"}}) {
         EXPECT_FALSE(
             g.rng(Real(7), Real(row.variance), row.n, a, row.begin, row.end, nullptr, nullptr));
-        EXPECT_EQ(trace_of(g), std::string("rng_Replace_random_Numbers_Gaussian: ") + row.detail);
+        EXPECT_EQ(test::records_of(g),
+                  std::string("rng_Replace_random_Numbers_Gaussian: ") + row.detail);
         EXPECT_EQ(a[0], Real(0));
     }
     Vector<Real> v;
@@ -113,7 +114,7 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
     EXPECT_EQ(v.vs(), 1);
     EXPECT_EQ(detail_of(g), "bad size or indices");
     EXPECT_FALSE(g.ang(Real(0), Real(-1), 3, x));
-    EXPECT_EQ(trace_of(g),
+    EXPECT_EQ(test::records_of(g),
               "rng_Replace_random_Numbers_Gaussian: negative variance\n"
               "gng_Generate_random_Numbers_Gaussian: negative variance\n"
               "ang_Append_random_Numbers_Gaussian: gng");
@@ -141,7 +142,7 @@ TYPED_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
             }
         MatrixSymmetric<Real> cov;
         cov.i_Import(&dense);
-        ASSERT_TRUE(g.ctl(cov, T)) << rank << trace_of(g);
+        ASSERT_TRUE(g.ctl(cov, T)) << rank << test::records_of(g);
         Matrix<Real> product;
         product.c_Create(n, n, Real(0));
         for (int i = 0; i < n; ++i)
@@ -153,7 +154,7 @@ TYPED_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
     for (const auto& bad : {symmetric_of<Real>(2, {1, 2, 2, 1}), symmetric_of<Real>(1, {-1e-20}),
                             symmetric_of<Real>(2, {1, 0, 0, -1e-3})}) {
         EXPECT_FALSE(g.ctl(bad, T));
-        EXPECT_EQ(trace_of(g), "ctl_Compute_Transform_Linear: Not valid covariance matrix");
+        EXPECT_EQ(test::records_of(g), "ctl_Compute_Transform_Linear: Not valid covariance matrix");
     }
     for (const double x : {kNan, std::numeric_limits<double>::infinity()})
         EXPECT_FALSE(g.ctl(symmetric_of<Real>(2, {1, x, x, 1}), T)) << x;
@@ -223,7 +224,8 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     const auto refused = [&](const Vector<Real>& mu, bool by_column, int begin, int end,
                              const CNqVectorBool* chosen, const char* detail) {
         EXPECT_FALSE(g.rvg(mu, cov, by_column, m, begin, end, chosen, nullptr));
-        EXPECT_EQ(trace_of(g), std::string("rvg_Replace_random_Vectors_Gaussian: ") + detail);
+        EXPECT_EQ(test::records_of(g),
+                  std::string("rvg_Replace_random_Vectors_Gaussian: ") + detail);
         EXPECT_TRUE(m == before);
     };
     refused(vector_of<Real>({0, 0, 0}), true, 0, 1, nullptr,
@@ -234,7 +236,7 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     refused(mean, true, 1, 1, nullptr, "bad size or indices");
     refused(mean, true, 0, 3, &mask, "size of <CNqVectorBool> is too small");
     EXPECT_FALSE(g.rvg(mean, symmetric_of<Real>(2, {1, 2, 2, 1}), true, m, 0, 1, nullptr, nullptr));
-    EXPECT_EQ(trace_of(g),
+    EXPECT_EQ(test::records_of(g),
               "ctl_Compute_Transform_Linear: Not valid covariance matrix\n"
               "rvg_Replace_random_Vectors_Gaussian: ctl");
     int replaced = -1;
@@ -298,7 +300,7 @@ TYPED_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     const char* const short_mask =
         "size of CNqVectorBool is less than in_last_index_of_range_plus_1";
     EXPECT_FALSE(g.evv(columns, 0, 2, &few, picked));
-    EXPECT_EQ(trace_of(g), std::string("evv_Extract_Valid_random_Vectors: ") + short_mask);
+    EXPECT_EQ(test::records_of(g), std::string("evv_Extract_Valid_random_Vectors: ") + short_mask);
 
     const auto v = vector_of<Real>({1, 2, 3, 4});
     GrowableVector<Real> x;
@@ -310,7 +312,7 @@ TYPED_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     EXPECT_EQ(x.nee(), 96);
     EXPECT_EQ(x[93], Real(3));
     EXPECT_FALSE(g.evn(v, 0, 2, &few, x));
-    EXPECT_EQ(trace_of(g), std::string("evn_Extract_Valid_random_Numbers: ") + short_mask);
+    EXPECT_EQ(test::records_of(g), std::string("evn_Extract_Valid_random_Numbers: ") + short_mask);
     EXPECT_FALSE(g.evn(v, 2, 2, nullptr, x));
     EXPECT_EQ(detail_of(g), "bad size or indices");
 }

@@ -63,7 +63,7 @@ TYPED_TEST(PrincipalComponentsTest, ParametersAndValidity) {
                            {0, 3, 0.05, 0.5, "3"},
                            {10, -1, 0.05, 0.5, "3"}}) {
         EXPECT_FALSE(pca.c_Create(row.n, row.d, Real(row.ratio), Real(row.share)));
-        EXPECT_EQ(trace_of(pca).substr(trace_of(pca).rfind("c_Create")),
+        EXPECT_EQ(test::records_of(pca).substr(test::records_of(pca).rfind("c_Create")),
                   std::string("c_Create: ") + row.detail);
     }
     ASSERT_TRUE(pca.c_Create(4, 2, Real(0.1), Real(0.5)));  // 0.1f is above 0.1
@@ -77,7 +77,7 @@ TYPED_TEST(PrincipalComponentsTest, ParametersAndValidity) {
     const auto not_valid = [&] {
         pca.cr_Clear_Record();
         EXPECT_EQ(pca.nbpc(), 0);
-        EXPECT_EQ(trace_of(pca), "nbpc_NumBer_of_Principal_Components: Not valid");
+        EXPECT_EQ(test::records_of(pca), "nbpc_NumBer_of_Principal_Components: Not valid");
         EXPECT_EQ(pca.nbev(), 0);
         EXPECT_EQ(pca.rre(), Real(0));
         EXPECT_EQ(pca.ppc(0), nullptr);
@@ -87,7 +87,7 @@ TYPED_TEST(PrincipalComponentsTest, ParametersAndValidity) {
         int count = -1;
         EXPECT_FALSE(pca.dar(vector_of<Real>({1, 2}), count, nullptr, nullptr, nullptr, nullptr,
                              nullptr, nullptr));
-        EXPECT_EQ(trace_of(pca), "dar_Do_Analysis_and_Reconstruction: Not valid");
+        EXPECT_EQ(test::records_of(pca), "dar_Do_Analysis_and_Reconstruction: Not valid");
     };
     not_valid();
     int slot = -1;
@@ -103,7 +103,7 @@ TYPED_TEST(PrincipalComponentsTest, ParametersAndValidity) {
     EXPECT_EQ(pca.ppc(-1), nullptr);
     EXPECT_FALSE(pca.inv_INput_a_Vector(vector_of<Real>({1}), &slot));  // refused, and yet
     EXPECT_EQ(detail_of(pca), "1");
-    EXPECT_NE(trace_of(pca).find("inv_INput_a_Vector <CNqVector>: 1"), std::string::npos);
+    EXPECT_NE(test::records_of(pca).find("inv_INput_a_Vector <CNqVector>: 1"), std::string::npos);
     not_valid();
     ASSERT_TRUE(this->analyse());
     EXPECT_FALSE(pca.c_Create(4, 2, Real(0.5), Real(0.5)));
@@ -111,7 +111,7 @@ TYPED_TEST(PrincipalComponentsTest, ParametersAndValidity) {
 
     ASSERT_TRUE(pca.inv_INput_a_Vector(vector_of<Real>({kNan, 2}), nullptr));
     EXPECT_FALSE(this->analyse());
-    EXPECT_EQ(trace_of(pca),
+    EXPECT_EQ(test::records_of(pca),
               std::string("u_") + kAnalyse + ": max eigen-value <0\n" + kAnalyse + ": 1");
     not_valid();
     const PrincipalComponents<Real> fresh;
@@ -240,7 +240,7 @@ TYPED_TEST(PrincipalComponentsTest, ComponentsAreEigenvectorsOfTheScatterMatrix)
     for (const double ratio : {0.0, 0.11, kNan}) {
         EXPECT_FALSE(pca.u_cevvcm_Calculate_Eigen_Values_and_Vectors_of_Covariance_Matrix(
             matrix_of<Real>(1, 2, {1, 2}), Real(ratio), mean, values, total, components));
-        EXPECT_EQ(trace_of(pca), std::string("u_") + kAnalyse + ": 0 < RATIO <= 0.1");
+        EXPECT_EQ(test::records_of(pca), std::string("u_") + kAnalyse + ": 0 < RATIO <= 0.1");
     }
 }
 
@@ -287,7 +287,8 @@ TYPED_TEST(PrincipalComponentsTest, AnalysisAndReconstruction) {
     Vector<Real> out;
     const auto refused = [&](bool done, const char* detail) {
         EXPECT_FALSE(done);
-        EXPECT_EQ(trace_of(pca), std::string("dar_Do_Analysis_and_Reconstruction: ") + detail);
+        EXPECT_EQ(test::records_of(pca),
+                  std::string("dar_Do_Analysis_and_Reconstruction: ") + detail);
         EXPECT_EQ(out.vs(), 0);
     };
     refused(pca.dar(x, count, &out, nullptr, nullptr, nullptr, nullptr, nullptr), "3");

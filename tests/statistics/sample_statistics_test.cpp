@@ -105,7 +105,8 @@ TYPED_TEST(SampleStatistics, RefusedRangesWriteNothing) {
     Real variance = -1;
     const auto refused = [&](bool done, const char* detail) {
         EXPECT_FALSE(done);
-        EXPECT_EQ(trace_of(g), std::string("csn_Compute_Statistics_of_random_Numbers: ") + detail);
+        EXPECT_EQ(test::records_of(g),
+                  std::string("csn_Compute_Statistics_of_random_Numbers: ") + detail);
         EXPECT_TRUE(count == -1 && mean == Real(-1) && variance == Real(-1));
     };
     const bool* const all = nullptr;
@@ -308,17 +309,18 @@ TYPED_TEST(SampleStatistics, EstimatesAtTheirLimits) {
     const char* const nearest = "epknne_Estimated_Pdf_based_on_K_Nearest_Neighbor_Estimation: ";
     for (const int k : {0, -1, 5}) {
         EXPECT_FALSE(g.epknne(x, samples, true, k, p, nullptr));
-        EXPECT_EQ(trace_of(g), nearest + std::string("2"));
+        EXPECT_EQ(test::records_of(g), nearest + std::string("2"));
     }
     EXPECT_FALSE(g.epknne(x, samples, false, 1, p, nullptr));
-    EXPECT_EQ(trace_of(g), std::string("csd_Compute_Set_of_Distances: mismatch\n") + nearest + "1");
+    EXPECT_EQ(test::records_of(g),
+              std::string("csd_Compute_Set_of_Distances: mismatch\n") + nearest + "1");
     EXPECT_FALSE(g.eppwh(x, samples, false, Real(1), p));
     EXPECT_EQ(detail_of(g), "mismatch");
     EXPECT_EQ(p, Real(-1));
     Vector<Real> all;
     for (const bool by_column : {true, false}) {
         EXPECT_FALSE(g.epknne(samples, samples, by_column, 5, all));
-        EXPECT_EQ(trace_of(g),
+        EXPECT_EQ(test::records_of(g),
                   nearest + std::string("2\n") + nearest + (by_column ? "111" : "222"));
         EXPECT_EQ(all.vs(), by_column ? 4 : 1);
     }

@@ -5,19 +5,13 @@
 #include <string>
 
 #include "nequar_algebra/statistics.h"
+#include "support/chain.h"
+#include "support/matrix_gallery.h"
 
 namespace statistics_test {
 
 using namespace nequar;
-
-template <class Real>
-Vector<Real> vector_of(std::initializer_list<double> values) {
-    Vector<Real> v;
-    v.c_Create(static_cast<int>(values.size()));
-    int i = 0;
-    for (const double value : values) v[i++] = static_cast<Real>(value);
-    return v;
-}
+using test::vector_of;
 
 inline CNqVectorBool mask_of(std::initializer_list<bool> values) {
     CNqVectorBool v;
@@ -48,15 +42,6 @@ MatrixSymmetric<Real> symmetric_of(int n, std::initializer_list<double> values) 
 
 inline std::string detail_of(const CNqClass& object) {
     return object.ged_Get_Error_Detail().c_str();
-}
-
-// The failure trace as "method: detail" lines, without the name of the class.
-inline std::string trace_of(const CNqClass& object) {
-    std::string trace = object.gft_Get_Failure_Trace().c_str();
-    const std::string name = std::string(object.gcn_Get_Class_Name().c_str()) + "::";
-    for (std::size_t at = 0; (at = trace.find(name, at)) != std::string::npos;)
-        trace.erase(at, name.size());
-    return trace;
 }
 
 }  // namespace statistics_test

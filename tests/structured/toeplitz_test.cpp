@@ -7,25 +7,18 @@
 #include <numbers>
 #include <utility>
 
+#include "support/matrix_gallery.h"
 #include "support/residual.h"
 
 namespace {
 
 using namespace nequar;
+using test::vector_of;
 
 template <class Real>
 class ToeplitzTest : public testing::Test {};
 using Reals = testing::Types<double, float>;
 TYPED_TEST_SUITE(ToeplitzTest, Reals);
-
-template <class Real>
-Vector<Real> vector_of(std::initializer_list<double> values) {
-    Vector<Real> v;
-    v.c_Create(static_cast<int>(values.size()));
-    int i = 0;
-    for (const double value : values) v[i++] = static_cast<Real>(value);
-    return v;
-}
 
 enum class Sequence { kms, slow_kms, prolate, prediction_error, negative };
 

@@ -5,25 +5,18 @@
 #include <cmath>
 #include <limits>
 
+#include "support/matrix_gallery.h"
 #include "support/residual.h"
 
 namespace {
 
 using namespace nequar;
+using test::vector_of;
 
 template <class Real>
 class VandermondeTest : public testing::Test {};
 using Reals = testing::Types<double, float>;
 TYPED_TEST_SUITE(VandermondeTest, Reals);
-
-template <class Real>
-Vector<Real> vector_of(std::initializer_list<double> values) {
-    Vector<Real> v;
-    v.c_Create(static_cast<int>(values.size()));
-    int i = 0;
-    for (const double value : values) v[i++] = static_cast<Real>(value);
-    return v;
-}
 
 template <class Real>
 Matrix<Real> column(const Vector<Real>& v) {

@@ -18,4 +18,14 @@ std::string chain(const Object& object, std::initializer_list<std::string> recor
     return text;
 }
 
+// The other way round: the records without the name of the object's class.
+template <class Object>
+std::string records_of(const Object& object) {
+    std::string text = object.gft_Get_Failure_Trace().c_str();
+    const std::string name = std::string(object.gcn_Get_Class_Name().c_str()) + "::";
+    for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos;)
+        text.erase(at, name.size());
+    return text;
+}
+
 }  // namespace nequar::test

@@ -4,10 +4,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <utility>
 #include <vector>
 
-#include "nequar_algebra/frame.h"
+#include "nequar_algebra/structured.h"
 
 namespace nequar::test {
 
@@ -36,6 +37,33 @@ Matrix<Real> matrix_of(int height, int width, Function element) {
     for (int i = 0; i < height; ++i)
         for (int j = 0; j < width; ++j) a[i][j] = static_cast<Real>(element(i, j));
     return a;
+}
+
+template <class Real>
+Vector<Real> vector_of(std::initializer_list<double> values) {
+    Vector<Real> v;
+    v.c_Create(static_cast<int>(values.size()));
+    int i = 0;
+    for (const double value : values) v[i++] = static_cast<Real>(value);
+    return v;
+}
+
+// From the upper triangle.
+template <class Real>
+MatrixSymmetric<Real> packed_of(const Matrix<Real>& a) {
+    MatrixSymmetric<Real> s;
+    s.iu_Import_Upper_part_of(&a);
+    return s;
+}
+
+// Summed in long double.
+template <class Real>
+Matrix<Real> product(const Matrix<Real>& p, const Matrix<Real>& q) {
+    return matrix_of<Real>(p.mh(), q.mw(), [&](int i, int j) {
+        long double sum = 0;
+        for (int k = 0; k < p.mw(); ++k) sum += static_cast<long double>(p[i][k]) * q[k][j];
+        return double(sum);
+    });
 }
 
 template <class Real>
