@@ -30,6 +30,10 @@ struct Strided;
 /// see `dluc_…`, `dlup_…`, `dch_…`), "2" solving or inverting with its factors failed (recorded
 /// before under the name of the `u_` form). Every check is made before the output is touched.
 ///
+/// NaN in A or in the right-hand side comes out as NaN or as a failure. Infinity in A need not: a
+/// division by an infinite pivot gives zero, so that a solution can look like one although A was no
+/// matrix of numbers. The spectral solvers refuse such an A.
+///
 /// Details of the `u_` forms with factors: "1" the sizes of the factors, the permutation and the
 /// right-hand side do not agree, an entry of the permutation is out of range, or a factor does not
 /// hold its elements; "2" an element on the diagonal of a factor is exactly 0.0 (there is no
