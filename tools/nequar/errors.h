@@ -31,4 +31,10 @@ private:
     std::string text_;
 };
 
+// Throws the Failure of what the library could not do, with its trace.
+template <class Object>
+[[noreturn]] void fail(const std::string& what, const Object& object) {
+    throw Failure(what + " failed:\n" + object.gft_Get_Failure_Trace().c_str());
+}
+
 }  // namespace program

@@ -20,11 +20,6 @@ namespace {
 template <class Real>
 using Matrix = typename Twin<Real>::Matrix;
 
-template <class Object>
-[[noreturn]] void fail(const std::string& what, const Object& object) {
-    throw Failure(what + " failed:\n" + object.gft_Get_Failure_Trace().c_str());
-}
-
 template <class Real>
 Matrix<Real> product_of(const Matrix<Real>& a, const Matrix<Real>& b) {
     const typename Twin<Real>::Algebra algebra;

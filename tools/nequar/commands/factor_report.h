@@ -33,7 +33,8 @@ struct Factor {
 // Throws InputError when the factors cannot be written there: to be called before the work is done.
 void require_place_for(const FactorOptions& options, const std::vector<const char*>& names);
 
-// Reads A.mtx and makes it dense; `copies` dense matrices of its size must fit the memory.
+// Reads A.mtx, makes it dense and prints its line; `copies` dense matrices of its size must fit the
+// memory.
 template <class Real>
 FileMatrix<Real> read_dense(const std::string& path, double copies, typename Twin<Real>::Matrix& a);
 

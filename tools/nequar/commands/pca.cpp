@@ -28,11 +28,6 @@ struct PcaOptions {
     bool in_float = false;
 };
 
-template <class Object>
-[[noreturn]] void fail(const std::string& what, const Object& object) {
-    throw Failure(what + " failed:\n" + object.gft_Get_Failure_Trace().c_str());
-}
-
 // What the first kept component explains, and the second: projections of every sample.
 template <class Real>
 Series projections(const typename Twin<Real>::Pca& pca, const Table<Real>& table) {

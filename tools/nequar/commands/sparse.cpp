@@ -27,11 +27,6 @@ struct SparseOptions {
     bool in_float = false;
 };
 
-template <class Object>
-[[noreturn]] void fail(const std::string& what, const Object& object) {
-    throw Failure(what + " failed:\n" + object.gft_Get_Failure_Trace().c_str());
-}
-
 void sparse_info(const SparseOptions& options) {
     require_place_for_plot(options.plot);
     const FileMatrix<double> file = read_matrix_market<double>(options.a);

@@ -26,11 +26,6 @@ struct StatisticsOptions {
     bool in_float = false;
 };
 
-template <class Object>
-[[noreturn]] void fail(const std::string& what, const Object& object) {
-    throw Failure(what + " failed:\n" + object.gft_Get_Failure_Trace().c_str());
-}
-
 template <class Real>
 void stats(const StatisticsOptions& options) {
     const Table<Real> table = read_csv<Real>(options.data);

@@ -25,11 +25,6 @@ struct StructuredOptions : FactorOptions {
     std::string action, b, at;
 };
 
-template <class Object>
-[[noreturn]] void fail(const std::string& what, const Object& object) {
-    throw Failure(what + " failed:\n" + object.gft_Get_Failure_Trace().c_str());
-}
-
 // A file that is one row or one column.
 template <class Real>
 typename Twin<Real>::Vector read_vector(const std::string& path) {

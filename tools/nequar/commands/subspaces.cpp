@@ -36,11 +36,6 @@ struct SpaceOptions : FactorOptions {
     }
 };
 
-template <class Object>
-[[noreturn]] void fail(const std::string& what, const Object& object) {
-    throw Failure(what + " failed:\n" + object.gft_Get_Failure_Trace().c_str());
-}
-
 // With as many steps as the order asks for; the library's own rank makes at most 100.
 template <class Real>
 bool rank_by_singular_values(const typename Twin<Real>::Solver& solver, const Matrix<Real>& a,
