@@ -40,19 +40,20 @@ set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
 samples that stand in Matrix Market and CSV files, and says how far the result
 can be trusted.")
 
-# What else the packages depend on is read from their binaries, where Debian's tool for that is
-# installed.
+# What else the packages depend on is read from their binaries, where Debian's tools for that are
+# installed (dpkg-dev, file).
 find_program(NEQUAR_SHLIBDEPS dpkg-shlibdeps)
-mark_as_advanced(NEQUAR_SHLIBDEPS)
-if(NEQUAR_SHLIBDEPS)
+find_program(NEQUAR_FILE file)
+mark_as_advanced(NEQUAR_SHLIBDEPS NEQUAR_FILE)
+if(NEQUAR_SHLIBDEPS AND NEQUAR_FILE)
   set(CPACK_DEBIAN_LIBRARY_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
+  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+  set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 else()
   set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS "libc6, libstdc++6, libgcc-s1")
   string(APPEND CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS ", libfmt9, libc6, libstdc++6, libgcc-s1")
 endif()
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 include(CPack)
