@@ -4,6 +4,7 @@
 #   - a declaration that follows another one line on line shares its comment (overloads, short names);
 #   - a constructor, destructor or assignment without a comment is what its class says of copies;
 #   - what is protected is for the library's own classes, except in the root class;
+#   - a template says under which public names it is used;
 #   - the characters < > # % @ & in running text stand for themselves.
 
 function is_comment(line) { return line ~ /^ *\/\/\// }
@@ -25,6 +26,16 @@ function escaped(line,    at, text, out, quoted, c, i) {
 
 function print_comment(    i) {
     for (i = 1; i <= comment_lines; i++) print escaped(comment[i])
+}
+
+# The class that is declared on this line or on the next.
+function class_here() {
+    return (FNR in class_on) ? class_on[FNR] : class_on[FNR + 1]
+}
+
+function print_public_names(    class) {
+    class = class_here()
+    if (class in public_names) print "///\n/// Public names: " public_names[class] "."
 }
 
 function close_section() {
@@ -59,7 +70,25 @@ function end_declaration(    special) {
     is_commented = 0
 }
 
-BEGIN { class_name = ""; depth = 0; shares = 0; comment_lines = 0 }
+BEGIN {
+    class_name = ""
+    depth = shares = comment_lines = 0
+    # using CNqMatrix = nequar::Matrix<double>;
+    while ((getline line < ARGV[1]) > 0) {
+        ++number
+        if (line ~ /^using L?CNq/) {
+            split(line, word, " ")
+            sub(/^nequar::/, "", word[4])
+            sub(/<.*/, "", word[4])
+            so_far = word[4] in public_names ? public_names[word[4]] ", " : ""
+            public_names[word[4]] = so_far "`" word[2] "`"
+        }
+        if (line ~ /^class NEQUAR_API /) {
+            split(line, word, " ")
+            class_on[number] = word[3]
+        }
+    }
+}
 
 /^#pragma once/ { print; print "/// @file"; next }
 /^extern template/ { print ""; next }
@@ -145,6 +174,7 @@ declaration != "" {
 {
     if (is_commented) {
         print_comment()
+        print_public_names()
         shares = 1
     } else if (shares && /^NEQUAR_API/) {
         print_comment()
