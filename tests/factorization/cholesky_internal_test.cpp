@@ -1,6 +1,4 @@
 // Cholesky, triangular inverses and the symmetry test: the algorithms, blocked and not.
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <vector>
 
@@ -11,16 +9,14 @@
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
 
 using kernel::Triangle;
 
-template <class Real>
-class CholeskyAlgorithm : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(CholeskyAlgorithm, Reals);
+TWINS(CholeskyAlgorithm);
 
 template <class Real>
 Matrix<Real> lower_of(const Matrix<Real>& a) {
@@ -36,8 +32,7 @@ Matrix<Real> reversed(const Matrix<Real>& a) {
 }
 
 // Input is read above the diagonal only, and kept there; the upper form is the lower one reversed.
-TYPED_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
-    using Real = TypeParam;
+TWIN_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {0, 1, 2, 3, 7, 16, 31, 32, 33, 64, 65, 100, 130}) {
         for (const Size base : {1, 3, 16, 32, 64}) {
@@ -63,8 +58,7 @@ TYPED_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
     }
 }
 
-TYPED_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
-    using Real = TypeParam;
+TWIN_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {1, 5, 33, 100}) {
         for (const int at : {0, n / 2, n - 1}) {
@@ -90,8 +84,7 @@ TYPED_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
     }
 }
 
-TYPED_TEST(CholeskyAlgorithm, TriangularInverses) {
-    using Real = TypeParam;
+TWIN_TEST(CholeskyAlgorithm, TriangularInverses) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {1, 2, 5, 15, 16, 17, 33, 64, 65, 100}) {
         for (const Size base : {1, 3, 16}) {
@@ -126,8 +119,7 @@ TYPED_TEST(CholeskyAlgorithm, TriangularInverses) {
     }
 }
 
-TYPED_TEST(CholeskyAlgorithm, SymmetryIsExact) {
-    using Real = TypeParam;
+TWIN_TEST(CholeskyAlgorithm, SymmetryIsExact) {
     for (const int n : {0, 1, 2, 31, 32, 33, 70}) {
         const Matrix<Real> a = test::positive_definite_matrix<Real>(n, 10, 3);
         EXPECT_TRUE(is_symmetric(view_of(&a)));

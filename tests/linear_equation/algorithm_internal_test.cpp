@@ -1,6 +1,4 @@
 // Solving and inverting with factors, Gauss-Jordan elimination, the condition estimate.
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <vector>
 
@@ -14,16 +12,14 @@
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
 
 using kernel::Triangle;
 
-template <class Real>
-class SolveAlgorithm : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(SolveAlgorithm, Reals);
+TWINS(SolveAlgorithm);
 
 template <class Real>
 Matrix<Real> inverse_of(const Matrix<Real>& a) {
@@ -37,8 +33,7 @@ Matrix<Real> inverse_of(const Matrix<Real>& a) {
     return inverse;
 }
 
-TYPED_TEST(SolveAlgorithm, FactorsSolveAndInvert) {
-    using Real = TypeParam;
+TWIN_TEST(SolveAlgorithm, FactorsSolveAndInvert) {
     for (const int n : {1, 2, 5, 16, 33, 70, 100}) {
         const Matrix<Real> a = test::random_matrix<Real>(n, n, 7);
         Matrix<Real> lu = a;
@@ -72,8 +67,7 @@ TYPED_TEST(SolveAlgorithm, FactorsSolveAndInvert) {
 }
 
 // A and B end as the plain loops leave them, negative pivots and zero blocks included.
-TYPED_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
-    using Real = TypeParam;
+TWIN_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
     for (const int n : {0, 1, 2, 3, 8, 17, 40}) {
         for (const int k : {0, 1, 5, n}) {
             for (int kind = 0; kind < 3; ++kind) {
@@ -102,8 +96,7 @@ TYPED_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
     }
 }
 
-TYPED_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
-    using Real = TypeParam;
+TWIN_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     const Real infinity = std::numeric_limits<Real>::infinity();
     const Real tiny = std::numeric_limits<Real>::denorm_min();
@@ -122,8 +115,7 @@ TYPED_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
 }
 
 // The estimate never exceeds the truth by more than rounding, and is close to it.
-TYPED_TEST(SolveAlgorithm, ConditionEstimateIsALowerBoundNearTheNorm) {
-    using Real = TypeParam;
+TWIN_TEST(SolveAlgorithm, ConditionEstimateIsALowerBoundNearTheNorm) {
     for (const int n : {1, 2, 3, 10, 40}) {
         for (int kind = 0; kind < 5; ++kind) {
             const Matrix<Real> a = kind == 0   ? test::random_matrix<Real>(n, n, 11)

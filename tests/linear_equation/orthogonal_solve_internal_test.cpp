@@ -1,7 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "factorization/orthogonal_checks.h"
 #include "linear_equation/algorithm/orthogonal_solve.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -9,18 +8,14 @@ namespace {
 using testing::Dense;
 using testing::random_dense;
 
-template <class Real>
-class OrthogonalSolve : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(OrthogonalSolve, Reals);
+TWINS(OrthogonalSolve);
 
 const OrthogonalForm kForms[] = {OrthogonalForm::qr, OrthogonalForm::ql, OrthogonalForm::rq,
                                  OrthogonalForm::lq};
 
 // Every form and blocking solves for one and for several right-hand sides in either layout, and
 // inverts.
-TYPED_TEST(OrthogonalSolve, SolvesAndInverts) {
-    using Real = TypeParam;
+TWIN_TEST(OrthogonalSolve, SolvesAndInverts) {
     for (const OrthogonalForm form : kForms)
         for (const Size n : {0, 1, 2, 7, 33, 70})
             for (const QrBlocking& blocking : {QrBlocking{1, 1}, {3, 2}, {16, 4}, {0, 4}})
@@ -52,8 +47,7 @@ TYPED_TEST(OrthogonalSolve, SolvesAndInverts) {
                 }
 }
 
-TYPED_TEST(OrthogonalSolve, AZeroOnTheDiagonalOfTheTriangleIsSingular) {
-    using Real = TypeParam;
+TWIN_TEST(OrthogonalSolve, AZeroOnTheDiagonalOfTheTriangleIsSingular) {
     for (const OrthogonalForm form : kForms) {
         Dense<Real> a(3, 3), b(3, 1, 1), inverse(3, 3);
         a.elements = {1, 0, 0, 0, 0, 0, 0, 0, 2};

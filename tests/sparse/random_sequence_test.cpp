@@ -1,18 +1,15 @@
 // Long random sequences of operations: after each step the storage has to be in order and hold
 // exactly what the mirror says, explicit zeros included. Values are small integers, so nothing is
 // rounded.
-#include <gtest/gtest.h>
 
 #include "sparse/mirror.h"
+#include "support/twins.h"
 
 namespace {
 
 using namespace sparse_test;
 
-template <class Real>
-class SparseSequence : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(SparseSequence, Reals);
+TWINS(SparseSequence);
 
 constexpr int kSteps = 100000;
 constexpr int kLargest = 7;  // of the sizes
@@ -140,8 +137,8 @@ struct Matrices {
     }
 };
 
-TYPED_TEST(SparseSequence, Matrix) {
-    Matrices<TypeParam> m{Dice(1), {}, {}, {}, {}};
+TWIN_TEST(SparseSequence, Matrix) {
+    Matrices<Real> m{Dice(1), {}, {}, {}, {}};
     m.renew(m.a, m.ma);
     m.renew(m.b, m.mb);
     // Looking at the start pointers keeps them up to date from then on: in every second episode
@@ -150,7 +147,7 @@ TYPED_TEST(SparseSequence, Matrix) {
     for (int step = 0; step < kSteps; ++step) {
         if (step % 40 == 0 || m.ma.largest_magnitude() > 1000) {
             looks_at_copies = step % 80 < 40;
-            m.a = nequar::SparseMatrix<TypeParam>();
+            m.a = nequar::SparseMatrix<Real>();
             m.renew(m.a, m.ma);
         }
         ASSERT_TRUE(m.step()) << "step " << step << ": " << failures_of(m.a);
@@ -158,7 +155,7 @@ TYPED_TEST(SparseSequence, Matrix) {
         const auto copy = m.a;
         ASSERT_EQ(fault_of(looks_at_copies ? copy : m.a, m.ma), "") << "step " << step;
         ASSERT_EQ(fault_of(m.b, m.mb), "") << "step " << step;
-        TypeParam value = -1;
+        Real value = -1;
         for (int x = 0; x < m.ma.width; ++x)
             for (int y = 0; y < m.ma.height; ++y)
                 ASSERT_TRUE(m.a.ge(x, y, &value) && value == m.ma.at(x, y)) << "step " << step;
@@ -166,8 +163,7 @@ TYPED_TEST(SparseSequence, Matrix) {
     EXPECT_EQ(failures_of(m.a), "");
 }
 
-TYPED_TEST(SparseSequence, Vector) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSequence, Vector) {
     using Sparse = nequar::SparseVector<Real>;
     Dice dice(2);
     Sparse a, b;

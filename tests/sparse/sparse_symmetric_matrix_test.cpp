@@ -1,22 +1,18 @@
 // The symmetric matrix: failures with their chains, the tester, large dense halves, extreme values,
 // counts out of step, self-tests.
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 #include <functional>
 #include <limits>
 
 #include "sparse/mirror.h"
+#include "support/twins.h"
 
 namespace {
 
 using namespace sparse_test;
 
-template <class Real>
-class SparseSymmetric : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(SparseSymmetric, Reals);
+TWINS(SparseSymmetric);
 
 template <class Real>
 using Symmetric = nequar::SparseSymmetricMatrix<Real>;
@@ -46,8 +42,7 @@ struct Arrays {
     }
 };
 
-TYPED_TEST(SparseSymmetric, Tester) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, Tester) {
     const struct {
         int n;
         Arrays<Real> arrays;
@@ -85,8 +80,7 @@ TYPED_TEST(SparseSymmetric, Tester) {
     EXPECT_STREQ(s.ged_Get_Error_Detail().c_str(), "bad row-index 0");
 }
 
-TYPED_TEST(SparseSymmetric, FailuresLeaveEverythingAsItWas) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, FailuresLeaveEverythingAsItWas) {
     using Matrix = Symmetric<Real>;
     Matrix small;
     nequar::SparseVector<Real> v;
@@ -160,8 +154,7 @@ TYPED_TEST(SparseSymmetric, FailuresLeaveEverythingAsItWas) {
     EXPECT_EQ(huge.nf(), std::sqrt(Real(8)));
 }
 
-TYPED_TEST(SparseSymmetric, LargeDenseHalves) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, LargeDenseHalves) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {63, 64, 65, 130, 600})
         for (const bool lower : {true, false}) {
@@ -193,8 +186,7 @@ TYPED_TEST(SparseSymmetric, LargeDenseHalves) {
         }
 }
 
-TYPED_TEST(SparseSymmetric, ExtremeValues) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, ExtremeValues) {
     const Real huge = std::numeric_limits<Real>::max() / 4;
     const Real tiny = std::numeric_limits<Real>::min() * 4;
     for (const Real v : {huge, tiny}) {
@@ -219,8 +211,7 @@ TYPED_TEST(SparseSymmetric, ExtremeValues) {
 }
 
 // The number of elements changed by itself: every operation stays inside the storage.
-TYPED_TEST(SparseSymmetric, CountsOutOfStep) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, CountsOutOfStep) {
     for (const int count : {0, 1, 2, 5, 40}) {
         const auto b = sample<Real>();
         const auto v = vector_of(Mirror<Real>{4, 1, {{{0, 1}, Real(1)}, {{0, 3}, Real(2)}}});
@@ -279,8 +270,8 @@ TYPED_TEST(SparseSymmetric, CountsOutOfStep) {
     }
 }
 
-TYPED_TEST(SparseSymmetric, SelfTests) {
-    using Matrix = Symmetric<TypeParam>;
+TWIN_TEST(SparseSymmetric, SelfTests) {
+    using Matrix = Symmetric<Real>;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     Matrix s;
@@ -326,10 +317,10 @@ TYPED_TEST(SparseSymmetric, SelfTests) {
               "u_tor_Test_Operations_for_Rows: 5 | u_tot_Test_Operations_Total: "
               "u_tor_Test_Operations_for_Rows");
 
-    nequar::Matrix<TypeParam> dense;
+    nequar::Matrix<Real> dense;
     for (int repetition = 0; repetition < 50; ++repetition) {
         EXPECT_TRUE(s.u_mrsm_Make_a_Random_Sparse_Matrix(6, 9, -1, 2, &s, &dense));
-        nequar::Matrix<TypeParam> exported;
+        nequar::Matrix<Real> exported;
         EXPECT_TRUE(s.ex(&exported) && exported == dense && s.nee() <= 9 && s.nee() > 0);
         EXPECT_TRUE(s.max() < 2 && s.min() >= -1);
     }

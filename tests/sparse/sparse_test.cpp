@@ -1,7 +1,5 @@
 // Sparse vectors and matrices: messages, special cases that random sequences do not reach,
 // statistics, storage that is out of step, sizes that do not fit, self-tests.
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 #include <functional>
@@ -10,6 +8,7 @@
 #include <vector>
 
 #include "sparse/mirror.h"
+#include "support/twins.h"
 
 namespace {
 
@@ -41,8 +40,6 @@ public:
         return v;
     }
 };
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(SparseTest, Reals);
 
 // Every call fails with these records and leaves the object as it was.
 template <class Object>
@@ -58,8 +55,7 @@ void expect_failures(Object& object,
     }
 }
 
-TYPED_TEST(SparseTest, FailuresOfTheVector) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, FailuresOfTheVector) {
     using SVector = typename TestFixture::VectorType;
     SVector v, w, out;
     v.czv(4, 2);
@@ -113,8 +109,7 @@ TYPED_TEST(SparseTest, FailuresOfTheVector) {
     EXPECT_EQ(out.dim(), 1);
 }
 
-TYPED_TEST(SparseTest, FailuresOfTheMatrix) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, FailuresOfTheMatrix) {
     using Sparse = typename TestFixture::MatrixType;
     Sparse a, b, out;
     a.czm(3, 4, 2);
@@ -205,8 +200,7 @@ TYPED_TEST(SparseTest, FailuresOfTheMatrix) {
     EXPECT_EQ(value, Real(0));
 }
 
-TYPED_TEST(SparseTest, ImportedArraysAndHandedOutStorage) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, ImportedArraysAndHandedOutStorage) {
     typename TestFixture::MatrixType a, b;
     const auto values = TestFixture::growable({Real(1), Real(2), Real(3)});
     auto rows = TestFixture::growable({1, 0, 2});
@@ -235,8 +229,7 @@ TYPED_TEST(SparseTest, ImportedArraysAndHandedOutStorage) {
     EXPECT_EQ((*pointers)[3], 5);
 }
 
-TYPED_TEST(SparseTest, ZeroElementsAndExtrema) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, ZeroElementsAndExtrema) {
     typename TestFixture::VectorType v;
     int i = -7;
     int j = -7;
@@ -283,8 +276,7 @@ TYPED_TEST(SparseTest, ZeroElementsAndExtrema) {
     EXPECT_NE(a.m(), a.m());
 }
 
-TYPED_TEST(SparseTest, Statistics) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, Statistics) {
     const Real huge = std::is_same_v<Real, float> ? Real(1e30) : Real(1e200);
     typename TestFixture::VectorType v, w;
     typename TestFixture::MatrixType a;
@@ -320,8 +312,7 @@ TYPED_TEST(SparseTest, Statistics) {
 }
 
 // Weights and values that sums must not make plausible, and products that vanish.
-TYPED_TEST(SparseTest, SpecialValues) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, SpecialValues) {
     const Real inf = std::numeric_limits<Real>::infinity();
     const Mirror<Real> left{1, 4, {{{0, 0}, inf}, {{1, 0}, -0.0}, {{2, 0}, 1}}};
     const Mirror<Real> right{1, 4, {{{0, 0}, 1}, {{2, 0}, 0}, {{3, 0}, 2}}};
@@ -343,8 +334,7 @@ TYPED_TEST(SparseTest, SpecialValues) {
 }
 
 // Sizes near INT_MAX: nothing overflows, takes long or is stored beyond the end.
-TYPED_TEST(SparseTest, VeryLargeShapes) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, VeryLargeShapes) {
     typename TestFixture::MatrixType a, b, out;
     typename TestFixture::VectorType v, w;
     ASSERT_TRUE(a.czm(INT_MAX, 3, 2) && b.czm(INT_MAX, 3, 2));
@@ -366,8 +356,7 @@ TYPED_TEST(SparseTest, VeryLargeShapes) {
 }
 
 // Whatever z_cne leaves, nothing is read or written outside the storage (the sanitizers look on).
-TYPED_TEST(SparseTest, CountsOutOfStep) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, CountsOutOfStep) {
     Dice dice(3);
     for (int round = 0; round < 300; ++round) {
         const auto mirror = random_mirror<Real>(dice, 4, 5);
@@ -424,8 +413,7 @@ TYPED_TEST(SparseTest, CountsOutOfStep) {
     }
 }
 
-TYPED_TEST(SparseTest, CopiesAndMoves) {
-    using Real = TypeParam;
+TWIN_TEST(SparseTest, CopiesAndMoves) {
     typename TestFixture::MatrixType a;
     EXPECT_EQ(a.mh() * 10 + a.mw(), 11);
     EXPECT_EQ(a.sbs(), 1);
@@ -448,10 +436,10 @@ TYPED_TEST(SparseTest, CopiesAndMoves) {
                 v.m() == Real(0));
 }
 
-TYPED_TEST(SparseTest, SelfTests) {
+TWIN_TEST(SparseTest, SelfTests) {
     typename TestFixture::MatrixType s, made;
     typename TestFixture::VectorType v;
-    nequar::Matrix<TypeParam> dense;
+    nequar::Matrix<Real> dense;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (const double density : {0.0, 0.1, 0.5, 1.0})
         for (const auto& [d1, d2] : {std::pair(1, 1), {1, 6}, {5, 1}, {4, 6}})
@@ -503,7 +491,7 @@ TYPED_TEST(SparseTest, SelfTests) {
 }
 
 // Threads draw different matrices, all within bounds, about as full as they should be.
-TYPED_TEST(SparseTest, RandomMakers) {
+TWIN_TEST(SparseTest, RandomMakers) {
     typename TestFixture::MatrixType made[4];
     std::vector<std::thread> threads;
     for (auto& one : made)

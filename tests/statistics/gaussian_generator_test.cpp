@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -10,6 +8,7 @@
 
 #include "statistics/statistics_support.h"
 #include "support/residual.h"
+#include "support/twins.h"
 
 namespace {
 
@@ -38,11 +37,8 @@ protected:
         }
     }
 };
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(GaussianGeneratorTest, Reals);
 
-TYPED_TEST(GaussianGeneratorTest, NumbersAreTheSamplesOfTheSecondInTheirOrder) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, NumbersAreTheSamplesOfTheSecondInTheirOrder) {
     auto& g = this->generator;
     EXPECT_STREQ(g.gcn_Get_Class_Name().c_str(),
                  (std::is_same_v<Real, double> ? "CNqRandom_Number_Generator_Advanced"
@@ -82,8 +78,7 @@ TYPED_TEST(GaussianGeneratorTest, NumbersAreTheSamplesOfTheSecondInTheirOrder) {
     EXPECT_TRUE(x.nee() == 3 && x[0] == Real(1) && x[2] == Real(4));
 }
 
-TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
     auto& g = this->generator;
     Real a[4] = {};
     EXPECT_FALSE(g.gng_wzu(0, a));
@@ -125,8 +120,7 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
     }
 }
 
-TYPED_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
     auto& g = this->generator;
     const int n = 5;
     Matrix<Real> dense;
@@ -161,8 +155,7 @@ TYPED_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
 }
 
 // Both layouts, whole ranges and masked ones: what is chosen is T Z, what is not stays.
-TYPED_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAreWanted) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAreWanted) {
     auto& g = this->generator;
     const auto cov = symmetric_of<Real>(2, {4, 1.2, 1.2, 1});
     const auto mean = vector_of<Real>({100, -50});  // which shifts nothing
@@ -213,8 +206,7 @@ TYPED_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAr
     EXPECT_NEAR(spread[1][1], 1, 0.04);
 }
 
-TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     auto& g = this->generator;
     const auto cov = symmetric_of<Real>(2, {1, 0, 0, 1});
     const auto mean = vector_of<Real>({0, 0});
@@ -251,8 +243,7 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     EXPECT_TRUE(m.mh() == 2 && m.mw() == 1);
 }
 
-TYPED_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     auto& g = this->generator;
     const auto cov = symmetric_of<Real>(2, {2, 1, 1, 2});
     const auto mean = vector_of<Real>({0, 0});

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -8,6 +6,7 @@
 
 #include "statistics/statistics_support.h"
 #include "support/residual.h"
+#include "support/twins.h"
 
 namespace {
 
@@ -41,11 +40,8 @@ protected:
         return done;
     }
 };
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(PrincipalComponentsTest, Reals);
 
-TYPED_TEST(PrincipalComponentsTest, ParametersAndValidity) {
-    using Real = TypeParam;
+TWIN_TEST(PrincipalComponentsTest, ParametersAndValidity) {
     auto& pca = this->analysis;
     EXPECT_STREQ(pca.gcn_Get_Class_Name().c_str(),
                  (std::is_same_v<Real, double> ? "CNqPrPca" : "CNqPrPcaFloat"));
@@ -119,7 +115,7 @@ TYPED_TEST(PrincipalComponentsTest, ParametersAndValidity) {
                      .cevvcm_Calculate_Eigen_Values_and_Vectors_of_Covariance_Matrix());
 }
 
-TYPED_TEST(PrincipalComponentsTest, TheCrossingComponentIsNotCountedButItsShareIs) {
+TWIN_TEST(PrincipalComponentsTest, TheCrossingComponentIsNotCountedButItsShareIs) {
     struct Row {
         std::initializer_list<double> scatter;
         double ratio, residual_share;
@@ -143,8 +139,7 @@ TYPED_TEST(PrincipalComponentsTest, TheCrossingComponentIsNotCountedButItsShareI
 }
 
 // Both forms, against the definition: S c = lambda c for the scatter matrix S, |c| = 1.
-TYPED_TEST(PrincipalComponentsTest, ComponentsAreEigenvectorsOfTheScatterMatrix) {
-    using Real = TypeParam;
+TWIN_TEST(PrincipalComponentsTest, ComponentsAreEigenvectorsOfTheScatterMatrix) {
     for (const auto& [n, d] : {std::pair{40, 6}, {7, 6}, {6, 6}, {5, 6}, {3, 50}, {1, 4}, {9, 1}}) {
         SCOPED_TRACE(testing::Message() << n << ' ' << d);
         Matrix<Real> X;
@@ -244,8 +239,7 @@ TYPED_TEST(PrincipalComponentsTest, ComponentsAreEigenvectorsOfTheScatterMatrix)
     }
 }
 
-TYPED_TEST(PrincipalComponentsTest, AnalysisAndReconstruction) {
-    using Real = TypeParam;
+TWIN_TEST(PrincipalComponentsTest, AnalysisAndReconstruction) {
     auto& pca = this->analysis;
     ASSERT_TRUE(this->feed({2, 8, 4}, 0.05, 0.3));
     ASSERT_TRUE(this->analyse());  // components e1, e2, e0 (counted from 0) up to the sign
@@ -299,8 +293,7 @@ TYPED_TEST(PrincipalComponentsTest, AnalysisAndReconstruction) {
     refused(pca.dar(x, count, &out, nullptr, nullptr, nullptr, nullptr, nullptr), "2");
 }
 
-TYPED_TEST(PrincipalComponentsTest, ConversionsSaturate) {
-    using Real = TypeParam;
+TWIN_TEST(PrincipalComponentsTest, ConversionsSaturate) {
     const auto from = vector_of<Real>({kNan, 1e30, -1e30, 2.5, -1.6, 200});
     CNqVectorChar chars;
     CNqVectorUchar uchars;

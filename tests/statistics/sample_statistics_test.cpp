@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -11,6 +9,7 @@
 #include "statistics/statistics_support.h"
 #include "support/data_files.h"
 #include "support/residual.h"
+#include "support/twins.h"
 
 namespace {
 
@@ -25,8 +24,6 @@ protected:
 
     static Real element(int i) { return Real(1000 + std::sin(1.7 * i)); }
 };
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(SampleStatistics, Reals);
 
 // The blocked sum as it is described.
 template <class Real, class Term>
@@ -47,8 +44,7 @@ Real stated_sum(const std::vector<Real>& a, const bool* mask, int begin, int end
     return total + partial;
 }
 
-TYPED_TEST(SampleStatistics, MeanAndVarianceInBlocksToTheLastBit) {
-    using Real = TypeParam;
+TWIN_TEST(SampleStatistics, MeanAndVarianceInBlocksToTheLastBit) {
     for (const int n : {1, 10, 15, 16, 17, 240, 272, 400, 1000, 5000}) {
         std::vector<Real> a(std::size_t(n), Real(0));
         const auto mask = std::make_unique<bool[]>(std::size_t(n));
@@ -93,8 +89,7 @@ TYPED_TEST(SampleStatistics, MeanAndVarianceInBlocksToTheLastBit) {
     EXPECT_EQ(variance, Real(1.25));
 }
 
-TYPED_TEST(SampleStatistics, RefusedRangesWriteNothing) {
-    using Real = TypeParam;
+TWIN_TEST(SampleStatistics, RefusedRangesWriteNothing) {
     auto& g = this->generator;
     const auto a = vector_of<Real>({1, 2, 3});
     const auto none = mask_of({false, false, false});
@@ -139,8 +134,7 @@ TYPED_TEST(SampleStatistics, RefusedRangesWriteNothing) {
 
 // Means and covariances of vectors, in all containers and layouts, with more vectors than are
 // treated at a time.
-TYPED_TEST(SampleStatistics, MeanVectorsAndCovariances) {
-    using Real = TypeParam;
+TWIN_TEST(SampleStatistics, MeanVectorsAndCovariances) {
     const int d = 3;
     const int n = 700;
     Matrix<Real> rows;
@@ -210,8 +204,7 @@ TYPED_TEST(SampleStatistics, MeanVectorsAndCovariances) {
     }
 }
 
-TYPED_TEST(SampleStatistics, DistancesAndTheirEstimates) {
-    using Real = TypeParam;
+TWIN_TEST(SampleStatistics, DistancesAndTheirEstimates) {
     auto& g = this->generator;
     for (const int d : {1, 2, 5, 33})
         for (const int n : {1, 7, 1030}) {
@@ -282,8 +275,7 @@ TYPED_TEST(SampleStatistics, DistancesAndTheirEstimates) {
         }
 }
 
-TYPED_TEST(SampleStatistics, EstimatesAtTheirLimits) {
-    using Real = TypeParam;
+TWIN_TEST(SampleStatistics, EstimatesAtTheirLimits) {
     auto& g = this->generator;
     const auto samples = matrix_of<Real>(1, 4, {0, 1, 3, 3});
     const auto x = vector_of<Real>({3});
@@ -341,8 +333,7 @@ TYPED_TEST(SampleStatistics, EstimatesAtTheirLimits) {
     }
 }
 
-TYPED_TEST(SampleStatistics, GaussianDensities) {
-    using Real = TypeParam;
+TWIN_TEST(SampleStatistics, GaussianDensities) {
     auto& g = this->generator;
     const double root = std::sqrt(2 * std::numbers::pi);
     const auto unit = symmetric_of<Real>(1, {1});

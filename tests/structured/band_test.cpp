@@ -1,20 +1,16 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <utility>
 
 #include "structured/packed_support.h"
+#include "support/twins.h"
 
 namespace {
 
 using namespace packed_test;
 
-template <class Real>
-class BandTest : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(BandTest, Reals);
+TWINS(BandTest);
 
 // Band after band from the lowest sub-diagonal on, each by increasing min(x, y).
 std::vector<Position> band_positions(int height, int width, int p, int q) {
@@ -149,20 +145,20 @@ void check_elements(Band& m, const std::vector<Position>& stored, bool symmetric
     EXPECT_EQ(failures_of(m), "");
 }
 
-TYPED_TEST(BandTest, EveryElementOfEveryShape) {
+TWIN_TEST(BandTest, EveryElementOfEveryShape) {
     for (int height = 1; height <= 7; ++height)
         for (int width = 1; width <= 7; ++width)
             for (int p = 0; p < height; ++p)
                 for (int q = 0; q < width; ++q) {
                     SCOPED_TRACE(testing::Message() << height << ' ' << width << ' ' << p << q);
-                    nequar::MatrixBand<TypeParam> m;
+                    nequar::MatrixBand<Real> m;
                     m.c_Create(height, width, p, q);
                     const auto stored = band_positions(height, width, p, q);
-                    check_elements<TypeParam>(m, stored, false);
-                    const auto numbers = numbered<TypeParam>(height, width);
+                    check_elements<Real>(m, stored, false);
+                    const auto numbers = numbered<Real>(height, width);
                     const auto dense = dense_of(height, width, numbers);
                     const auto columnwise = transposed(height, width, numbers);
-                    nequar::MatrixBand<TypeParam> imports[3];
+                    nequar::MatrixBand<Real> imports[3];
                     imports[0].i_Import(&dense, p, q);
                     imports[1].i_Import(true, height, width, numbers.data(), p, q);
                     imports[2].i_Import(false, height, width, columnwise.data(), p, q);
@@ -175,31 +171,31 @@ TYPED_TEST(BandTest, EveryElementOfEveryShape) {
                     }
                     int h = 0;
                     int w = 0;
-                    std::vector<TypeParam> exported(numbers.size());
+                    std::vector<Real> exported(numbers.size());
                     imports[0].e_Export(false, &h, &w, exported.data(), true);
-                    nequar::MatrixBand<TypeParam> again;
+                    nequar::MatrixBand<Real> again;
                     again.i_Import(false, h, w, exported.data(), p, q);
                     EXPECT_TRUE(again == imports[0]);
                 }
 }
 
-TYPED_TEST(BandTest, EveryElementOfEverySymmetricShape) {
+TWIN_TEST(BandTest, EveryElementOfEverySymmetricShape) {
     for (int n = 1; n <= 7; ++n)
         for (int b = 0; b < n; ++b) {
             SCOPED_TRACE(testing::Message() << n << ' ' << b);
-            nequar::MatrixBandSymmetric<TypeParam> m;
+            nequar::MatrixBandSymmetric<Real> m;
             m.c_Create(n, b);
             std::vector<Position> stored;
             for (const Position at : stored_positions(true, n, n))
                 if (at.y - at.x <= b) stored.push_back(at);
-            check_elements<TypeParam>(m, stored, true);
-            const auto numbers = numbered<TypeParam>(n, n);
+            check_elements<Real>(m, stored, true);
+            const auto numbers = numbered<Real>(n, n);
             const auto dense = dense_of(n, n, numbers);
             const auto columnwise = transposed(n, n, numbers);
-            nequar::MatrixBandSymmetric<TypeParam> average[3];
-            nequar::MatrixBandSymmetric<TypeParam> lower[3];
-            nequar::MatrixBandSymmetric<TypeParam> upper[3];
-            nequar::MatrixSymmetric<TypeParam> symmetric;
+            nequar::MatrixBandSymmetric<Real> average[3];
+            nequar::MatrixBandSymmetric<Real> lower[3];
+            nequar::MatrixBandSymmetric<Real> upper[3];
+            nequar::MatrixSymmetric<Real> symmetric;
             symmetric.i_Import(&dense);
             average[0].i_Import(&dense, b);
             average[1].c_Create(n, b);
@@ -214,26 +210,26 @@ TYPED_TEST(BandTest, EveryElementOfEverySymmetricShape) {
             for (int form = 0; form < 3; ++form)
                 for (int i = 0; i < m.vs(); ++i) {
                     const Position at = stored[std::size_t(i)];
-                    const TypeParam below = dense[at.y][at.x];
-                    const TypeParam above = dense[at.x][at.y];
-                    EXPECT_EQ(average[form][i], (below + above) * TypeParam(0.5));
+                    const Real below = dense[at.y][at.x];
+                    const Real above = dense[at.x][at.y];
+                    EXPECT_EQ(average[form][i], (below + above) * Real(0.5));
                     EXPECT_EQ(lower[form][i], below);
                     EXPECT_EQ(upper[form][i], above);
                 }
             average[0].e_Export(&symmetric);
-            nequar::MatrixBandSymmetric<TypeParam> back;
+            nequar::MatrixBandSymmetric<Real> back;
             back.i_Import(&symmetric, n - 1);
-            nequar::Matrix<TypeParam> all;
-            nequar::Matrix<TypeParam> banded;
+            nequar::Matrix<Real> all;
+            nequar::Matrix<Real> banded;
             back.e_Export(&all, true);
             average[0].e_Export(&banded, true);
             EXPECT_TRUE(all == banded);
         }
 }
 
-TYPED_TEST(BandTest, Refusals) {
-    nequar::MatrixBand<TypeParam> band;
-    band.c_Create(3, 5, 1, 2, TypeParam(4));
+TWIN_TEST(BandTest, Refusals) {
+    nequar::MatrixBand<Real> band;
+    band.c_Create(3, 5, 1, 2, Real(4));
     EXPECT_EQ(band.vs(), 11);
     const auto band_before = band;
     const int bands[][4] = {{4, 4, 4, 0},   {4, 4, 0, 4},
@@ -241,7 +237,7 @@ TYPED_TEST(BandTest, Refusals) {
                             {4, 4, -1, 0},  {4, 4, 0, INT_MIN},
                             {-4, -4, 0, 0}, {INT_MAX, INT_MAX, INT_MAX - 1, INT_MAX - 1}};
     for (const auto& [height, width, p, q] : bands) {
-        band.c_Create(height, width, p, q, TypeParam(-1));
+        band.c_Create(height, width, p, q, Real(-1));
         EXPECT_EQ(failures_of(band), kRefused);
         band.i_Import(true, height, width, nullptr, p, q);
         EXPECT_EQ(failures_of(band), kRefused + "\ni_Import: 1");
@@ -255,12 +251,12 @@ TYPED_TEST(BandTest, Refusals) {
     EXPECT_EQ(x, 7);
     EXPECT_TRUE(band == band_before);
 
-    nequar::MatrixBandSymmetric<TypeParam> symmetric;
-    symmetric.c_Create(3, 1, TypeParam(4));
+    nequar::MatrixBandSymmetric<Real> symmetric;
+    symmetric.c_Create(3, 1, Real(4));
     const auto before = symmetric;
     for (const auto& [n, b] :
          {std::pair{3, 3}, {0, 0}, {3, -1}, {-2, -3}, {INT_MAX, INT_MAX - 1}}) {
-        symmetric.c_Create(n, b, TypeParam(-1));
+        symmetric.c_Create(n, b, Real(-1));
         EXPECT_EQ(failures_of(symmetric), kRefused);
         symmetric.il_Import_Lower_part_of(true, n, nullptr, b);
         EXPECT_EQ(failures_of(symmetric), kRefused + "\nil_Import_Lower_part_of: 1");
@@ -273,11 +269,11 @@ TYPED_TEST(BandTest, Refusals) {
         EXPECT_EQ(failures_of(symmetric), "i_Import: 1");
     }
     EXPECT_TRUE(symmetric == before);
-    const auto numbers = numbered<TypeParam>(4, 4);
+    const auto numbers = numbered<Real>(4, 4);
     symmetric.i_Import(true, 4, numbers.data(), 0);
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(symmetric[i], i < 3 ? TypeParam(1 + 5 * i) : 4);
-    nequar::Matrix<TypeParam> wide;
-    wide.c_Create(3, 4, TypeParam(1));
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(symmetric[i], i < 3 ? Real(1 + 5 * i) : 4);
+    nequar::Matrix<Real> wide;
+    wide.c_Create(3, 4, Real(1));
     symmetric.i_Import(&wide, 1);
     EXPECT_EQ(failures_of(symmetric), "i_Import <CNqMatrix>: 1");
     symmetric.il_Import_Lower_part_of(&wide, 1);
@@ -288,38 +284,38 @@ TYPED_TEST(BandTest, Refusals) {
 
 // Copies keep the bands, moves leave a matrix that can be used; a vector that was shortened through
 // its own interface is not read past its end.
-TYPED_TEST(BandTest, CopiesMovesAndShortenedVectors) {
-    nequar::MatrixBand<TypeParam> a;
-    a.c_Create(4, 5, 2, 1, TypeParam(2));
-    nequar::MatrixBand<TypeParam> b;
+TWIN_TEST(BandTest, CopiesMovesAndShortenedVectors) {
+    nequar::MatrixBand<Real> a;
+    a.c_Create(4, 5, 2, 1, Real(2));
+    nequar::MatrixBand<Real> b;
     b = a;
     EXPECT_TRUE(a == b);
     const auto moved = std::move(b);
     EXPECT_TRUE(moved == a);
     int first = -1;
     int last = -1;
-    TypeParam out[5] = {};
+    Real out[5] = {};
     b.gr_Get_Row(0, out, first, last);
     EXPECT_EQ(failures_of(b), "fvr_Find_Valid_range_of_Row: 1");
-    b.c_Create(2, 2, 1, 1, TypeParam(1));
-    EXPECT_EQ(b.ge_Get_Element(0, -1), TypeParam(1));
-    static_cast<nequar::Vector<TypeParam>&>(a).c_Create(3);
-    EXPECT_EQ(a.ge_Get_Element(4, 3), TypeParam(0));
+    b.c_Create(2, 2, 1, 1, Real(1));
+    EXPECT_EQ(b.ge_Get_Element(0, -1), Real(1));
+    static_cast<nequar::Vector<Real>&>(a).c_Create(3);
+    EXPECT_EQ(a.ge_Get_Element(4, 3), Real(0));
     EXPECT_EQ(failures_of(a), "fi_Find_Index_of_element: 3");
-    a.sr_Set_Row(1, TypeParam(1), first, last);
+    a.sr_Set_Row(1, Real(1), first, last);
     EXPECT_EQ(failures_of(a), "sr_Set_Row: 3");
-    nequar::Matrix<TypeParam> dense;
+    nequar::Matrix<Real> dense;
     a.e_Export(&dense, true);
     EXPECT_EQ(failures_of(a), "e_Export: 3");
 
-    nequar::MatrixBandSymmetric<TypeParam> s;
-    s.c_Create(4, 1, TypeParam(2));
-    const nequar::MatrixBandSymmetric<TypeParam> t = std::move(s);
+    nequar::MatrixBandSymmetric<Real> s;
+    s.c_Create(4, 1, Real(2));
+    const nequar::MatrixBandSymmetric<Real> t = std::move(s);
     s.fvr_Find_Valid_range_of_Row(last, first, last);
     EXPECT_EQ(failures_of(s), "fvr_Find_Valid_range_of_Row: 2");
     s = t;
     EXPECT_TRUE(s == t);
-    static_cast<nequar::Vector<TypeParam>&>(s).c_Create(3);
+    static_cast<nequar::Vector<Real>&>(s).c_Create(3);
     s.i_Import(true, 4, s.p(), 1);
     EXPECT_EQ(failures_of(s), "i_Import: 2");
 }
