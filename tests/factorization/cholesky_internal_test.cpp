@@ -1,10 +1,9 @@
-// Cholesky, triangular inverses and the symmetry test: the algorithms, blocked and not.
+// Cholesky and the symmetry test: the algorithms, blocked and not.
 #include <limits>
 #include <vector>
 
 #include "factorization/algorithm/cholesky.h"
 #include "factorization/algorithm/symmetry.h"
-#include "factorization/algorithm/triangular_inverse.h"
 #include "frame/views.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
@@ -80,41 +79,6 @@ TWIN_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
                             EXPECT_TRUE(a[i][j] == input[i][j] || (i == at && j == at));
                 }
             }
-        }
-    }
-}
-
-TWIN_TEST(CholeskyAlgorithm, TriangularInverses) {
-    const Real nan = std::numeric_limits<Real>::quiet_NaN();
-    for (const int n : {1, 2, 5, 15, 16, 17, 33, 64, 65, 100}) {
-        for (const Size base : {1, 3, 16}) {
-            Matrix<Real> t = test::dominant_matrix<Real>(n, 4);
-            for (int i = 0; i < n; ++i)
-                for (int j = i + 1; j < n; ++j) t[i][j] = nan;  // never read
-            Matrix<Real> x = t;
-            invert_lower_triangle(kernel::Diagonal::stored, view_of(&x), base);
-            const Matrix<Real> identity = test::identity_of<Real>(n);
-            EXPECT_LT(test::solution_residual(lower_of(t), lower_of(x), identity), 1.0) << n;
-
-            Matrix<Real> unit = t;
-            for (int i = 0; i < n; ++i) {
-                unit[i][i] = nan;
-                for (int j = 0; j < i; ++j) unit[i][j] /= static_cast<Real>(n);
-            }
-            Matrix<Real> y = unit;
-            invert_lower_triangle(kernel::Diagonal::unit, view_of(&y), base);
-            for (int i = 0; i < n; ++i) unit[i][i] = y[i][i] = 1;
-            EXPECT_LT(test::solution_residual(lower_of(unit), lower_of(y), identity), 1.0) << n;
-
-            multiply_transpose_by_lower(view_of(&x), base);
-            mirror_lower_to_upper(view_of(&x), 16);
-            const Matrix<Real> lower = lower_of(t);
-            const auto product = test::matrix_of<Real>(n, n, [&](int i, int j) {
-                double sum = 0;
-                for (int k = 0; k < n; ++k) sum += double(lower[i][k]) * double(lower[j][k]);
-                return sum;
-            });
-            EXPECT_LT(test::solution_residual(product, x, identity), 2.0) << n;
         }
     }
 }

@@ -1,4 +1,3 @@
-#include "factorization/algorithm/givens_qr.h"
 #include "factorization/algorithm/hessenberg.h"
 #include "factorization/algorithm/rotation.h"
 #include "factorization/algorithm/rq3.h"
@@ -44,24 +43,6 @@ TWIN_TEST(OrthogonalAlgorithms, HessenbergEqualsTheStatedSteps) {
                 EXPECT_EQ(alone.elements, a.elements);
             }
         }
-}
-
-TWIN_TEST(OrthogonalAlgorithms, GivensQrOfHessenberg) {
-    for (const Size n : {0, 1, 2, 3, 12, 40}) {
-        Dense<Real> input = random_dense<Real>(n, n);
-        for (Size i = 0; i < n; ++i)
-            for (Size j = 0; j + 1 < i; ++j) input(i, j) = 0;
-        if (n > 3) input(3, 2) = 0;
-        Dense<Real> r = input, q(n, n, Real(7)), alone = input;
-        const View<Real> q_view = q.view();
-        givens_qr_of_hessenberg(r.view(), &q_view);
-        givens_qr_of_hessenberg<Real>(alone.view(), nullptr);
-        EXPECT_EQ(alone.elements, r.elements);
-        for (Size i = 0; i < n; ++i)
-            for (Size j = 0; j < i; ++j) EXPECT_EQ(r(i, j), 0);
-        EXPECT_LT(product_residual<Real>(input.view(), q.view(), r.view()), 30);
-        EXPECT_LT(testing::orthogonality<Real>(q.view()), 30);
-    }
 }
 
 TWIN_TEST(OrthogonalAlgorithms, RotationsAnnihilateAcrossTheRange) {

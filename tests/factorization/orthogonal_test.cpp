@@ -217,8 +217,9 @@ TWIN_TEST(OrthogonalFactorizations, EmptyMatrices) {
     a.c_Create(3, 0);
     CNqVectorInt perm;
     int interchanges = 7, rank = 7;
-    EXPECT_TRUE(this->f_.u_dqrh_Decompose_into_QR_matrices_based_on_Householder_with_Column_Pivoting(
-        &a, &q, &perm, interchanges, rank));
+    EXPECT_TRUE(
+        this->f_.u_dqrh_Decompose_into_QR_matrices_based_on_Householder_with_Column_Pivoting(
+            &a, &q, &perm, interchanges, rank));
     EXPECT_TRUE(rank == 0 && interchanges == 0 && perm.vs() == 0);
     EXPECT_TRUE(q == test::identity_of<Real>(3));
     EXPECT_TRUE(this->f_.u_dco_Decompose_matrix_Complete_Orthogonal_algorithm(&a, &q, &z, rank));
@@ -247,8 +248,8 @@ TWIN_TEST(OrthogonalFactorizations, ColumnPivotingAndTheCompleteDecomposition) {
         if (n > 2)
             for (int i = 0; i < m; ++i) a[i][1] = a[i][2] = 0;
         const int wanted = n > 2 ? n - 2 : n;
-        ASSERT_TRUE(this->f_.dco_Decompose_matrix_Complete_Orthogonal_algorithm(&a, &q, &this->lower,
-                                                                               &z, rank));
+        ASSERT_TRUE(this->f_.dco_Decompose_matrix_Complete_Orthogonal_algorithm(
+            &a, &q, &this->lower, &z, rank));
         EXPECT_EQ(rank, wanted);
         EXPECT_EQ(this->lower.mh(), wanted);
         this->lower.e_Export(&t, true);
@@ -273,7 +274,7 @@ TWIN_TEST(OrthogonalFactorizations, RqOf3x3AndGramSchmidt) {
     Matrix<Real> r, q, qx, qy, qz;
     Real angle_x = 0, angle_y = 0, angle_z = 0;
     ASSERT_TRUE(this->f_.drq3_Decompose_into_RQ_matrices_for_3x3_matrix(&a, &r, &q, &qx, &qy, &qz,
-                                                                       angle_x, angle_y, angle_z));
+                                                                        angle_x, angle_y, angle_z));
     EXPECT_LT(rebuilding_error(a, r, q), 30);
     EXPECT_LT(orthogonality_error(q), 30);
     EXPECT_NEAR(qx[2][1], -std::sin(angle_x), 1e-6);
@@ -307,12 +308,13 @@ TWIN_TEST(OrthogonalFactorizations, HessenbergForms) {
         const Matrix<Real> a = test::random_matrix<Real>(n, n, 2);
         Matrix<Real> h, q, r, g;
         ASSERT_TRUE(f.dhr_Do_Hessenberg_Reduction(&a, &h, &q));
+        EXPECT_LT(rebuilding_error(a, q, h, test::transposed(q)), 30);
+        if (n > 3) h[3][2] = 0;  // nothing to annihilate
         ASSERT_TRUE(by_givens(&h, &g, &r));
         for (int i = 0; i < n; ++i)
             for (int j = 0; j < i; ++j) ASSERT_TRUE((j + 1 == i || h[i][j] == 0) && r[i][j] == 0);
         EXPECT_LT(orthogonality_error(q), 30);
         EXPECT_LT(orthogonality_error(g), 30);
-        EXPECT_LT(rebuilding_error(a, q, h, test::transposed(q)), 30);
         EXPECT_LT(rebuilding_error(h, g, r), 30);
     }
     const Matrix<Real> wide = test::random_matrix<Real>(3, 4);

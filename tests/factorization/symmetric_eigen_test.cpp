@@ -215,7 +215,7 @@ TWIN_TEST(SymmetricEigen, CountsAndLimits) {
     Decomposition<Real> x;
     ASSERT_TRUE(this->f_.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&c, &v, &d));
     ASSERT_TRUE(this->f_.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&c, &x.v, &x.d,
-                                                                                   100, count));
+                                                                                    100, count));
     EXPECT_LT(count, 100);
     EXPECT_TRUE(d == x.d && v == x.v);
 }
@@ -240,7 +240,7 @@ TWIN_TEST(SymmetricEigen, SweepsAreTheRotationsOneByOne) {
             for (int p = 0; p < n; ++p)
                 for (int q = p + 1; q < n; ++q)
                     this->f_.u_jru_Jacobi_Rotation_and_Update(a.p(), d.data(), v.p(), n, p, q,
-                                                             threshold, expected);
+                                                              threshold, expected);
             Matrix<Real> vectors;
             MatrixDiagonal<Real> values;
             int sweeps = -1;
@@ -259,7 +259,7 @@ TWIN_TEST(SymmetricEigen, SweepsAreTheRotationsOneByOne) {
     int annihilated = 0;
     for (const auto& [p, q] : {std::pair{0, 1}, {1, 0}, {0, 2}, {-1, 0}, {1, 1}})
         this->f_.u_jru_Jacobi_Rotation_and_Update(a.p(), d, nullptr, 2, p, q, Real(0.5),
-                                                 annihilated);
+                                                  annihilated);
     EXPECT_EQ(annihilated, 0);
     EXPECT_EQ(a[0][1], Real(0.5));
 }
@@ -280,8 +280,9 @@ TWIN_TEST(SymmetricEigen, NoNumbersGiveNoNumbers) {
                     }
                     const auto s = packed_of(a);
                     EXPECT_FALSE(
-                        this->f_.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(
-                            &s));
+                        this->f_
+                            .ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(
+                                &s));
                 }
 }
 

@@ -123,7 +123,10 @@ TWIN_TEST(OrthogonalSolvers, RefusalsAndTheirRecords) {
                          "u_sqr_Solve_based_on_QRD: 2\nu_iqr_Inverse_matrix_based_on_QRD: 2\n"
                          "iqr_Inverse_matrix_based_on_QRD: 2",
                          this->invert(0, &singular, &x)));
+    Matrix<Real> nearly = singular;
+    nearly[1][1] = std::numeric_limits<Real>::denorm_min();
     for (int form = 0; form < 4; ++form) {
+        EXPECT_TRUE(this->solve(form, &nearly, &right, &x));
         this->factor(form, &singular);
         x = mark;
         EXPECT_TRUE(fails_with(s, "2", this->solve_with(form, &right, &x)));
