@@ -1,8 +1,7 @@
 // Where a camera stands and how it looks, from points whose places in space and in the picture are
 // known:
 //
-//   s (u, v, 1)^T = P (X, Y, Z, 1)^T       P = M (I | -centre),  M = K R    3 x 4, known up to
-//   scale
+//   s (u, v, 1)^T = P (X, Y, Z, 1)^T     P = M (I | -centre), M = K R, known up to its scale
 //
 // Each point gives two homogeneous equations for the twelve elements of P; the unit vector that
 // leaves least of them is the solution. RQ of the 3 x 3 matrix M then gives the calibration K,

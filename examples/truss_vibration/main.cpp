@@ -11,9 +11,10 @@
 // Displacements that a support prevents are left out. K and M are symmetric, M is positive
 // definite.
 //
-//   truss_vibration truss.txt...      prints the lowest frequencies of each, and draws the mode of
-//   the
-//                                     lowest one, of the last truss, in first_mode.svg
+//   truss_vibration truss.txt...
+//
+// prints the lowest frequencies of each truss, and draws the lowest mode of the last one in
+// first_mode.svg.
 #include <nequar_algebra/nequar_algebra.h>
 
 #include <algorithm>
@@ -119,8 +120,8 @@ bool draw(const char* path, const Truss& truss, const CNqMatrix& modes, int mode
             high[axis] = std::max(high[axis], joint.at[axis]);
         }
     const double size = std::max(high[0] - low[0], high[1] - low[1]), scale = 600 / size;
-    double largest =
-        0;  // of the displacements, with its sign: a mode may as well point the other way
+    // Of the displacements, with its sign: a mode may as well point the other way.
+    double largest = 0;
     for (int i = 0; i < truss.unknowns; ++i)
         if (std::fabs(modes[i][mode]) > std::fabs(largest)) largest = modes[i][mode];
     std::ofstream out(path);
