@@ -1,22 +1,17 @@
 // A long random sequence of operations on the symmetric matrix: after each step the lower half has
 // to be stored as the mirror says, explicit zeros included, and all that is read has to be the full
 // matrix. Values are small integers, so nothing is rounded.
-#include <gtest/gtest.h>
-
 #include <cmath>
 
 #include "sparse/mirror.h"
+#include "support/twins.h"
 
 namespace {
 
 using namespace sparse_test;
 
-template <class Real>
-class SparseSymmetricSequence : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(SparseSymmetricSequence, Reals);
+TWINS(SparseSymmetricSequence);
 
-constexpr int kSteps = 100000;
 constexpr int kLargest = 7;  // of the sizes
 
 template <class Real>
@@ -43,62 +38,37 @@ nequar::SparseSymmetricMatrix<Real> symmetric_of(const Mirror<Real>& m) {
 }
 
 template <class Real>
-struct Symmetrics {
+struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
+    using Base = Operands<nequar::SparseSymmetricMatrix<Real>, Real>;
     using Sparse = nequar::SparseSymmetricMatrix<Real>;
     using General = nequar::SparseMatrix<Real>;
-
-    Dice dice;
-    Sparse a, b;
-    Mirror<Real> ma, mb;
+    using Base::a, Base::b, Base::dice, Base::ma, Base::mb;
 
     void renew(Sparse& s, Mirror<Real>& m, int n) {
         m = lower_of(random_mirror<Real>(dice, n, n));
         s = symmetric_of(m);
     }
+    void renew() { renew(a, ma, dice(1, kLargest)); }
+    Mirror<Real> whole() const { return full_of(ma); }
 
-    // One operation on both; the return value of every operation has to be true.
+    // Every eighth step or so looks at the statistics, too.
     bool step() {
+        if (dice(0, 7) == 0) {
+            EXPECT_EQ(fault_of_statistics(), "");
+        }
         const int n = ma.height;
         const int x = dice(0, n - 1);
         const int y = dice(0, n - 1);
         const int dx = dice(1, n - x);
         const int dy = dice(1, n - y);
-        const Real v = dice.value<Real>();
+        const Real v = dice.template value<Real>();
         const bool itself = dice(0, 3) == 0;
         const bool lower = dice(0, 1) == 0;
         if (!itself && mb.height != n) renew(b, mb, n);
         const Sparse* const other = itself ? &a : &b;
         const Mirror<Real>& mother = itself ? ma : mb;
-        switch (dice(0, 18)) {
-            case 0:
-                renew(b, mb, n);
-                return true;
-            case 1:
-            case 2:
-            case 3:
-                ma.set(std::min(x, y), std::max(x, y), v);
-                return a.se(x, y, v);
-            case 4:
-                ma.set(std::min(x, y), std::max(x, y), v);
-                return a.ace(x, y, v);
-            case 5:
-                ma.remove_zeros();
-                return a.rze();
-            case 6:
-                ma.add(mother, Real(1));
-                return a.amm(other);
-            case 7:
-                ma.add(mother, v);
-                return a.ammw(other, v);
-            case 8:
-                ma.add(mother, Real(-1));
-                return a.smm(other);
-            case 9:
-                ma.multiply(mother);
-                return a.mmme(other);
-            case 10:
-                ma.scale(v);
-                return a.mmc(v);
+        const int which = dice(0, 18);
+        switch (which) {
             case 11: {
                 const auto u = random_mirror<Real>(dice, n, 1);
                 const auto us = vector_of(u);
@@ -151,11 +121,16 @@ struct Symmetrics {
                 ma.remove_zeros();
                 return a.im(&packed, itself ? nullptr : &dense) && dense == dense_of(full_of(ma));
             }
-            default:
+            case 18:
                 std::swap(ma, mb);
                 std::swap(a, b);
                 return a.mbs(dice(0, 3)) && (a = a * Real(2) / Real(2), true) &&
                        a == symmetric_of(ma);
+            case 10:
+                renew(b, mb, n);
+                return true;
+            default:
+                return Base::shared(which, x, y, v, other, mother);
         }
     }
 
@@ -199,31 +174,9 @@ struct Symmetrics {
     }
 };
 
-TYPED_TEST(SparseSymmetricSequence, Matrix) {
-    Symmetrics<TypeParam> m{Dice(3), {}, {}, {}, {}};
-    // Looking at the start pointers keeps them up to date from then on: in every second episode
-    // only copies are looked at, and not after each step.
-    bool looks_at_copies = false;
-    for (int step = 0; step < kSteps; ++step) {
-        if (step % 40 == 0 || m.ma.largest_magnitude() > 200) {
-            looks_at_copies = step % 80 < 40;
-            m.a = nequar::SparseSymmetricMatrix<TypeParam>();
-            m.renew(m.a, m.ma, m.dice(1, kLargest));
-        }
-        ASSERT_TRUE(m.step()) << "step " << step << ": " << failures_of(m.a);
-        if (looks_at_copies && m.dice(0, 3) != 0) continue;
-        const auto copy = m.a;
-        ASSERT_EQ(fault_of(looks_at_copies ? copy : m.a, m.ma), "") << "step " << step;
-        ASSERT_EQ(fault_of(m.b, m.mb), "") << "step " << step;
-        const Mirror<TypeParam> full = full_of(m.ma);
-        TypeParam value = -1;
-        for (int x = 0; x < full.width; ++x)
-            for (int y = 0; y < full.height; ++y)
-                ASSERT_TRUE(m.a.ge(x, y, &value) && value == full.at(x, y)) << "step " << step;
-        if (step % 8 != 0) continue;
-        ASSERT_EQ(m.fault_of_statistics(), "") << "step " << step;
-    }
-    EXPECT_EQ(failures_of(m.a), "");
+TWIN_TEST(SparseSymmetricSequence, Matrix) {
+    Symmetrics<Real> m;
+    expect_sequence(m, 200);
 }
 
 }  // namespace
