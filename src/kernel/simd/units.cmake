@@ -14,6 +14,12 @@ if(NEQUAR_SANITIZE MATCHES "undefined")
 endif()
 if(NEQUAR_SANITIZE MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND NEQUAR_UNIT_OPTIONS --param=asan-instrumentation-with-call-threshold=64)
+elseif(NEQUAR_SANITIZE MATCHES "address")
+  list(APPEND NEQUAR_UNIT_OPTIONS -mllvm -asan-instrumentation-with-call-threshold=64)
+endif()
+# Which branch of a tile was taken tells a fuzzer nothing.
+if(NEQUAR_BUILD_FUZZERS)
+  list(APPEND NEQUAR_UNIT_OPTIONS -fno-sanitize=fuzzer-no-link)
 endif()
 
 set_source_files_properties(${NEQUAR_UNIT_DIR}/../level23.cpp PROPERTIES
