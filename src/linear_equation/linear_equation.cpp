@@ -109,10 +109,14 @@ bool LinearEquation<Real>::import_symmetric(const Matrix<Real>* a,
     return false;
 }
 
-// What a symmetric matrix is to the methods for dense ones; empty for codes that get nothing.
+// What a symmetric matrix is to the methods for dense ones; empty for codes that get nothing. The
+// detail of a failure: none when there was none.
 template <class Real>
-void export_dense(int method, const MatrixSymmetric<Real>* a, Matrix<Real>* dense) {
-    if (method < lld && holds_its_elements(a)) a->e_Export(dense);
+const char* export_dense(int method, const MatrixSymmetric<Real>* a, Matrix<Real>* dense) {
+    if (method >= lld) return nullptr;
+    if (!holds_its_elements(a)) return text::kBadInput;
+    a->e_Export(dense);
+    return detail_unless(dense->mh() == a->mh() && dense->mw() == a->mw(), text::kOutOfMemory);
 }
 
 template <class Real>
@@ -143,8 +147,8 @@ bool LinearEquation<Real>::solve(int method, const MatrixSymmetric<Real>* a, con
         detail = solve_symmetric(method, a, b, x);
     } else {
         Matrix<Real> dense;
-        export_dense(method, a, &dense);
-        detail = solve_dense(method, true, &dense, b, x);
+        detail = export_dense(method, a, &dense);
+        if (detail == nullptr) detail = solve_dense(method, true, &dense, b, x);
     }
     return detail == nullptr ? true : this->fail(detail, kSolve);
 }
@@ -199,8 +203,8 @@ bool LinearEquation<Real>::im_Inverse_Matrix(int method, const MatrixSymmetric<R
         detail = invert_symmetric(method, a, inverse);
     } else {
         Matrix<Real> dense;
-        export_dense(method, a, &dense);
-        detail = invert_dense(method, true, &dense, inverse);
+        detail = export_dense(method, a, &dense);
+        if (detail == nullptr) detail = invert_dense(method, true, &dense, inverse);
     }
     return detail == nullptr ? true : this->fail(detail, kInvert);
 }
