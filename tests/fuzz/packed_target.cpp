@@ -285,7 +285,7 @@ private:
                 return find(x, y);
             case 6: {
                 Class copy(m_);
-                NEQUAR_REQUIRE(copy == m_);
+                NEQUAR_REQUIRE(is_resized_ || copy == m_);
                 m_ = Class(std::move(copy));
                 NEQUAR_REQUIRE(copy.mh() == 0);
                 copy.se_Set_Element(x, y, Real(1));

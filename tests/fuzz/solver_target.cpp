@@ -16,17 +16,26 @@ bool is_stable(int code, bool is_packed) {
 }
 
 template <class Real>
-void check(const Matrix<Real>& a, const Matrix<Real>& b, const Matrix<Real>& x, bool is_stable) {
-    if (has_nan(a)) NEQUAR_REQUIRE(!is_finite(x));
-    // Elimination divides by a pivot that has overflowed: far from the end of the range alone.
-    const double end = double(std::numeric_limits<Real>::max()) / (64.0 * a.mh() * a.mw());
-    if (!is_stable || !(test::largest_of(a) < end) || !is_finite(b) || !is_finite(x)) return;
+bool solves(const Matrix<Real>& a, const Matrix<Real>& b, const Matrix<Real>& x,
+            const Wide& product) {
     const Wide size = Wide(a).magnitudes() * Wide(x).magnitudes();
     const long double tiny = std::numeric_limits<Real>::min() /
                              static_cast<long double>(std::numeric_limits<Real>::epsilon());
     const long double scale =
         Wide(a).largest() * Wide(x).largest() * a.mw() + size.largest() + Wide(b).largest();
-    NEQUAR_REQUIRE(agree<Real>(b, Wide(a) * Wide(x), scale + tiny * Wide(a).largest()));
+    return agree<Real>(b, product, scale + tiny * Wide(a).largest());
+}
+
+template <class Real>
+void check(const Matrix<Real>& a, const Matrix<Real>& b, const Matrix<Real>& x, bool is_stable,
+           bool is_inverse = false) {
+    if (has_nan(a)) NEQUAR_REQUIRE(!is_finite(x));
+    // Elimination divides by a pivot that has overflowed: far from the end of the range alone.
+    const double end = double(std::numeric_limits<Real>::max()) / (64.0 * a.mh() * a.mw());
+    if (!is_stable || !(test::largest_of(a) < end) || !is_finite(b) || !is_finite(x)) return;
+    // An inverse is stable from one side or from the other.
+    NEQUAR_REQUIRE(solves(a, b, x, Wide(a) * Wide(x)) ||
+                   (is_inverse && solves(a, b, x, Wide(x) * Wide(a))));
 }
 
 template <class Real>
@@ -41,7 +50,7 @@ void run(Input input) {
     for (int code = -1; code <= 10; ++code) {
         if (tool.sle_Solve_Linear_Equation(code, &a, &b, &x))
             check(a, b, x, is_stable(code, false));
-        if (tool.im_Inverse_Matrix(code, &a, &x)) check(a, one, x, is_stable(code, false));
+        if (tool.im_Inverse_Matrix(code, &a, &x)) check(a, one, x, is_stable(code, false), true);
     }
     if (tool.slup_Solve_based_on_LUP(&a, &b, &x)) check(a, b, x, n <= 6);
     if (tool.ilup_Inverse_matrix_based_on_LUP(&a, &x) && has_nan(a)) NEQUAR_REQUIRE(!is_finite(x));
@@ -60,7 +69,7 @@ void run(Input input) {
     s.iu_Import_Upper_part_of(&a);
     for (int code = -1; code <= 10; ++code) {
         if (tool.sle_Solve_Linear_Equation(code, &s, &b, &x)) check(a, b, x, is_stable(code, true));
-        if (tool.im_Inverse_Matrix(code, &s, &x)) check(a, one, x, is_stable(code, true));
+        if (tool.im_Inverse_Matrix(code, &s, &x)) check(a, one, x, is_stable(code, true), true);
     }
     if (tool.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, tolerance, &x) && has_nan(a))
         NEQUAR_REQUIRE(!is_finite(x));
