@@ -135,6 +135,8 @@ TYPED_TEST(MethodChoice, TheWholeTableOfFailures) {
         static_cast<Vector<Real>&>(damaged).c_Create(2, 1);
         EXPECT_FALSE(this->f_.sle_Solve_Linear_Equation(row.code, &damaged, &b, &this->x_));
         EXPECT_EQ(this->detail(), row.symmetric_detail);
+        EXPECT_FALSE(this->f_.im_Inverse_Matrix(row.code, &damaged, &this->x_));
+        EXPECT_EQ(this->detail(), row.symmetric_detail);
     }
 }
 

@@ -51,7 +51,7 @@ protected:
         SCOPED_TRACE(task.name);
         const Answer good = nequar_refused(0, false, task);
         ASSERT_EQ(good.status, 0) << good.err;
-        const std::string wanted = read_file(folder / "out.mtx");
+        const std::string wanted = read_file(folder / "a-file-for-the-output.mtx");
         ASSERT_EQ(wanted.empty(), !task.has_output);
         const long requests = std::stol(read_file(folder / "requests"));
         ASSERT_GT(requests, 10);
@@ -62,9 +62,9 @@ protected:
             const bool all = turn % 2 != 0;
             const long k = 1 + turn / 2 * step % requests;
             SCOPED_TRACE("request " + std::to_string(k) + (all ? " and all later ones" : ""));
-            std::remove((folder / "out.mtx").c_str());
+            std::remove((folder / "a-file-for-the-output.mtx").c_str());
             const Answer answer = nequar_refused(k, all, task);
-            const std::string written = read_file(folder / "out.mtx");
+            const std::string written = read_file(folder / "a-file-for-the-output.mtx");
             if (answer.status == 0) {
                 EXPECT_EQ(written, wanted);
                 EXPECT_EQ(answer.err, good.err);
@@ -92,7 +92,7 @@ TEST_F(Memory, RefusedAtAnyRequest) {
     folder.file("a.mtx", kMatrix);
     folder.file("b.mtx", kRight);
     folder.file("t.csv", kTable);
-    refuse_in({"solve", {"solve", "a.mtx", "b.mtx", "-o", "out.mtx"}, true});
+    refuse_in({"solve", {"solve", "a.mtx", "b.mtx", "-o", "a-file-for-the-output.mtx"}, true});
     refuse_in({"svd", {"svd", "a.mtx"}, false});
     refuse_in({"pca", {"pca", "t.csv"}, false});
 }
