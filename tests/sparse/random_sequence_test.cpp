@@ -2,8 +2,12 @@
 // exactly what the mirror says, explicit zeros included. Values are small integers, so nothing is
 // rounded.
 
+<<<<<<< HEAD
 #include "sparse/mirror.h"
 #include "support/twins.h"
+=======
+#include "sparse/matrix_steps.h"
+>>>>>>> refs/heads/hardening
 
 namespace {
 
@@ -11,6 +15,7 @@ using namespace sparse_test;
 
 TWINS(SparseSequence);
 
+<<<<<<< HEAD
 constexpr int kLargest = 7;  // of the sizes
 
 template <class Real>
@@ -109,6 +114,9 @@ struct Matrices : Operands<nequar::SparseMatrix<Real>, Real> {
         }
     }
 };
+=======
+constexpr int kSteps = 100000;
+>>>>>>> refs/heads/hardening
 
 TWIN_TEST(SparseSequence, Matrix) {
     Matrices<Real> m;

@@ -14,6 +14,17 @@ if(NEQUAR_SANITIZE MATCHES "undefined")
 endif()
 if(NEQUAR_SANITIZE MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND NEQUAR_UNIT_OPTIONS --param=asan-instrumentation-with-call-threshold=64)
+elseif(NEQUAR_SANITIZE MATCHES "address")
+  list(APPEND NEQUAR_UNIT_OPTIONS -mllvm -asan-instrumentation-with-call-threshold=64)
+endif()
+# Kernels work on what they are given, and share nothing: with the sanitizer of threads they would
+# take many minutes to compile.
+if(NEQUAR_SANITIZE MATCHES "thread")
+  list(APPEND NEQUAR_UNIT_OPTIONS -fno-sanitize=thread -Wno-maybe-uninitialized)
+endif()
+# Which branch of a tile was taken tells a fuzzer nothing.
+if(NEQUAR_BUILD_FUZZERS)
+  list(APPEND NEQUAR_UNIT_OPTIONS -fno-sanitize=fuzzer-no-link)
 endif()
 
 set_source_files_properties(${NEQUAR_UNIT_DIR}/../level23.cpp PROPERTIES
