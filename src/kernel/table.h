@@ -67,7 +67,8 @@ struct Table {
 
     // ---- level 3: C is m x n, A is m x k, B is k x n; T is m x m beside an m x n B ----
     void (*gemm)(std::ptrdiff_t m, std::ptrdiff_t n, std::ptrdiff_t k, Real alpha,
-                 Block<const Real> a, Block<const Real> b, bool accumulate, Block<Real> c);
+                 const Block<const Real>& a, const Block<const Real>& b, bool accumulate,
+                 const Block<Real>& c);
     void (*gemmt)(bool lower, std::ptrdiff_t n, std::ptrdiff_t k, Real alpha, Block<const Real> a,
                   Block<const Real> b, bool accumulate, Block<Real> c);
     void (*trsm)(bool lower, bool unit, std::ptrdiff_t m, std::ptrdiff_t n, Block<const Real> t,

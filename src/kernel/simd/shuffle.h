@@ -207,12 +207,73 @@ NEQUAR_INLINE void exchange<1>(Vector<float>& a, Vector<float>& b) {
     a = low;
 }
 
-template <unsigned half, class Real>
-NEQUAR_INLINE void exchange_blocks(Vector<Real> (&v)[unsigned(kLanes<Real>)]) {
-    NEQUAR_UNROLL for (unsigned i = 0; i < unsigned(kLanes<Real>); ++i) {
+// A half in the low lanes, zeros above.
+NEQUAR_INLINE Vector<double> low_half(Vector<double> v) {
+    return __builtin_shufflevector(v, Vector<double>{}, 0, 1, 2, 3, 8, 8, 8, 8);
+}
+NEQUAR_INLINE Vector<float> low_half(Vector<float> v) {
+    return __builtin_shufflevector(v, Vector<float>{}, 0, 1, 2, 3, 4, 5, 6, 7, 16, 16, 16, 16, 16,
+                                   16, 16, 16);
+}
+NEQUAR_INLINE Vector<double> high_half(Vector<double> v) {
+    return __builtin_shufflevector(v, Vector<double>{}, 4, 5, 6, 7, 8, 8, 8, 8);
+}
+NEQUAR_INLINE Vector<float> high_half(Vector<float> v) {
+    return __builtin_shufflevector(v, Vector<float>{}, 8, 9, 10, 11, 12, 13, 14, 15, 16, 16, 16, 16,
+                                   16, 16, 16, 16);
+}
+
+template <unsigned half, class Real, unsigned N>
+NEQUAR_INLINE void exchange_blocks(Vector<Real> (&v)[N]) {
+    NEQUAR_UNROLL for (unsigned i = 0; i < N; ++i) {
         if (i % (2 * half) < half) exchange<half>(v[i], v[i + half]);
     }
     if constexpr (half > 1) exchange_blocks<half / 2, Real>(v);
+}
+
+// Up to N rows of up to a vector's lanes, N all of them or half; what is missing reads as zero.
+// With half of the rows both halves of the vectors are transposed at once: column j comes to lie in
+// the low half of vector j, column N + j in its high half.
+template <unsigned N, class Real>
+NEQUAR_INLINE void load_rows_transposed(Size rows, Size columns, const Real* in, Size in_row,
+                                        Vector<Real> (&v)[N]) {
+    if (rows == Size(N) && columns == kLanes<Real>) {
+        NEQUAR_UNROLL for (unsigned i = 0; i < N; ++i) v[i] = load(in + Size(i) * in_row);
+    } else {
+        const FirstLanes<Real> present = first_lanes<Real>(columns);
+        NEQUAR_UNROLL for (unsigned i = 0; i < N; ++i) {
+            v[i] = Vector<Real>{};
+            if (Size(i) < rows) v[i] = load(in + Size(i) * in_row, present);
+        }
+    }
+    exchange_blocks<N / 2, Real>(v);
+}
+
+// out(j, i) = in(i, j), i < rows, j < columns, both up to a vector's lanes; whole vectors are
+// written, zeros where there is no row: they are read back at once as they were written.
+template <class Real>
+NEQUAR_INLINE void transpose_to_vectors(Size rows, Size columns, const Real* in, Size in_row,
+                                        Real* out, Size out_row) {
+    constexpr unsigned lanes = unsigned(kLanes<Real>);
+    constexpr unsigned half = lanes / 2;
+    if (rows <= Size(half)) {
+        Vector<Real> v[half];
+        load_rows_transposed<half, Real>(rows, columns, in, in_row, v);
+        NEQUAR_UNROLL for (unsigned j = 0; j < half; ++j) {
+            if (Size(j) < columns) store(out + Size(j) * out_row, low_half(v[j]));
+            if (Size(half + j) < columns) store(out + Size(half + j) * out_row, high_half(v[j]));
+        }
+        return;
+    }
+    Vector<Real> v[lanes];
+    load_rows_transposed<lanes, Real>(rows, columns, in, in_row, v);
+    if (columns == Size(lanes)) {
+        NEQUAR_UNROLL for (unsigned j = 0; j < lanes; ++j) store(out + Size(j) * out_row, v[j]);
+        return;
+    }
+    NEQUAR_UNROLL for (unsigned j = 0; j < lanes - 1; ++j) {
+        if (Size(j) < columns) store(out + Size(j) * out_row, v[j]);
+    }
 }
 #endif
 
