@@ -216,6 +216,19 @@ NEQUAR_INLINE void exchange_blocks(Vector<Real> (&v)[unsigned(kLanes<Real>)]) {
 }
 #endif
 
+// Rows in, columns out.
+template <class Real>
+NEQUAR_INLINE void transpose_in_registers(Vector<Real> (&v)[unsigned(kLanes<Real>)]) {
+#if NEQUAR_VECTOR_BYTES == 64
+    exchange_blocks<unsigned(kLanes<Real>) / 2, Real>(v);
+#else
+    constexpr unsigned lanes = unsigned(kLanes<Real>);
+    alignas(64) Real square[lanes * lanes];
+    NEQUAR_UNROLL for (unsigned i = 0; i < lanes; ++i) store(square + i * lanes, v[i]);
+    load_transposed<lanes>(static_cast<const Real*>(square), Size(lanes), v);
+#endif
+}
+
 // columns[j] = column j of the square of a vector each way.
 template <class Real>
 NEQUAR_INLINE void load_square(const Real* in, Size in_row,
