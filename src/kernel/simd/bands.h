@@ -87,22 +87,14 @@ NEQUAR_INLINE Vector<float> blend(Vector<float> a, Vector<float> b) {
     return _mm256_blend_ps(a, b, static_cast<int>(mask));
 }
 #else
-template <unsigned... Lane>
-struct Lanes {};
-template <unsigned count, unsigned... Lane>
-struct FirstLanesOf : FirstLanesOf<count - 1, count - 1, Lane...> {};
-template <unsigned... Lane>
-struct FirstLanesOf<0, Lane...> {
-    using Type = Lanes<Lane...>;
-};
 template <unsigned mask, class AnyVector, unsigned... Lane>
-NEQUAR_INLINE AnyVector blend_lanes(const AnyVector& a, const AnyVector& b, Lanes<Lane...>) {
+NEQUAR_INLINE AnyVector blend_lanes(const AnyVector& a, const AnyVector& b, LaneList<Lane...>) {
     return __builtin_shufflevector(a, b, ((mask >> Lane) % 2 ? sizeof...(Lane) + Lane : Lane)...);
 }
 template <unsigned mask, class AnyVector>
 NEQUAR_INLINE AnyVector blend(const AnyVector& a, const AnyVector& b) {
     constexpr unsigned lanes = sizeof(AnyVector) / sizeof(a[0]);
-    return blend_lanes<mask>(a, b, typename FirstLanesOf<lanes>::Type{});
+    return blend_lanes<mask>(a, b, typename AscendingLanes<lanes>::Type{});
 }
 #endif
 
