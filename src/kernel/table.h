@@ -38,6 +38,11 @@ struct Table {
     void (*fill)(std::ptrdiff_t n, Real value, Real* out);
     void (*add_reversed)(std::ptrdiff_t n, Real alpha, Real* x);
 
+    Real (*sum)(std::ptrdiff_t n, const Real* x);
+    Real (*squares_about)(std::ptrdiff_t n, const Real* x, Real centre);
+    Real (*largest)(std::ptrdiff_t n, const Real* x, Real other);
+    Real (*smallest)(std::ptrdiff_t n, const Real* x, Real other);
+
     // ---- level 1, strided: each vector is followed by its stride ----
     Real (*dot)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx, const Real* y,
                 std::ptrdiff_t sy);
