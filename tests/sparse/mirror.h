@@ -157,14 +157,10 @@ std::string fault_of(const nequar::SparseVector<Real>& s, const Mirror<Real>& m)
 // lowest.
 class Dice {
 public:
-<<<<<<< HEAD
     explicit Dice(unsigned seed = 1) : engine_(seed) {}
-=======
-    explicit Dice(unsigned seed) : engine_(seed) {}
     Dice(const unsigned char* bytes, std::size_t count)
         : bytes_(bytes), end_(bytes + count), has_bytes_(true) {}
 
->>>>>>> refs/heads/hardening
     int operator()(int first, int last) {
         if (has_bytes_) return is_used_up() ? first : first + *bytes_++ % (last - first + 1);
         return std::uniform_int_distribution<int>(first, last)(engine_);
@@ -251,6 +247,8 @@ inline CNqVectorInt ints(std::initializer_list<int> list) {
     std::copy(list.begin(), list.end(), v.p());
     return v;
 }
+
+inline constexpr int kLargest = 7;  // of the sizes
 
 // A matrix that is worked on, another operand, and their mirrors.
 template <class Sparse, class Real>
