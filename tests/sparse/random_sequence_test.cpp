@@ -3,7 +3,6 @@
 // rounded.
 
 #include "sparse/mirror.h"
-#include "support/twins.h"
 
 namespace {
 

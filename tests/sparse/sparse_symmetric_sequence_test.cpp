@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "sparse/mirror.h"
-#include "support/twins.h"
 
 namespace {
 
