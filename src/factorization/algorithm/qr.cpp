@@ -154,14 +154,16 @@ template <class Real>
 void qr_into(View<Real> a, const QrTargets<Real>& targets, QrBlocking blocking,
              Scratch<Real> scratch) {
     const Size block = block_of_qr(a.height, a.width, blocking);
-    const bool is_narrow = a.width <= kNarrow && blocking.block == 0 && targets.store == nullptr;
-    if (block <= 1 || (is_narrow && (a.row_stride == 1 || a.row_stride == -1)))
-        qr_plain(a, targets, scratch);
-    else if (is_narrow)
-        qr_in_columns(a, targets, scratch);
-    else
+    if (block > 1 && (a.width > kNarrow || blocking.block > 0)) {
         qr_blocked(a, targets, block, blocking.leaf > 0 ? blocking.leaf : 64 / Size(sizeof(Real)),
                    scratch);
+        return;
+    }
+    if (block <= 1 || a.row_stride == 1 || a.row_stride == -1)
+        qr_plain(a, targets, scratch);
+    else
+        qr_in_columns(a, targets, scratch);
+    if (block > 1 && targets.store != nullptr) finish_store(*targets.store);
 }
 
 template <class Real>
