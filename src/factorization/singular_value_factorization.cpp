@@ -1,5 +1,7 @@
 #include "nequar_algebra/factorization/singular_value_factorization.h"
 
+#include <cmath>
+
 #include "core/workspace.h"
 #include "factorization/algorithm/bidiagonal.h"
 #include "factorization/algorithm/golub_kahan.h"
@@ -317,6 +319,13 @@ bool SingularValueFactorization<Real>::decompose(const View<const Real>& a, Real
     return true;
 }
 
+// The largest singular value can overflow though no element does. The forms that hand out singular
+// values show it; whoever counts or divides by them would take all others for zero.
+template <class Real>
+bool is_finite_largest(const View<const Real>& a, const Real* sigma) {
+    return a.height == 0 || a.width == 0 || std::isfinite(sigma[0]);
+}
+
 template <class Real>
 bool SingularValueFactorization<Real>::find_singular_values(const View<const Real>& a, Real* sigma,
                                                             const View<Real>* u,
@@ -329,6 +338,7 @@ bool SingularValueFactorization<Real>::find_singular_values(const View<const Rea
     bool done = is_wide ? decompose(a.transposed(), sigma, v, u, limit, made, inverse)
                         : decompose(a, sigma, u, v, limit, made, inverse);
     if (done && made >= limit) done = this->fail("not converged", kDecomposeToVector);
+    if (done && !is_finite_largest(a, sigma)) done = this->fail("not finite", kDecomposeToVector);
     return done ? true : this->fail("1", kDecompose);
 }
 
@@ -337,10 +347,10 @@ bool SingularValueFactorization<Real>::find_singular_values_in_100_steps(const V
                                                                          Real* sigma) const {
     const CNqClass::CallScope scope(this);
     std::int64_t made = 0;
-    return decompose(a.height < a.width ? a.transposed() : a, sigma, nullptr, nullptr, kUsualLimit,
-                     made)
-               ? true
-               : this->fail("1", kDecompose);
+    bool done = decompose(a.height < a.width ? a.transposed() : a, sigma, nullptr, nullptr,
+                          kUsualLimit, made);
+    if (done && !is_finite_largest(a, sigma)) done = this->fail("not finite", kDecomposeToVector);
+    return done ? true : this->fail("1", kDecompose);
 }
 
 template <class Real>

@@ -1,23 +1,18 @@
 // Recorded sweeps of rotations, applied in batches, against the same rotations one by one.
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <random>
 #include <vector>
 
 #include "factorization/algorithm/rotation_sweeps.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-template <class Real>
-class RotationSweepsTest : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(RotationSweepsTest, Reals);
+TWINS(RotationSweepsTest);
 
-TYPED_TEST(RotationSweepsTest, BatchesOfSweepsOverChangingRanges) {
-    using Real = TypeParam;
+TWIN_TEST(RotationSweepsTest, BatchesOfSweepsOverChangingRanges) {
     for (const Size rows : {2, 3, 6, 40, 130})
         for (const Size columns : {1, 20, 70, 300})
             for (const bool transposed : {false, true}) {
