@@ -45,21 +45,28 @@ LinearEquation<Real>::~LinearEquation() = default;
 
 // ---- choice of the method ----------------------------------------------------------------------
 
+// Without A, where a symmetric one could not be spread, every method has failed.
 template <class Real>
 template <class Object>
 const char* LinearEquation<Real>::solve_dense(int method, bool is_from_symmetric,
                                               const Matrix<Real>* a, const Object* b,
                                               Object* x) const {
     const bool s = is_from_symmetric;
-    if (method == gje) return detail_unless(this->sgj_Solve_based_on_GJE(a, b, x), "4");
-    if (method == qrd) return detail_unless(this->sqr_Solve_based_on_QRD(a, b, x), "5");
-    if (method == rqd) return detail_unless(this->srq_Solve_based_on_RQD(a, b, x), s, "6", "7");
+    if (method == gje)
+        return detail_unless(a != nullptr && this->sgj_Solve_based_on_GJE(a, b, x), "4");
+    if (method == qrd)
+        return detail_unless(a != nullptr && this->sqr_Solve_based_on_QRD(a, b, x), "5");
+    if (method == rqd)
+        return detail_unless(a != nullptr && this->srq_Solve_based_on_RQD(a, b, x), s, "6", "7");
     if (method == svd)
-        return detail_unless(this->ssv_Solve_based_on_SVD(a, Real(kSpectralTolerance), b, x), s,
-                             "7", "9");
-    if (method == qld && s) return detail_unless(this->sql_Solve_based_on_QLD(a, b, x), "6");
-    if (method == lqd && s) return detail_unless(this->slq_Solve_based_on_LQD(a, b, x), "8");
-    return detail_unless(this->slu_Solve_based_on_LUD(a, b, x), s, "8", "10");
+        return detail_unless(
+            a != nullptr && this->ssv_Solve_based_on_SVD(a, Real(kSpectralTolerance), b, x), s, "7",
+            "9");
+    if (method == qld && s)
+        return detail_unless(a != nullptr && this->sql_Solve_based_on_QLD(a, b, x), "6");
+    if (method == lqd && s)
+        return detail_unless(a != nullptr && this->slq_Solve_based_on_LQD(a, b, x), "8");
+    return detail_unless(a != nullptr && this->slu_Solve_based_on_LUD(a, b, x), s, "8", "10");
 }
 
 template <class Real>
@@ -75,19 +82,27 @@ template <class Real>
 const char* LinearEquation<Real>::invert_dense(int method, bool is_from_symmetric,
                                                const Matrix<Real>* a, Matrix<Real>* inverse) const {
     const bool s = is_from_symmetric;
-    if (method == gje) return detail_unless(this->igj_Inverse_matrix_based_on_GJE(a, inverse), "4");
-    if (method == qrd) return detail_unless(this->iqr_Inverse_matrix_based_on_QRD(a, inverse), "5");
+    if (method == gje)
+        return detail_unless(a != nullptr && this->igj_Inverse_matrix_based_on_GJE(a, inverse),
+                             "4");
+    if (method == qrd)
+        return detail_unless(a != nullptr && this->iqr_Inverse_matrix_based_on_QRD(a, inverse),
+                             "5");
     if (method == rqd)
-        return detail_unless(this->irq_Inverse_matrix_based_on_RQD(a, inverse), s, "6", "7");
+        return detail_unless(a != nullptr && this->irq_Inverse_matrix_based_on_RQD(a, inverse), s,
+                             "6", "7");
     if (method == svd)
-        return detail_unless(
-            this->isv_Inverse_matrix_based_on_SVD(a, Real(kSpectralTolerance), inverse), s, "7",
-            "9");
+        return detail_unless(a != nullptr && this->isv_Inverse_matrix_based_on_SVD(
+                                                 a, Real(kSpectralTolerance), inverse),
+                             s, "7", "9");
     if (method == qld && s)
-        return detail_unless(this->iql_Inverse_matrix_based_on_QLD(a, inverse), "6");
+        return detail_unless(a != nullptr && this->iql_Inverse_matrix_based_on_QLD(a, inverse),
+                             "6");
     if (method == lqd && s)
-        return detail_unless(this->ilq_Inverse_matrix_based_on_LQD(a, inverse), "8");
-    return detail_unless(this->ilu_Inverse_matrix_based_on_LUD(a, inverse), s, "8", "10");
+        return detail_unless(a != nullptr && this->ilq_Inverse_matrix_based_on_LQD(a, inverse),
+                             "8");
+    return detail_unless(a != nullptr && this->ilu_Inverse_matrix_based_on_LUD(a, inverse), s, "8",
+                         "10");
 }
 
 template <class Real>
@@ -109,10 +124,14 @@ bool LinearEquation<Real>::import_symmetric(const Matrix<Real>* a,
     return false;
 }
 
-// What a symmetric matrix is to the methods for dense ones; empty for codes that get nothing.
+// What a symmetric matrix is to the methods for dense ones: empty for codes that get nothing, null
+// when its elements are gone or there is no memory to spread them.
 template <class Real>
-void export_dense(int method, const MatrixSymmetric<Real>* a, Matrix<Real>* dense) {
-    if (method < lld && holds_its_elements(a)) a->e_Export(dense);
+const Matrix<Real>* export_dense(int method, const MatrixSymmetric<Real>* a, Matrix<Real>* dense) {
+    if (method >= lld) return dense;
+    a->e_Export(dense);
+    const bool is_spread = holds_its_elements(a) && dense->mh() == a->mh();
+    return is_spread ? dense : nullptr;
 }
 
 template <class Real>
@@ -143,8 +162,9 @@ bool LinearEquation<Real>::solve(int method, const MatrixSymmetric<Real>* a, con
         detail = solve_symmetric(method, a, b, x);
     } else {
         Matrix<Real> dense;
-        export_dense(method, a, &dense);
-        detail = solve_dense(method, true, &dense, b, x);
+        const Matrix<Real>* const spread = export_dense(method, a, &dense);
+        if (spread == nullptr) this->adopt_failure_of(*a);
+        detail = solve_dense(method, true, spread, b, x);
     }
     return detail == nullptr ? true : this->fail(detail, kSolve);
 }
@@ -199,8 +219,9 @@ bool LinearEquation<Real>::im_Inverse_Matrix(int method, const MatrixSymmetric<R
         detail = invert_symmetric(method, a, inverse);
     } else {
         Matrix<Real> dense;
-        export_dense(method, a, &dense);
-        detail = invert_dense(method, true, &dense, inverse);
+        const Matrix<Real>* const spread = export_dense(method, a, &dense);
+        if (spread == nullptr) this->adopt_failure_of(*a);
+        detail = invert_dense(method, true, spread, inverse);
     }
     return detail == nullptr ? true : this->fail(detail, kInvert);
 }

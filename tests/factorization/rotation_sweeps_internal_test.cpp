@@ -35,7 +35,7 @@ TWIN_TEST(RotationSweepsTest, BatchesOfSweepsOverChangingRanges) {
                     if (sweeps.is_full()) sweeps.apply(view(elements));
                     Real* const pairs = sweeps.begin(first, last);
                     for (Size i = first; i < last; ++i) {
-                        const Real phi = 3 * uniform(random);
+                        const Real phi = Real(2.3) * uniform(random);
                         const Real c = pairs[2 * i] = std::cos(phi);
                         const Real s = pairs[2 * i + 1] = std::sin(phi);
                         for (Size j = 0; j < columns; ++j) {

@@ -45,6 +45,27 @@ TWIN_TEST(Level1, ContiguousLoopsAgreeWithThePlainOnesAlsoInPlace) {
         variants<Real>(), kLengths, kBoth);
 }
 
+TWIN_TEST(Level1, SumsAndExtremaOfContiguousValues) {
+    with_each(
+        [](const Table<Real>* table, Size n, bool with_nan) {
+            Operand<Real> operand(1, n, Layout::rows);
+            operand.randomize(5);
+            for (Size i = 1; with_nan && i < n; i += 3) operand(0, i) = kNaN<Real>;
+            const Real* const x = operand.block().data;
+            for (const Real other : {Real(-9), Real(0), Real(9)}) {
+                EXPECT_EQ(table->largest(n, x, other), plain<Real>().largest(n, x, other));
+                EXPECT_EQ(table->smallest(n, x, other), plain<Real>().smallest(n, x, other));
+            }
+            if (with_nan) return;
+            const Real bound = Real(n + 4) * kEps<Real> * Real(10 + n);
+            EXPECT_LE(std::abs(table->sum(n, x) - plain<Real>().sum(n, x)), bound);
+            EXPECT_LE(std::abs(table->squares_about(n, x, Real(1.5)) -
+                               plain<Real>().squares_about(n, x, Real(1.5))),
+                      bound);
+        },
+        variants<Real>(), kLengths, kBoth);
+}
+
 TWIN_TEST(Level1, StridedLoopsAgreeWithThePlainOnes) {
     const Layout layouts[] = {Layout::rows, Layout::spread, Layout::columns_reversed};
     with_each(

@@ -6,18 +6,27 @@ namespace {
 
 TWINS(Rotations);
 
-// Pairs (cos, sin), some of them the identity.
+// Pairs (tan half the angle, sin), some of them the identity.
 template <class Real>
 std::vector<Real> rotations(Size count, unsigned seed) {
     std::mt19937 generator(seed);
-    std::uniform_real_distribution<Real> angle(Real(-3), Real(3));
+    std::uniform_real_distribution<Real> angle(Real(-2.3), Real(2.3));
     std::vector<Real> pairs;
     for (Size i = 0; i < count; ++i) {
         const Real phi = i % 5 == 3 ? Real(0) : angle(generator);
-        pairs.push_back(std::cos(phi));
+        pairs.push_back(std::tan(phi / 2));
         pairs.push_back(std::sin(phi));
     }
     return pairs;
+}
+
+TWIN_TEST(Rotations, PairsOfTheReferenceAreRotations) {
+    const Real phi = Real(2.1);
+    const Real pair[2] = {std::tan(phi / 2), std::sin(phi)};
+    Real rows[2] = {3, -2};
+    plain<Real>().rotate_rows(1, 1, 1, pair, 2, rows, 1);
+    EXPECT_NEAR(rows[0], 3 * std::cos(phi) + 2 * std::sin(phi), 8 * kEps<Real>);
+    EXPECT_NEAR(rows[1], 3 * std::sin(phi) - 2 * std::cos(phi), 8 * kEps<Real>);
 }
 
 TWIN_TEST(Rotations, SweepsOverRows) {
@@ -31,7 +40,7 @@ TWIN_TEST(Rotations, SweepsOverRows) {
                     Operand<Real> b(count + 1, n, Layout::rows);
                     a.randomize(5);
                     b.randomize(5);
-                    const Size stride = 2 * count + 3;
+                    const Size stride = 2 * count + 4;
                     const auto pairs = rotations<Real>(sweeps * (count + 2), 7);
                     table->rotate_rows(sweeps, count, n, pairs.data(), stride, a.view().data,
                                        a.view().row_stride);
@@ -52,12 +61,8 @@ TWIN_TEST(Rotations, OneRowWithMany) {
                 a.randomize(3);
                 b.randomize(3);
                 auto pairs = rotations<Real>(count, 11);
-                for (Size q = 0; q < count; ++q) {  // s, tau = s / (1 + c)
-                    const Real c = pairs[std::size_t(2 * q)];
-                    const Real s = pairs[std::size_t(2 * q + 1)];
-                    pairs[std::size_t(2 * q)] = s;
-                    pairs[std::size_t(2 * q + 1)] = s / (1 + std::abs(c));
-                }
+                for (Size q = 0; q < count; ++q)  // s, tau = s / (1 + c)
+                    std::swap(pairs[std::size_t(2 * q)], pairs[std::size_t(2 * q + 1)]);
                 for (auto* const operand : {&a, &b}) {
                     const View<Real> v = operand->view();
                     (operand == &a ? table : &plain<Real>())

@@ -113,6 +113,19 @@ TWIN_TEST(AwkwardValues, SpectralDecompositionsRebuildOrRefuse) {
     }
 }
 
+// The largest singular value overflows though no element does: nothing may be counted beside it.
+TWIN_TEST(AwkwardValues, SingularValuesThatOverflowGiveNoRank) {
+    const LinearEquation<Real> solver;
+    Matrix<Real> a, x, n;
+    a.c_Create(3, 3, std::numeric_limits<Real>::max() / 2);
+    int rank = -1;
+    EXPECT_FALSE(solver.r_Rank(&a, Real(1e-3), rank));
+    EXPECT_FALSE(solver.fin_Find_Input_Null_vector_space(&a, Real(1e-3), rank, &n, nullptr, nullptr,
+                                                         nullptr));
+    EXPECT_FALSE(solver.pisv_Pseudo_Inverse_matrix_based_on_SVD(&a, Real(1e-3), &x));
+    EXPECT_TRUE(rank == -1 && n.mh() == 0 && x.mh() == 0);
+}
+
 // Nothing is expected of the values: every call ends, and a NaN is never lost.
 TWIN_TEST(AwkwardValues, SolversEndAndCarryNanThrough) {
     LinearEquation<Real> solver;

@@ -124,6 +124,8 @@ TWIN_TEST(MethodChoice, TheWholeTableOfFailures) {
         static_cast<Vector<Real>&>(damaged).c_Create(2, 1);
         EXPECT_TRUE(fails_with(f, row.symmetric_detail,
                                f.sle_Solve_Linear_Equation(row.code, &damaged, &b, &this->x_)));
+        EXPECT_TRUE(fails_with(f, row.symmetric_detail,
+                               f.im_Inverse_Matrix(row.code, &damaged, &this->x_)));
     }
 }
 

@@ -1,4 +1,6 @@
 // Solving and inverting by singular values, pseudo-inverses.
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <string>
 
@@ -54,8 +56,9 @@ TWIN_TEST(SpectralSolvers, SolveAndInvert) {
 
 // A X A = A, X A X = X, both products symmetric
 TWIN_TEST(SpectralSolvers, MoorePenroseConditions) {
-    for (const auto& [m, n] : {std::pair{8, 5}, {5, 8}, {6, 6}, {70, 50}, {50, 70}})
-        for (const int rank : {1, 3, 5}) {
+    for (const auto& [m, n] :
+         {std::pair{8, 5}, {5, 8}, {6, 6}, {70, 50}, {50, 70}, {60, 20}, {20, 60}})
+        for (const int rank : {1, 3, 5, std::min(m, n)}) {
             SCOPED_TRACE(testing::Message() << m << " x " << n << " rank " << rank);
             const Matrix<Real> a = test::rank_deficient_matrix<Real>(m, n, rank, 9);
             ASSERT_TRUE(
@@ -80,6 +83,41 @@ TWIN_TEST(SpectralSolvers, MoorePenroseConditions) {
     zero.c_Create(3, 2, 0);
     ASSERT_TRUE(this->f_.pisv_Pseudo_Inverse_matrix_based_on_SVD(&zero, Real(0), &zero));
     EXPECT_TRUE(zero == test::matrix_of<Real>(2, 3, [](int, int) { return 0; }));
+}
+
+// 2^e A has 2^-e times the inverse; a singular value in doubt beside the largest changes the way of
+// computing, not the result.
+TWIN_TEST(SpectralSolvers, EndsOfTheRangeAndDoubtfulRank) {
+    const int n = 12;
+    const Matrix<Real> a = test::random_matrix<Real>(n, n, 5),
+                       b = test::random_matrix<Real>(n, 2, 6);
+    Matrix<Real> inverse, solution;
+    ASSERT_TRUE(this->f_.pisv_Pseudo_Inverse_matrix_based_on_SVD(&a, Real(0), &inverse));
+    ASSERT_TRUE(this->f_.ssv_Solve_based_on_SVD(&a, Real(0), &b, &solution));
+    for (const int sign : {-1, 1}) {
+        const Real factor =
+            std::ldexp(Real(1), sign * std::numeric_limits<Real>::max_exponent * 3 / 4);
+        const Matrix<Real> scaled =
+            test::matrix_of<Real>(n, n, [&](int i, int j) { return factor * a[i][j]; });
+        ASSERT_TRUE(this->f_.pisv_Pseudo_Inverse_matrix_based_on_SVD(&scaled, Real(0), &this->x_));
+        const Matrix<Real> back =
+            test::matrix_of<Real>(n, n, [&](int i, int j) { return factor * this->x_[i][j]; });
+        EXPECT_LE(test::largest_difference(back, inverse),
+                  1000 * n * kEpsilon<Real> * test::largest_of(inverse));
+        ASSERT_TRUE(this->f_.ssv_Solve_based_on_SVD(&scaled, Real(0), &b, &this->x_));
+        const Matrix<Real> x =
+            test::matrix_of<Real>(n, 2, [&](int i, int j) { return factor * this->x_[i][j]; });
+        EXPECT_LE(test::largest_difference(x, solution),
+                  1000 * n * kEpsilon<Real> * test::largest_of(solution));
+    }
+    const Matrix<Real> doubtful = test::matrix_of<Real>(n, n, [&](int i, int j) {
+        return i != j ? Real(0) : i == 3 ? kEpsilon<Real> : Real(i + 1);
+    });
+    ASSERT_TRUE(this->f_.ssv_Solve_based_on_SVD(&doubtful, Real(0), &b, &this->x_));
+    EXPECT_LT(test::solution_residual(doubtful, this->x_, b), 10);
+    ASSERT_TRUE(this->f_.isv_Inverse_matrix_based_on_SVD(&doubtful, Real(0), &inverse));
+    EXPECT_NEAR(inverse[3][3] * kEpsilon<Real>, 1, 10 * kEpsilon<Real>);
+    EXPECT_NEAR(inverse[4][4], Real(1) / 5, kEpsilon<Real>);
 }
 
 TWIN_TEST(SpectralSolvers, Refusals) {

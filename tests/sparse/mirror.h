@@ -153,12 +153,19 @@ std::string fault_of(const nequar::SparseVector<Real>& s, const Mirror<Real>& m)
     return "";
 }
 
+// Throws of a generator, or bytes that a fuzzer chose: after the last of them every throw is the
+// lowest.
 class Dice {
 public:
     explicit Dice(unsigned seed = 1) : engine_(seed) {}
+    Dice(const unsigned char* bytes, std::size_t count)
+        : bytes_(bytes), end_(bytes + count), has_bytes_(true) {}
+
     int operator()(int first, int last) {
+        if (has_bytes_) return is_used_up() ? first : first + *bytes_++ % (last - first + 1);
         return std::uniform_int_distribution<int>(first, last)(engine_);
     }
+    bool is_used_up() const { return bytes_ == end_; }
     template <class Real>
     Real value() {
         return Real((*this)(-3, 3));
@@ -166,6 +173,9 @@ public:
 
 private:
     std::mt19937 engine_;
+    const unsigned char* bytes_ = nullptr;
+    const unsigned char* end_ = nullptr;
+    bool has_bytes_ = false;
 };
 
 // A random matrix, explicit zeros included.
@@ -237,6 +247,8 @@ inline CNqVectorInt ints(std::initializer_list<int> list) {
     std::copy(list.begin(), list.end(), v.p());
     return v;
 }
+
+inline constexpr int kLargest = 7;  // of the sizes
 
 // A matrix that is worked on, another operand, and their mirrors.
 template <class Sparse, class Real>

@@ -1,10 +1,11 @@
 // Tests that run for both twins.
 //
-//     TWINS(Suite);               declares a suite without a fixture; one with members is a
-//     template
-//                                 <class Real> class Suite : public testing::Test
-//     TWIN_TEST(Suite, Name) {}   a test with `Real` double and once more with float, registered as
-//                                 Suite/double.Name and Suite/float.Name
+//     TWINS(Suite);
+// declares a suite without a fixture; one with members is a template <class Real> class Suite :
+// public testing::Test.
+//
+//     TWIN_TEST(Suite, Name) {}
+// is a test with `Real` double and once more with float, Suite/double.Name and Suite/float.Name.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -8,6 +8,8 @@ namespace nequar {
 
 template <class Real>
 struct Strided;
+template <class Real>
+struct SvdInverse;
 
 /// The singular value decomposition, and the steps that it is made of.
 ///
@@ -158,9 +160,11 @@ protected:
 
     /// Singular values of a matrix of any shape, and the factors that are not null: `u` with all
     /// columns or the leading min(m, n), `v` likewise (one of them is square anyway). The limit
-    /// grows with the order; a failure is recorded as `dsvb_…` does. Nothing may overlap.
+    /// grows with the order; a failure is recorded as `dsvb_…` does. Nothing may overlap. With
+    /// `inverse`, for callers that only divide by the matrix, the factors may stay unformed: of a
+    /// wide matrix it is the transpose that is decomposed, with U and V exchanged.
     bool find_singular_values(const View<const Real>& a, Real* sigma, const View<Real>* u,
-                              const View<Real>* v) const;
+                              const View<Real>* v, SvdInverse<Real>* inverse = nullptr) const;
     /// Records, as `dsvb_…` does, that a matrix with m < n is refused; always false.
     bool refuse_wide(const Matrix<Real>* a) const;
     /// Whether S holds the elements of its shape and U has the columns that belong to them: all, or
@@ -174,7 +178,8 @@ private:
                       Real& largest) const;
     bool bidiagonalize(const View<Real>& a, Matrix<Real>* u, Matrix<Real>* v) const;
     bool decompose(const View<const Real>& a, Real* sigma, const View<Real>* u, const View<Real>* v,
-                   std::int64_t limit, std::int64_t& made) const;
+                   std::int64_t limit, std::int64_t& made,
+                   SvdInverse<Real>* inverse = nullptr) const;
     bool decompose_into(const Matrix<Real>* a, Matrix<Real>* u, Matrix<Real>* v, Real* sigma,
                         int max_iterations, int& iterations) const;
     bool fail_as_wide(const Matrix<Real>* a) const;

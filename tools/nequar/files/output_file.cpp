@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 #include "errors.h"
 
@@ -56,7 +57,7 @@ OutputFile::OutputFile(const std::string& path) : path_(path), target_(path) {
     std::string name = target_ + ".XXXXXX";
     const int descriptor = mkstemp(name.data());
     if (descriptor < 0) fail(errno);
-    temporary_ = name;
+    temporary_ = std::move(name);  // without memory that could be refused: the file is there now
     watch(temporary_);
     // mkstemp keeps the file to its owner; give it the rights that any new file would have.
     const mode_t mask = umask(0);

@@ -1,0 +1,150 @@
+// Threads that use objects of their own: each gets what a single thread gets, bit for bit, its
+// failures stand on its own objects, and the process's last message is always a whole one. To be
+// run under the thread sanitizer, too.
+#include <gtest/gtest.h>
+#include <nequar_algebra/nequar_algebra.h>
+
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/matrix_gallery.h"
+
+namespace nequar::test {
+namespace {
+
+constexpr int kThreads = 4;
+constexpr int kRounds = 6;
+
+template <class Real>
+void add_to(std::vector<double>& all, const Matrix<Real>& a) {
+    for (int i = 0; i < a.mh(); ++i)
+        for (int j = 0; j < a.mw(); ++j) all.push_back(double(a[i][j]));
+}
+
+template <class Real>
+void solve_and_decompose(std::uint64_t seed, std::vector<double>& all) {
+    const int n = 20 + static_cast<int>(seed % 3) * 40;
+    LinearEquation<Real> tool;
+    const Matrix<Real> a = dominant_matrix<Real>(n, seed), b = random_matrix<Real>(n, 3, seed);
+    Matrix<Real> x;
+    MatrixDiagonal<Real> d;
+    for (int code = 0; code < 10; ++code)
+        if (tool.sle_Solve_Linear_Equation(code, &a, &b, &x)) add_to(all, x);
+    int count = 0;
+    tool.dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(&a, nullptr, &d, &x, 1000,
+                                                                      count);
+    add_to(all, x);
+    tool.fin_Find_Input_Null_vector_space(&a, Real(0.5), count, &x, nullptr, nullptr, nullptr);
+    add_to(all, x);
+    AlgebraForMatrixSpecial<Real> algebra;
+    algebra.mmm_Multiply_Matrix_Matrix(&a, &a, &a, &x);
+    algebra.imt_Inverse_Matrix_for_Triangular_matrix(true, &a, &x);
+    add_to(all, x);
+}
+
+template <class Real>
+void use_structured_and_sparse(std::uint64_t seed, std::vector<double>& all) {
+    const int n = 30 + static_cast<int>(seed % 5);
+    const Matrix<Real> a = dominant_matrix<Real>(n, seed);
+    Matrix<Real> x;
+    MatrixBand<Real> band;
+    band.i_Import(&a, 3, 4);
+    band.e_Export(&x, true);
+    add_to(all, x);
+    Vector<Real> row;
+    row.c_Create(n);
+    for (int i = 0; i < n; ++i) row[i] = Real(1) / Real(1 + i);
+    MatrixToeplitzSymmetric<Real> toeplitz;
+    toeplitz.im_Import(n, row);
+    toeplitz.fimt_Find_Inverse_Matrix_by_Trench(&x, nullptr);
+    add_to(all, x);
+    SparseMatrix<Real> m;
+    m.im(&x);
+    m.t(&m);
+    m.amm(&m);
+    m.ex(&x);
+    add_to(all, x);
+    SparseMatrix<Real> tested;
+    EXPECT_TRUE(tested.u_tot_Test_Operations_Total(5, 6, 0.4, -3, 3, 2, 1, 1, 1, 1, 1));
+}
+
+template <class Real>
+void draw_and_analyse(std::uint64_t seed, std::vector<double>& all) {
+    RandomNumberGeneratorAdvanced<Real> random;
+    Vector<Real> x;
+    PrincipalComponents<Real> pca;
+    pca.c_Create(8, 5, Real(0.05), Real(0.1));
+    for (int i = 0; i < 8; ++i) {
+        random.gng(0, 1, 5, x);  // seeded by the clock: not the same each time
+        random.ss_Set_Seed(static_cast<int>(seed) + i);
+        for (int k = 0; k < 5; ++k) x[k] = random.gu(-1, 1);
+        pca.inv_INput_a_Vector(x, nullptr);
+    }
+    EXPECT_TRUE(pca.cevvcm_Calculate_Eigen_Values_and_Vectors_of_Covariance_Matrix());
+    all.push_back(double(pca.rre()));
+    for (int i = 0; i < 5; ++i) all.push_back(double(x[i]));
+}
+
+// Failures of this thread's objects, and the message that some thread has left last.
+template <class Real>
+void fail_and_look() {
+    const LinearEquation<Real> tool;
+    const Matrix<Real> a = random_matrix<Real>(3, 4);
+    Matrix<Real> x;
+    EXPECT_FALSE(tool.im_Inverse_Matrix(2, &a, &x));
+    EXPECT_STREQ(tool.ged_Get_Error_Detail().c_str(), "5");
+    x.c_Create(-1, 2);
+    const std::string name = x.gcn_Get_Class_Name().c_str();
+    EXPECT_EQ(x.grm_Get_Recorded_Message().c_str(), name + "::c_Create: 1");
+    const std::string last = Nq_Last_Message().c_str();
+    const std::size_t at = last.find("::");
+    EXPECT_TRUE(last.find("NqMatrix") == 1 || last.find("NqUtility") == 2) << last;
+    EXPECT_TRUE(at != std::string::npos && last.find(": ", at + 2) != std::string::npos) << last;
+}
+
+std::vector<double> work(int thread) {
+    std::vector<double> all;
+    for (int round = 0; round < kRounds; ++round) {
+        const auto seed = static_cast<std::uint64_t>(thread * kRounds + round);
+        // Each thread begins with another family, so that first calls meet.
+        for (int step = 0; step < 4; ++step) switch ((step + thread) % 4) {
+                case 0:
+                    solve_and_decompose<double>(seed, all);
+                    solve_and_decompose<float>(seed, all);
+                    break;
+                case 1:
+                    use_structured_and_sparse<double>(seed, all);
+                    use_structured_and_sparse<float>(seed, all);
+                    break;
+                case 2:
+                    draw_and_analyse<double>(seed, all);
+                    draw_and_analyse<float>(seed, all);
+                    break;
+                default:
+                    fail_and_look<double>();
+                    fail_and_look<float>();
+            }
+    }
+    return all;
+}
+
+TEST(Threads, DistinctObjectsAreIndependent) {
+    std::vector<std::vector<double>> found(kThreads);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back([t, &found] { found[std::size_t(t)] = work(t); });
+    for (std::thread& thread : threads) thread.join();
+    for (int t = 0; t < kThreads; ++t) {
+        const std::vector<double> alone = work(t);
+        ASSERT_GT(alone.size(), 1000u);
+        ASSERT_EQ(found[std::size_t(t)].size(), alone.size()) << "thread " << t;
+        const std::size_t bytes = alone.size() * sizeof(double);
+        EXPECT_EQ(std::memcmp(found[std::size_t(t)].data(), alone.data(), bytes), 0)
+            << "thread " << t;
+    }
+}
+
+}  // namespace
+}  // namespace nequar::test
