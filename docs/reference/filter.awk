@@ -5,6 +5,7 @@
 #   - a constructor, destructor or assignment without a comment is what its class says of copies;
 #   - what is protected is for the library's own classes, except in the root class;
 #   - a template says under which public names it is used;
+#   - a class that is only announced is none of the reader's;
 #   - the characters < > # % @ & in running text stand for themselves.
 
 function is_comment(line) { return line ~ /^ *\/\/\// }
@@ -170,6 +171,10 @@ declaration != "" {
     next
 }
 
+# A template's head waits for what it is the head of.
+/^template </ { head = $0; next }
+/^(struct|class|enum class) [A-Za-z]+( : int)?;$/ { head = ""; print ""; next }
+
 # All else: classes, free functions, blank lines.
 {
     if (is_commented) {
@@ -182,5 +187,7 @@ declaration != "" {
         shares = 0
     }
     is_commented = 0
+    if (head != "") print head
+    head = ""
     print
 }

@@ -135,8 +135,7 @@ void MatrixBand<Real>::fp_Find_Position_of_element(int index, int& x, int& y) co
     if (index < 0 || index >= this->stored_count())
         return this->report("1", "fp_Find_Position_of_element");
     const BandShape shape = band_shape();
-    Size k = 0;
-    while (index >= shape.start(k + 1)) ++k;
+    const Size k = shape.band_of(index);
     const int position = index - static_cast<int>(shape.start(k));
     const int d = static_cast<int>(k) - p_;
     x = position + std::max(d, 0);

@@ -77,8 +77,8 @@ public:
     /// unless x_hat is null, x_hat of size p with G x_hat = x, the shortest of these when the
     /// columns of G depend on each other. The range is that of `for_…` with the tolerance. "1":
     /// `for_…` failed, or x and x_hat are one object. "2": the solution in it failed, as it does
-    /// for G = 0, or when A has another width than G rows. Two singular value decompositions, a
-    /// third for x_hat. Source of both: Hartley and Zisserman, Multiple View Geometry, A5.4.
+    /// for G = 0, or when A has another width than G rows. Two singular value decompositions.
+    /// Source of both: Hartley and Zisserman, Multiple View Geometry, A5.4.
     bool shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(const Matrix<Real>* a,
                                                                     const Matrix<Real>* g,
                                                                     Real tolerance, Vector<Real>* x,

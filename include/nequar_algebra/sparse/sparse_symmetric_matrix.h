@@ -135,6 +135,7 @@ public:
         return gr(x, y, dx, out);
     }
     /// The dy x dx block whose first element is (x, y), without explicit zeros: "1".
+    /// O((|x - y| + min(dx, dy)) log n + elements found).
     bool gb(int x, int y, int dx, int dy, SparseMatrix<Real>* out) const;
     bool gb_Get_Block(int x, int y, int dx, int dy, SparseMatrix<Real>* out) const {
         return gb(x, y, dx, dy, out);

@@ -29,7 +29,7 @@ namespace nequar {
 /// deviations from the mean, in descending order.
 ///
 /// Cost of an analysis, with K = min(N, d): N d K for the products, the eigenproblem of order K
-/// (some 40 K^3 by rotations, 9 K^3 above order 32), and 2 N d for each component when N <= d.
+/// (some 40 K^3 by rotations, 9 K^3 by QR steps), and 2 N d for each component when N <= d.
 /// Putting a sample in costs one copy of it, a reconstruction 4 d for each component that it takes.
 ///
 /// Source: Turk and Pentland, Eigenfaces for recognition, J. Cognitive Neuroscience 3, 1991 (the

@@ -38,6 +38,17 @@ struct BandShape {
     }
     Size count() const { return start(band_count()); }
 
+    // The band of a packed index, 0 <= index < count(): start(k) <= index < start(k + 1).
+    Size band_of(Size index) const {
+        Size low = 0;
+        Size high = band_count();
+        while (high - low > 1) {
+            const Size middle = low + (high - low) / 2;
+            (start(middle) <= index ? low : high) = middle;
+        }
+        return low;
+    }
+
     bool contains(Size x, Size y) const { return x - y <= q && y - x <= p; }
     Size index(Size x, Size y) const { return start(x - y + p) + (x < y ? x : y); }
 
