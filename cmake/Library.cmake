@@ -22,8 +22,13 @@ endfunction()
 
 add_library(nequar_algebra SHARED $<TARGET_OBJECTS:nequar_objects>)
 add_library(nequar::algebra ALIAS nequar_algebra)
+# Before 1.0 a minor version may change the interface.
+set(NEQUAR_SOVERSION ${PROJECT_VERSION_MAJOR})
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(NEQUAR_SOVERSION 0.${PROJECT_VERSION_MINOR})
+endif()
 set_target_properties(nequar_algebra PROPERTIES
-  VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} EXPORT_NAME algebra)
+  VERSION ${PROJECT_VERSION} SOVERSION ${NEQUAR_SOVERSION} EXPORT_NAME algebra)
 nequar_public_interface(nequar_algebra)
 target_link_libraries(nequar_algebra PRIVATE $<BUILD_INTERFACE:nequar_options>)
 

@@ -28,6 +28,7 @@ have() {
         libfmt-dev) have_header fmt/core.h ;;
         libgtest-dev) have_header gtest/gtest.h ;;
         pkg-config) command -v pkg-config ;;
+        doxygen) command -v doxygen ;;
     esac >/dev/null 2>&1
 }
 

@@ -307,12 +307,13 @@ bool SingularValueFactorization<Real>::mzr_Make_Zero_Row_for_upper_bi_diagonal_m
 template <class Real>
 bool SingularValueFactorization<Real>::decompose(const View<const Real>& a, Real* sigma,
                                                  const View<Real>* u, const View<Real>* v,
-                                                 std::int64_t limit, std::int64_t& made) const {
+                                                 std::int64_t limit, std::int64_t& made,
+                                                 SvdInverse<Real>* inverse) const {
     Real largest = 0;
     if (!find_largest(a, "3", kDecomposeToVector, largest)) return false;
     SvdSteps steps;
     steps.limit = limit;
-    const Outcome outcome = svd(a, largest, SvdTargets<Real>{sigma, u, v}, steps);
+    const Outcome outcome = svd(a, largest, SvdTargets<Real>{sigma, u, v}, steps, inverse);
     made = steps.made;
     if (!outcome) return this->fail(text::kOutOfMemory, kDecomposeToVector);
     return true;
@@ -328,13 +329,14 @@ bool is_finite_largest(const View<const Real>& a, const Real* sigma) {
 template <class Real>
 bool SingularValueFactorization<Real>::find_singular_values(const View<const Real>& a, Real* sigma,
                                                             const View<Real>* u,
-                                                            const View<Real>* v) const {
+                                                            const View<Real>* v,
+                                                            SvdInverse<Real>* inverse) const {
     const CNqClass::CallScope scope(this);
     const bool is_wide = a.height < a.width;
     const std::int64_t limit = generous_limit(is_wide ? a.height : a.width);
     std::int64_t made = 0;
-    bool done = is_wide ? decompose(a.transposed(), sigma, v, u, limit, made)
-                        : decompose(a, sigma, u, v, limit, made);
+    bool done = is_wide ? decompose(a.transposed(), sigma, v, u, limit, made, inverse)
+                        : decompose(a, sigma, u, v, limit, made, inverse);
     if (done && made >= limit) done = this->fail("not converged", kDecomposeToVector);
     if (done && !is_finite_largest(a, sigma)) done = this->fail("not finite", kDecomposeToVector);
     return done ? true : this->fail("1", kDecompose);

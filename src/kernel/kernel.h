@@ -133,8 +133,9 @@ template <class Real> void eliminate_column(Size column, const Real* pivot_row, 
 // ---- rotations of rows --------------------------------------------------------------------------
 
 // For each row r of `pairs` in turn, and in it for i = 0, 1, ... while row i + 1 of A exists:
-//   (a_i, a_(i+1)) := (c a_i - s a_(i+1), s a_i + c a_(i+1)),  c = pairs(r, 2 i), s = pairs(r, 2 i + 1)
-// The rows of both are contiguous; A is best a strip of columns that stays in the cache.
+//   (a_i, a_(i+1)) := (c a_i - s a_(i+1), s a_i + c a_(i+1)),  s / (1 + c) = pairs(r, 2 i), s = pairs(r, 2 i + 1)
+// Good rotations have no c near -1. The rows of both are contiguous; A is best a strip of columns that
+// stays in the cache. What comes out below the smallest normal number may be zero.
 template <class Real> void rotate_rows(const View<const Real>& pairs, const View<Real>& a);
 // For q = 0, 1, ...: with g an element of x and h that of row q of A (contiguous rows),
 //   (g, h) := (g - s (h + g tau), h + s (g - h tau)),   s = pairs[2 q], tau = pairs[2 q + 1]

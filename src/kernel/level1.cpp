@@ -3,6 +3,7 @@
 #include "kernel/dispatch.h"
 #include "kernel/kernel.h"
 #include "kernel/orientation.h"
+#include "kernel/values.h"
 
 namespace nequar::kernel {
 
@@ -44,6 +45,26 @@ void fill(Size n, Real value, Real* out) {
 template <class Real>
 void add_reversed(Size n, Real alpha, Real* x) {
     table<Real>().add_reversed(n, alpha, x);
+}
+
+template <class Real>
+Real sum(Size n, const Real* x) {
+    return table<Real>().sum(n, x);
+}
+
+template <class Real>
+Real squares_about(Size n, const Real* x, Real centre) {
+    return table<Real>().squares_about(n, x, centre);
+}
+
+template <class Real>
+Real largest(Size n, const Real* x, Real other) {
+    return table<Real>().largest(n, x, other);
+}
+
+template <class Real>
+Real smallest(Size n, const Real* x, Real other) {
+    return table<Real>().smallest(n, x, other);
 }
 
 template <class Real>
@@ -111,6 +132,10 @@ Size index_of_largest_magnitude(const Strided<const Real>& x) {
     template void multiply_elementwise(Size, const Real*, const Real*, Real*);              \
     template void fill(Size, Real, Real*);                                                  \
     template void add_reversed(Size, Real, Real*);                                          \
+    template Real sum(Size, const Real*);                                                   \
+    template Real squares_about(Size, const Real*, Real);                                   \
+    template Real largest(Size, const Real*, Real);                                         \
+    template Real smallest(Size, const Real*, Real);                                        \
     template void squared_distances(const Real*, const View<const Real>&, Real*);           \
     template Real dot(const Strided<const Real>&, const Strided<const Real>&);              \
     template Real sum_of_magnitudes(const Strided<const Real>&);                            \

@@ -38,6 +38,11 @@ struct Table {
     void (*fill)(std::ptrdiff_t n, Real value, Real* out);
     void (*add_reversed)(std::ptrdiff_t n, Real alpha, Real* x);
 
+    Real (*sum)(std::ptrdiff_t n, const Real* x);
+    Real (*squares_about)(std::ptrdiff_t n, const Real* x, Real centre);
+    Real (*largest)(std::ptrdiff_t n, const Real* x, Real other);
+    Real (*smallest)(std::ptrdiff_t n, const Real* x, Real other);
+
     // ---- level 1, strided: each vector is followed by its stride ----
     Real (*dot)(std::ptrdiff_t n, const Real* x, std::ptrdiff_t sx, const Real* y,
                 std::ptrdiff_t sy);
@@ -67,7 +72,8 @@ struct Table {
 
     // ---- level 3: C is m x n, A is m x k, B is k x n; T is m x m beside an m x n B ----
     void (*gemm)(std::ptrdiff_t m, std::ptrdiff_t n, std::ptrdiff_t k, Real alpha,
-                 Block<const Real> a, Block<const Real> b, bool accumulate, Block<Real> c);
+                 const Block<const Real>& a, const Block<const Real>& b, bool accumulate,
+                 const Block<Real>& c);
     void (*gemmt)(bool lower, std::ptrdiff_t n, std::ptrdiff_t k, Real alpha, Block<const Real> a,
                   Block<const Real> b, bool accumulate, Block<Real> c);
     void (*trsm)(bool lower, bool unit, std::ptrdiff_t m, std::ptrdiff_t n, Block<const Real> t,

@@ -79,8 +79,12 @@ bool SpectralSolver<Real>::solve_by_svd(const Matrix<Real>* a, Real tolerance, c
         return this->fail(text::kOutOfMemory, kSolve);
     const View<Real> u = matrix_view(factors.data(), n, n);
     const View<Real> v = matrix_view(factors.data() + n * n, n, n);
-    if (!this->find_singular_values(view_of(a), sigma.p(), is_square ? &u : nullptr,
-                                    is_square ? &v : nullptr))
+    const View<Real> solution = matrix_view(work.data(), n, k);
+    const bool fits = is_square && right.height == n;
+    if (fits) kernel::copy(right, solution);
+    SvdInverse<Real> direct{tolerance, true, &solution, false};
+    if (!this->find_singular_values(view_of(a), sigma.p(), fits ? &u : nullptr, fits ? &v : nullptr,
+                                    fits ? &direct : nullptr))
         return this->fail("1", kSolve);
     const char* detail = nullptr;
     if (!test_square(view_of(a), &sigma, tolerance))
@@ -91,10 +95,9 @@ bool SpectralSolver<Real>::solve_by_svd(const Matrix<Real>* a, Real tolerance, c
         this->fail(detail, kSolveWith);
         return this->fail("2", kSolve);
     }
-    const View<Real> solution = matrix_view(work.data(), n, k);
-    kernel::copy(right, solution);
-    solve_with_svd(reading(u), reading(view_of(&sigma)), reading(v), solution,
-                   matrix_view(work.data() + n * k, n, k));
+    if (!direct.is_done)
+        solve_with_svd(reading(u), reading(view_of(&sigma)), reading(v), solution,
+                       matrix_view(work.data() + n * k, n, k));
     if (!size_like(b, x)) return this->fail(text::kCannotSize, kSolve);
     kernel::copy(reading(solution), columns_of(x));
     return true;
@@ -199,8 +202,9 @@ bool SpectralSolver<Real>::isv_Inverse_matrix_based_on_SVD(const Matrix<Real>* a
     if (!factors || sigma.c_Create(n) == nullptr) return this->fail(text::kOutOfMemory, kInvert);
     const View<Real> u = matrix_view(factors.data(), n, n);
     const View<Real> v = matrix_view(factors.data() + Size(n) * n, n, n);
+    SvdInverse<Real> direct{tolerance, true, nullptr, false};
     if (!this->find_singular_values(view_of(a), sigma.p(), is_square ? &u : nullptr,
-                                    is_square ? &v : nullptr))
+                                    is_square ? &v : nullptr, is_square ? &direct : nullptr))
         return this->fail("1", kInvert);
     const char* detail = nullptr;
     if (!test_square(view_of(a), &sigma, tolerance))
@@ -211,7 +215,10 @@ bool SpectralSolver<Real>::isv_Inverse_matrix_based_on_SVD(const Matrix<Real>* a
         this->fail(detail, kInvertWith);
         return this->fail("2", kInvert);
     }
-    invert_with_svd(reading(u), reading(view_of(&sigma)), v, view_of(inverse));
+    if (direct.is_done)
+        kernel::transpose(reading(u), view_of(inverse));
+    else
+        invert_with_svd(reading(u), reading(view_of(&sigma)), v, view_of(inverse));
     return true;
 }
 
@@ -228,7 +235,8 @@ bool SpectralSolver<Real>::pisv_Pseudo_Inverse_matrix_based_on_SVD(const Matrix<
     if (!factors || !sigma) return this->fail(text::kOutOfMemory, kPseudo);
     const View<Real> u = matrix_view(factors.data(), m, count);
     const View<Real> v = matrix_view(factors.data() + m * count, n, count);
-    if (!this->find_singular_values(view_of(a), sigma.data(), &u, &v))
+    SvdInverse<Real> direct{tolerance, false, nullptr, false};
+    if (!this->find_singular_values(view_of(a), sigma.data(), &u, &v, &direct))
         return this->fail("1", kPseudo);
     const char* detail = nullptr;
     if (!(tolerance >= 0 && tolerance < 1))
@@ -238,6 +246,10 @@ bool SpectralSolver<Real>::pisv_Pseudo_Inverse_matrix_based_on_SVD(const Matrix<
     if (detail != nullptr) {
         this->fail(detail, kPseudoWith);
         return this->fail("2", kPseudo);
+    }
+    if (direct.is_done) {
+        kernel::copy(m < n ? reading(v) : reading(u.transposed()), view_of(inverse));
+        return true;
     }
     const Strided<const Real> values(sigma.data(), count);
     const int rank = count_leading(values, tolerance);

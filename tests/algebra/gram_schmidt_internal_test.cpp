@@ -1,7 +1,5 @@
 // Gram-Schmidt: the blocked form against the loops, at block borders, any scale, and where it
 // stops.
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 
@@ -51,10 +49,7 @@ protected:
     }
 };
 
-TYPED_TEST_SUITE(GramSchmidtTest, Reals);
-
-TYPED_TEST(GramSchmidtTest, BlockedAndUnblockedAtAnyScale) {
-    using Real = TypeParam;
+TWIN_TEST(GramSchmidtTest, BlockedAndUnblockedAtAnyScale) {
     const Real huge = sizeof(Real) == 8 ? Real(1e200) : Real(1e25);
     for (const Real scale : {Real(1), huge, 1 / huge})
         for (const auto& shape : {std::array{1, 1}, {9, 9}, {40, 23}, {70, 70}}) {
@@ -76,8 +71,7 @@ TYPED_TEST(GramSchmidtTest, BlockedAndUnblockedAtAnyScale) {
         }
 }
 
-TYPED_TEST(GramSchmidtTest, ClassicalCoefficients) {
-    using Real = TypeParam;
+TWIN_TEST(GramSchmidtTest, ClassicalCoefficients) {
     // Columns (1, e, 0, …), (1, 0, e, 0, …), … with e^2 below the rounding unit: the classical
     // scheme gives q_i . q_j = 1/2 for 0 < i < j, where the modified one would stay near zero.
     constexpr int n = 5;
@@ -101,8 +95,7 @@ TYPED_TEST(GramSchmidtTest, ClassicalCoefficients) {
     }
 }
 
-TYPED_TEST(GramSchmidtTest, StopsAtAZeroColumn) {
-    using Real = TypeParam;
+TWIN_TEST(GramSchmidtTest, StopsAtAZeroColumn) {
     for (const int zero : {0, 3, 4, 7}) {
         auto A = this->well_conditioned(9, 8, 1);
         for (int y = 0; y < 9; ++y) A[y][zero] = 0;
@@ -123,8 +116,7 @@ TYPED_TEST(GramSchmidtTest, StopsAtAZeroColumn) {
     }
 }
 
-TYPED_TEST(GramSchmidtTest, TheOperationReportsAndWorksInPlace) {
-    using Real = TypeParam;
+TWIN_TEST(GramSchmidtTest, TheOperationReportsAndWorksInPlace) {
     const nequar::AlgebraForMatrix<Real> al;
     nequar::Matrix<Real> Q;
     for (const int n : {0, 3, 60}) {

@@ -1,7 +1,5 @@
 // Rows and columns: operations, interchanges, relocations. What is checked on columns is checked on
 // the rows of the transpose.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <limits>
 #include <numeric>
@@ -78,10 +76,7 @@ protected:
     const Lines<Real> lines[2] = {{algebra, false}, {algebra, true}};
 };
 
-TYPED_TEST_SUITE(MatrixLinesTest, Reals);
-
-TYPED_TEST(MatrixLinesTest, OperationsOnTwoLinesIntoAny) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixLinesTest, OperationsOnTwoLinesIntoAny) {
     constexpr int h = 21, w = 5;
     const auto A = random_matrix<Real>(h, w, 1);
     const auto at = [&](int y, int x) { return double(A[y][((x % w) + w) % w]); };
@@ -126,8 +121,7 @@ TYPED_TEST(MatrixLinesTest, OperationsOnTwoLinesIntoAny) {
     EXPECT_TRUE(never_failed(this->algebra));
 }
 
-TYPED_TEST(MatrixLinesTest, NothingHappensToAnEmptyMatrix) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixLinesTest, NothingHappensToAnEmptyMatrix) {
     CNqMatrixInt P;
     P.c_Create(2, 3, 7);
     for (const auto& shape : {std::array{0, 0}, {0, 3}, {3, 0}})
@@ -148,8 +142,7 @@ TYPED_TEST(MatrixLinesTest, NothingHappensToAnEmptyMatrix) {
     EXPECT_TRUE(never_failed(this->algebra));
 }
 
-TYPED_TEST(MatrixLinesTest, InterchangesInOrderAndBack) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixLinesTest, InterchangesInOrderAndBack) {
     const auto A = random_matrix<Real>(19, 4, 1);
     // 0 1 2 3 -> swap 0,2: 2 1 0 3 -> swap 1,2: 2 0 1 3 -> (2,2) -> swap 3,0: 3 0 1 2
     const int order[] = {3, 0, 1, 2};
@@ -191,8 +184,7 @@ TYPED_TEST(MatrixLinesTest, InterchangesInOrderAndBack) {
     EXPECT_REFUSED(opri_Permute_Rows_Inverse, &B, &flat);
 }
 
-TYPED_TEST(MatrixLinesTest, Relocations) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixLinesTest, Relocations) {
     for (const int w : {0, 1, 4, 200}) {
         const auto A = random_matrix<Real>(7, w, 1);
         CNqVectorInt r;
@@ -224,8 +216,7 @@ TYPED_TEST(MatrixLinesTest, Relocations) {
     EXPECT_TRUE(never_failed(this->algebra));
 }
 
-TYPED_TEST(MatrixLinesTest, RelocationsThatAreNoPermutation) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixLinesTest, RelocationsThatAreNoPermutation) {
     const auto& al = this->algebra;
     const struct {
         CNqVectorInt r;

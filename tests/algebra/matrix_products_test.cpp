@@ -1,6 +1,4 @@
 // Products: values in every pattern, the state after a mismatch, aliasing, chains.
-#include <gtest/gtest.h>
-
 #include <array>
 #include <functional>
 #include <limits>
@@ -16,8 +14,6 @@ class MatrixProductsTest : public ::testing::Test {
 protected:
     const nequar::AlgebraForMatrix<Real> algebra;
 };
-
-TYPED_TEST_SUITE(MatrixProductsTest, Reals);
 
 // Every product that gives a matrix (a vector), in both forms, from operands of any shape: B and x
 // are given in the shape that fits an hA x wA matrix A and a result with n columns.
@@ -48,8 +44,7 @@ std::array<MatrixProduct<Real>, 3> matrix_products() {
               true, false}}};
 }
 
-TYPED_TEST(MatrixProductsTest, MatrixTimesMatrix) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, MatrixTimesMatrix) {
     const auto& al = this->algebra;
     for (const auto& p : matrix_products<Real>())
         for (const auto& shape : {std::array{1, 1, 1},
@@ -80,8 +75,7 @@ TYPED_TEST(MatrixProductsTest, MatrixTimesMatrix) {
     EXPECT_TRUE(never_failed(al));
 }
 
-TYPED_TEST(MatrixProductsTest, OutputThatIsAnInput) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, OutputThatIsAnInput) {
     const auto& al = this->algebra;
     for (const auto& p : matrix_products<Real>())
         for (const int n : {2, 30}) {  // with and without scratch on the heap
@@ -119,8 +113,7 @@ TYPED_TEST(MatrixProductsTest, OutputThatIsAnInput) {
     EXPECT_LT(largest_difference(A, 2, 40, expected), bound<Real>(6));
 }
 
-TYPED_TEST(MatrixProductsTest, MismatchLeavesSetOutputsZeroAndOthersUntouched) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, MismatchLeavesSetOutputsZeroAndOthersUntouched) {
     const auto& al = this->algebra;
     const auto zero = [](int, int) { return 0.0; };
     for (const auto& p : matrix_products<Real>()) {
@@ -147,8 +140,7 @@ TYPED_TEST(MatrixProductsTest, MismatchLeavesSetOutputsZeroAndOthersUntouched) {
     }
 }
 
-TYPED_TEST(MatrixProductsTest, MatricesAndVectors) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, MatricesAndVectors) {
     using Al = nequar::AlgebraForMatrix<Real>;
     using Vector = nequar::Vector<Real>;
     using Matrix = nequar::Matrix<Real>;
@@ -217,8 +209,7 @@ TYPED_TEST(MatrixProductsTest, MatricesAndVectors) {
     }
 }
 
-TYPED_TEST(MatrixProductsTest, OuterProductsAndForms) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, OuterProductsAndForms) {
     const auto& al = this->algebra;
     for (const auto& shape : {std::array{1, 1}, {5, 3}, {300, 40}}) {
         const int h = shape[0], w = shape[1];
@@ -264,8 +255,7 @@ TYPED_TEST(MatrixProductsTest, OuterProductsAndForms) {
     EXPECT_EQ(s, 0);
 }
 
-TYPED_TEST(MatrixProductsTest, DiagonalFactors) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, DiagonalFactors) {
     const auto& al = this->algebra;
     const auto d = random_vector<Real>(40, 9);
     for (const auto& shape : {std::array{1, 1, 1},
@@ -316,8 +306,7 @@ TYPED_TEST(MatrixProductsTest, DiagonalFactors) {
     EXPECT_TRUE(never_failed(al));
 }
 
-TYPED_TEST(MatrixProductsTest, DiagonalFactorsThatDoNotFit) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, DiagonalFactorsThatDoNotFit) {
     const auto& al = this->algebra;
     const auto A = random_matrix<Real>(2, 3, 1);
     auto C = random_matrix<Real>(2, 4, 2);
@@ -356,8 +345,7 @@ TYPED_TEST(MatrixProductsTest, DiagonalFactorsThatDoNotFit) {
     EXPECT_EQ(s, 0);
 }
 
-TYPED_TEST(MatrixProductsTest, ChainsIntoAnyOperand) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, ChainsIntoAnyOperand) {
     using Matrix = nequar::Matrix<Real>;
     const auto& al = this->algebra;
     const Matrix A = random_matrix<Real>(3, 30, 1), B = random_matrix<Real>(30, 20, 2),
@@ -415,8 +403,7 @@ TYPED_TEST(MatrixProductsTest, ChainsIntoAnyOperand) {
     EXPECT_TRUE(never_failed(al));
 }
 
-TYPED_TEST(MatrixProductsTest, ChainsThatDoNotFitLeaveZeros) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, ChainsThatDoNotFitLeaveZeros) {
     const auto& al = this->algebra;
     const auto A = random_matrix<Real>(2, 3, 1), B = random_matrix<Real>(3, 4, 2),
                C = random_matrix<Real>(5, 6, 3);
@@ -448,8 +435,7 @@ TYPED_TEST(MatrixProductsTest, ChainsThatDoNotFitLeaveZeros) {
     EXPECT_EQ(largest_difference(x, 6, [](int) { return 0.0; }), 0);
 }
 
-TYPED_TEST(MatrixProductsTest, NotANumberPassesThrough) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, NotANumberPassesThrough) {
     const auto& al = this->algebra;
     auto A = matrix<Real>(2, 2, {0, 0, 0, 1});
     auto B = A;
@@ -466,8 +452,7 @@ TYPED_TEST(MatrixProductsTest, NotANumberPassesThrough) {
     EXPECT_TRUE(C == A);
 }
 
-TYPED_TEST(MatrixProductsTest, SizesThatCannotBeHadEndTheOperation) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixProductsTest, SizesThatCannotBeHadEndTheOperation) {
     const auto& al = this->algebra;
     nequar::Matrix<Real> wide;  // 0 x n, so that the product is n x n
     wide.c_Create(0, std::numeric_limits<int>::max());

@@ -1,6 +1,4 @@
 // Sums, transposition, conversion and the tests of structure.
-#include <gtest/gtest.h>
-
 #include <limits>
 
 #include "algebra/plain.h"
@@ -15,10 +13,7 @@ protected:
     const nequar::AlgebraForMatrix<Real> algebra;
 };
 
-TYPED_TEST_SUITE(MatrixSumsTest, Reals);
-
-TYPED_TEST(MatrixSumsTest, SumsIntoAnyOperand) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixSumsTest, SumsIntoAnyOperand) {
     using M = nequar::Matrix<Real>;
     const auto& al = this->algebra;
     const SumCase<M> cases[] = {
@@ -53,8 +48,7 @@ TYPED_TEST(MatrixSumsTest, SumsIntoAnyOperand) {
     EXPECT_TRUE(never_failed(al));
 }
 
-TYPED_TEST(MatrixSumsTest, SumsWithTransposedAndDiagonal) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixSumsTest, SumsWithTransposedAndDiagonal) {
     const auto& al = this->algebra;
     for (const auto& shape : {std::array{1, 1}, {3, 0}, {5, 3}, {33, 33}, {70, 130}, {200, 40}}) {
         const int h = shape[0], w = shape[1];
@@ -91,8 +85,7 @@ TYPED_TEST(MatrixSumsTest, SumsWithTransposedAndDiagonal) {
     EXPECT_TRUE(never_failed(al));
 }
 
-TYPED_TEST(MatrixSumsTest, ShapesThatDifferAreReportedAndNothingIsTouched) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixSumsTest, ShapesThatDifferAreReportedAndNothingIsTouched) {
     const auto& al = this->algebra;
     const auto A = random_matrix<Real>(2, 3, 1);
     const auto B = random_matrix<Real>(3, 2, 2);
@@ -113,8 +106,7 @@ TYPED_TEST(MatrixSumsTest, ShapesThatDifferAreReportedAndNothingIsTouched) {
     EXPECT_REFUSED(tpms_Transpose_Matrix_Square, &out);
 }
 
-TYPED_TEST(MatrixSumsTest, TranspositionsDiagonalsAndIdentities) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixSumsTest, TranspositionsDiagonalsAndIdentities) {
     const auto& al = this->algebra;
     nequar::Matrix<Real> out;
     for (const auto& shape :
@@ -151,8 +143,7 @@ TYPED_TEST(MatrixSumsTest, TranspositionsDiagonalsAndIdentities) {
     EXPECT_STREQ(al.ged_Get_Error_Detail().c_str(), "cannot size the output");
 }
 
-TYPED_TEST(MatrixSumsTest, RawArraysInBothOrdersAndTypes) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixSumsTest, RawArraysInBothOrdersAndTypes) {
     const auto& al = this->algebra;
     const double doubles[] = {1, 2, 3, 4, 5, 6};
     const float floats[] = {1, 2, 3, 4, 5, 6};
@@ -194,8 +185,7 @@ TYPED_TEST(MatrixSumsTest, RawArraysInBothOrdersAndTypes) {
     EXPECT_STREQ(al.ged_Get_Error_Detail().c_str(), "cannot size the output");
 }
 
-TYPED_TEST(MatrixSumsTest, StructureOfSquareMatricesOnly) {
-    using Real = TypeParam;
+TWIN_TEST(MatrixSumsTest, StructureOfSquareMatricesOnly) {
     const auto& al = this->algebra;
     auto A = matrix<Real>(2, 2, {4, 1, 1, 3});
     EXPECT_TRUE(al.isy_Is_Symmetric_matrix(&A, 0, false));

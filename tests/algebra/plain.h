@@ -1,8 +1,6 @@
 // Matrices and vectors for tests, and what they should come to: plain loops in double.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <functional>
 #include <initializer_list>
@@ -12,10 +10,9 @@
 #include <vector>
 
 #include "nequar_algebra/algebra.h"
+#include "support/twins.h"
 
 namespace plain {
-
-using Reals = ::testing::Types<double, float>;
 
 template <class Real>
 nequar::Matrix<Real> matrix(int h, int w, std::initializer_list<double> elements) {

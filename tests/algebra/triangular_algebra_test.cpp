@@ -1,12 +1,11 @@
 // Triangular solves, inverses and packed products: the public operations.
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <string>
 
 #include "nequar_algebra/algebra.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -45,11 +44,7 @@ protected:
     AlgebraForMatrixSpecial<Real> special;
 };
 
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(TriangularAlgebra, Reals);
-
-TYPED_TEST(TriangularAlgebra, SolvesAndInverts) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularAlgebra, SolvesAndInverts) {
     for (const bool lower : {true, false})
         for (const int n : {1, 2, 17, 64, 130}) {
             SCOPED_TRACE(testing::Message() << "lower " << lower << " n " << n);
@@ -103,8 +98,7 @@ TYPED_TEST(TriangularAlgebra, SolvesAndInverts) {
         }
 }
 
-TYPED_TEST(TriangularAlgebra, Refusals) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularAlgebra, Refusals) {
     Matrix<Real> t = this->triangle(true, 3), b = test::random_matrix<Real>(3, 2), x, inverse;
     t[1][1] = 0;
     const Matrix<Real> before = b;
@@ -134,8 +128,7 @@ TYPED_TEST(TriangularAlgebra, Refusals) {
     EXPECT_EQ(this->detail(), "2");
 }
 
-TYPED_TEST(TriangularAlgebra, PackedProducts) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularAlgebra, PackedProducts) {
     for (const int n : {1, 3, 33, 100}) {
         const Matrix<Real> a = test::random_matrix<Real>(n, n, 1);
         const Matrix<Real> b = test::random_matrix<Real>(n, n, 2);

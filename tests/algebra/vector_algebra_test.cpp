@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 
@@ -15,10 +13,7 @@ protected:
     const nequar::AlgebraForVector<Real> algebra;
 };
 
-TYPED_TEST_SUITE(VectorAlgebraTest, Reals);
-
-TYPED_TEST(VectorAlgebraTest, SumsAndProductsIntoAnyOperand) {
-    using Real = TypeParam;
+TWIN_TEST(VectorAlgebraTest, SumsAndProductsIntoAnyOperand) {
     using Vector = nequar::Vector<Real>;
     const auto& al = this->algebra;
     const SumCase<Vector> cases[] = {
@@ -58,8 +53,7 @@ TYPED_TEST(VectorAlgebraTest, SumsAndProductsIntoAnyOperand) {
     EXPECT_TRUE(never_failed(al));
 }
 
-TYPED_TEST(VectorAlgebraTest, DifferentSizesAreReportedAndNothingIsTouched) {
-    using Real = TypeParam;
+TWIN_TEST(VectorAlgebraTest, DifferentSizesAreReportedAndNothingIsTouched) {
     const auto& al = this->algebra;
     const auto a = random_vector<Real>(4, 1);
     const auto b = random_vector<Real>(5, 2);
@@ -79,8 +73,7 @@ TYPED_TEST(VectorAlgebraTest, DifferentSizesAreReportedAndNothingIsTouched) {
     EXPECT_REFUSED(avv_Add_Vector_Vector, &a, &b, &out, &out);
 }
 
-TYPED_TEST(VectorAlgebraTest, Scalars) {
-    using Real = TypeParam;
+TWIN_TEST(VectorAlgebraTest, Scalars) {
     const auto& al = this->algebra;
     const auto a = vector<Real>({1, 2, 3});
     const auto b = vector<Real>({4, -5, 6});
@@ -98,8 +91,7 @@ TYPED_TEST(VectorAlgebraTest, Scalars) {
     EXPECT_TRUE(never_failed(al));
 }
 
-TYPED_TEST(VectorAlgebraTest, FatalFormsPrintAndEndTheProcessWithStatusZero) {
-    using Real = TypeParam;
+TWIN_TEST(VectorAlgebraTest, FatalFormsPrintAndEndTheProcessWithStatusZero) {
     const auto& al = this->algebra;
     const nequar::Vector<Real> v[] = {random_vector<Real>(2, 1), random_vector<Real>(3, 2),
                                       random_vector<Real>(4, 3)};
@@ -116,8 +108,7 @@ TYPED_TEST(VectorAlgebraTest, FatalFormsPrintAndEndTheProcessWithStatusZero) {
     dies([&] { al.dspp_Distance_Squared_between_Point_3D_and_Plane(&v[1], &v[0]); }, plane + "2");
 }
 
-TYPED_TEST(VectorAlgebraTest, GeometryChecksSizesInOrder) {
-    using Real = TypeParam;
+TWIN_TEST(VectorAlgebraTest, GeometryChecksSizesInOrder) {
     using Vector = nequar::Vector<Real>;
     const auto& al = this->algebra;
     const Vector p2 = random_vector<Real>(2, 1);
@@ -143,8 +134,7 @@ TYPED_TEST(VectorAlgebraTest, GeometryChecksSizesInOrder) {
 #undef EXPECT_FALSE_WITH
 }
 
-TYPED_TEST(VectorAlgebraTest, GeometryIntoItsOwnOperands) {
-    using Real = TypeParam;
+TWIN_TEST(VectorAlgebraTest, GeometryIntoItsOwnOperands) {
     const auto& al = this->algebra;
     const auto a = vector<Real>({1, 2, 3}), b = vector<Real>({4, -5, 6});
     const auto cross = vector<Real>({27, 6, -13});
@@ -182,8 +172,7 @@ TYPED_TEST(VectorAlgebraTest, GeometryIntoItsOwnOperands) {
     EXPECT_TRUE(never_failed(al));
 }
 
-TYPED_TEST(VectorAlgebraTest, RawArraysOfEitherTypeEvenWithinTheVector) {
-    using Real = TypeParam;
+TWIN_TEST(VectorAlgebraTest, RawArraysOfEitherTypeEvenWithinTheVector) {
     const auto& al = this->algebra;
     const double doubles[] = {1.5, -2, 3};
     const float floats[] = {1.5F, -2, 3};

@@ -1,26 +1,21 @@
-// Cholesky, triangular inverses and the symmetry test: the algorithms, blocked and not.
-#include <gtest/gtest.h>
-
+// Cholesky and the symmetry test: the algorithms, blocked and not.
 #include <limits>
 #include <vector>
 
 #include "factorization/algorithm/cholesky.h"
 #include "factorization/algorithm/symmetry.h"
-#include "factorization/algorithm/triangular_inverse.h"
 #include "frame/views.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
 
 using kernel::Triangle;
 
-template <class Real>
-class CholeskyAlgorithm : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(CholeskyAlgorithm, Reals);
+TWINS(CholeskyAlgorithm);
 
 template <class Real>
 Matrix<Real> lower_of(const Matrix<Real>& a) {
@@ -36,8 +31,7 @@ Matrix<Real> reversed(const Matrix<Real>& a) {
 }
 
 // Input is read above the diagonal only, and kept there; the upper form is the lower one reversed.
-TYPED_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
-    using Real = TypeParam;
+TWIN_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {0, 1, 2, 3, 7, 16, 31, 32, 33, 64, 65, 100, 130}) {
         for (const Size base : {1, 3, 16, 32, 64}) {
@@ -63,8 +57,7 @@ TYPED_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
     }
 }
 
-TYPED_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
-    using Real = TypeParam;
+TWIN_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {1, 5, 33, 100}) {
         for (const int at : {0, n / 2, n - 1}) {
@@ -90,44 +83,7 @@ TYPED_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
     }
 }
 
-TYPED_TEST(CholeskyAlgorithm, TriangularInverses) {
-    using Real = TypeParam;
-    const Real nan = std::numeric_limits<Real>::quiet_NaN();
-    for (const int n : {1, 2, 5, 15, 16, 17, 33, 64, 65, 100}) {
-        for (const Size base : {1, 3, 16}) {
-            Matrix<Real> t = test::dominant_matrix<Real>(n, 4);
-            for (int i = 0; i < n; ++i)
-                for (int j = i + 1; j < n; ++j) t[i][j] = nan;  // never read
-            Matrix<Real> x = t;
-            invert_lower_triangle(kernel::Diagonal::stored, view_of(&x), base);
-            const Matrix<Real> identity = test::identity_of<Real>(n);
-            EXPECT_LT(test::solution_residual(lower_of(t), lower_of(x), identity), 1.0) << n;
-
-            Matrix<Real> unit = t;
-            for (int i = 0; i < n; ++i) {
-                unit[i][i] = nan;
-                for (int j = 0; j < i; ++j) unit[i][j] /= static_cast<Real>(n);
-            }
-            Matrix<Real> y = unit;
-            invert_lower_triangle(kernel::Diagonal::unit, view_of(&y), base);
-            for (int i = 0; i < n; ++i) unit[i][i] = y[i][i] = 1;
-            EXPECT_LT(test::solution_residual(lower_of(unit), lower_of(y), identity), 1.0) << n;
-
-            multiply_transpose_by_lower(view_of(&x), base);
-            mirror_lower_to_upper(view_of(&x), 16);
-            const Matrix<Real> lower = lower_of(t);
-            const auto product = test::matrix_of<Real>(n, n, [&](int i, int j) {
-                double sum = 0;
-                for (int k = 0; k < n; ++k) sum += double(lower[i][k]) * double(lower[j][k]);
-                return sum;
-            });
-            EXPECT_LT(test::solution_residual(product, x, identity), 2.0) << n;
-        }
-    }
-}
-
-TYPED_TEST(CholeskyAlgorithm, SymmetryIsExact) {
-    using Real = TypeParam;
+TWIN_TEST(CholeskyAlgorithm, SymmetryIsExact) {
     for (const int n : {0, 1, 2, 31, 32, 33, 70}) {
         const Matrix<Real> a = test::positive_definite_matrix<Real>(n, 10, 3);
         EXPECT_TRUE(is_symmetric(view_of(&a)));

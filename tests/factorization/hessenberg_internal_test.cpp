@@ -1,10 +1,8 @@
-#include <gtest/gtest.h>
-
-#include "factorization/algorithm/givens_qr.h"
 #include "factorization/algorithm/hessenberg.h"
 #include "factorization/algorithm/rotation.h"
 #include "factorization/algorithm/rq3.h"
 #include "factorization/orthogonal_checks.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -13,10 +11,7 @@ using testing::Dense;
 using testing::product_residual;
 using testing::random_dense;
 
-template <class Real>
-class OrthogonalAlgorithms : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(OrthogonalAlgorithms, Reals);
+TWINS(OrthogonalAlgorithms);
 
 // The steps as they are stated.
 template <class Real>
@@ -26,8 +21,7 @@ void reduce_as_stated(View<Real> a, View<Real> q) {
         testing::StatedReflection<Real>(a, k + 1, k, q).apply_from_right(a);
 }
 
-TYPED_TEST(OrthogonalAlgorithms, HessenbergEqualsTheStatedSteps) {
-    using Real = TypeParam;
+TWIN_TEST(OrthogonalAlgorithms, HessenbergEqualsTheStatedSteps) {
     for (const Size n : {1, 2, 3, 4, 9, 20, 67})
         for (const bool has_zeros : {false, true}) {
             Dense<Real> input = random_dense<Real>(n, n);
@@ -51,27 +45,7 @@ TYPED_TEST(OrthogonalAlgorithms, HessenbergEqualsTheStatedSteps) {
         }
 }
 
-TYPED_TEST(OrthogonalAlgorithms, GivensQrOfHessenberg) {
-    using Real = TypeParam;
-    for (const Size n : {0, 1, 2, 3, 12, 40}) {
-        Dense<Real> input = random_dense<Real>(n, n);
-        for (Size i = 0; i < n; ++i)
-            for (Size j = 0; j + 1 < i; ++j) input(i, j) = 0;
-        if (n > 3) input(3, 2) = 0;
-        Dense<Real> r = input, q(n, n, Real(7)), alone = input;
-        const View<Real> q_view = q.view();
-        givens_qr_of_hessenberg(r.view(), &q_view);
-        givens_qr_of_hessenberg<Real>(alone.view(), nullptr);
-        EXPECT_EQ(alone.elements, r.elements);
-        for (Size i = 0; i < n; ++i)
-            for (Size j = 0; j < i; ++j) EXPECT_EQ(r(i, j), 0);
-        EXPECT_LT(product_residual<Real>(input.view(), q.view(), r.view()), 30);
-        EXPECT_LT(testing::orthogonality<Real>(q.view()), 30);
-    }
-}
-
-TYPED_TEST(OrthogonalAlgorithms, RotationsAnnihilateAcrossTheRange) {
-    using Real = TypeParam;
+TWIN_TEST(OrthogonalAlgorithms, RotationsAnnihilateAcrossTheRange) {
     const Real large = std::numeric_limits<Real>::max() / 4;
     const Real least = std::numeric_limits<Real>::denorm_min();
     const Real values[] = {0, 1, Real(-3), 4, large, -large, least, Real(1e-30)};
@@ -85,8 +59,7 @@ TYPED_TEST(OrthogonalAlgorithms, RotationsAnnihilateAcrossTheRange) {
         }
 }
 
-TYPED_TEST(OrthogonalAlgorithms, RqOf3x3) {
-    using Real = TypeParam;
+TWIN_TEST(OrthogonalAlgorithms, RqOf3x3) {
     const double tiny = sizeof(Real) == 4 ? 1e-40 : 1e-312;
     for (const double scale : {1.0, 1e-30, 1e30, tiny})
         for (unsigned seed = 0; seed < 8; ++seed) {

@@ -1,6 +1,4 @@
 // LU with pivots before the update, and with partial pivoting: the algorithms, blocked and not.
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <numeric>
 #include <vector>
@@ -12,6 +10,7 @@
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -63,14 +62,10 @@ bool same_bits(const Matrix<Real>& a, const Matrix<Real>& b) {
     return a.mh() == b.mh() && a.mw() == b.mw();
 }
 
-template <class Real>
-class LuAlgorithm : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(LuAlgorithm, Reals);
+TWINS(LuAlgorithm);
 
 // Ties, zero columns, NaN and infinity: the order is that of the scheme on every column.
-TYPED_TEST(LuAlgorithm, PivotOrderIsKnownFromTheInput) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, PivotOrderIsKnownFromTheInput) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     const Real infinity = std::numeric_limits<Real>::infinity();
     for (const int n : {0, 1, 2, 3, 7, 8, 9, 16, 17, 32, 33, 40, 64, 65, 100}) {
@@ -110,8 +105,7 @@ TYPED_TEST(LuAlgorithm, PivotOrderIsKnownFromTheInput) {
 }
 
 // Up to the plain order the result is the scheme's to the last bit, failures included.
-TYPED_TEST(LuAlgorithm, SmallMatricesFollowTheSchemeExactly) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, SmallMatricesFollowTheSchemeExactly) {
     int failures = 0;
     for (const int n : {1, 2, 3, 4, 5, 8, 13, 16, 31, 32}) {
         for (unsigned seed = 0; seed < 12; ++seed) {
@@ -132,8 +126,7 @@ TYPED_TEST(LuAlgorithm, SmallMatricesFollowTheSchemeExactly) {
     EXPECT_GT(failures, 5);  // the states of failures were compared, too
 }
 
-TYPED_TEST(LuAlgorithm, BlockedFactorsReproduceTheInput) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, BlockedFactorsReproduceTheInput) {
     for (const int n : {1, 2, 3, 5, 8, 17, 33, 64, 65, 100, 130}) {
         for (const LuBlocking blocking : {LuBlocking{0, 1}, {0, 3}, {0, 8}, {0, 32}, {32, 32}}) {
             const Matrix<Real> a = test::dominant_matrix<Real>(n, 4);
@@ -152,8 +145,7 @@ TYPED_TEST(LuAlgorithm, BlockedFactorsReproduceTheInput) {
 
 // A zero column survives every rounding, so the blocked form meets the zero pivot where the scheme
 // does, and must leave its state: factored before, updated at, untouched after.
-TYPED_TEST(LuAlgorithm, ZeroPivotLeavesTheStateOfTheScheme) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, ZeroPivotLeavesTheStateOfTheScheme) {
     for (const int n : {5, 12, 40, 100}) {
         for (const int zero : {0, 1, n / 2, n - 1}) {
             Matrix<Real> a = test::dominant_matrix<Real>(n, 6);
@@ -174,8 +166,7 @@ TYPED_TEST(LuAlgorithm, ZeroPivotLeavesTheStateOfTheScheme) {
     }
 }
 
-TYPED_TEST(LuAlgorithm, SubnormalPivotIsDividedBy) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, SubnormalPivotIsDividedBy) {
     const Real tiny = std::numeric_limits<Real>::denorm_min();
     for (const LuBlocking blocking : {LuBlocking{}, LuBlocking{0, 2}}) {
         Matrix<Real> a = test::matrix_of<Real>(6, 6, [](int i, int j) { return i == j ? 1 : 0; });
@@ -187,8 +178,7 @@ TYPED_TEST(LuAlgorithm, SubnormalPivotIsDividedBy) {
     }
 }
 
-TYPED_TEST(LuAlgorithm, NotANumberPassesThrough) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, NotANumberPassesThrough) {
     for (const int n : {4, 50}) {
         Matrix<Real> a = test::dominant_matrix<Real>(n);
         for (int i = 0; i < n; ++i) a[i][1] = std::numeric_limits<Real>::quiet_NaN();
@@ -199,8 +189,7 @@ TYPED_TEST(LuAlgorithm, NotANumberPassesThrough) {
     }
 }
 
-TYPED_TEST(LuAlgorithm, PartialPivotingIsBackwardStable) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, PartialPivotingIsBackwardStable) {
     for (const int n : {0, 1, 2, 3, 7, 16, 17, 32, 33, 64, 65, 100, 130}) {
         for (const LuPartialBlocking blocking :
              {LuPartialBlocking{}, {0, 1}, {0, 2}, {0, 7}, {0, 16}}) {
@@ -224,8 +213,7 @@ TYPED_TEST(LuAlgorithm, PartialPivotingIsBackwardStable) {
 
 // The exchanges are counted, the first of equal candidates is taken, and a column without a pivot
 // is named while the factorization still holds.
-TYPED_TEST(LuAlgorithm, PartialPivotingTakesTheFirstOfEqualsAndFinishesSingularOnes) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, PartialPivotingTakesTheFirstOfEqualsAndFinishesSingularOnes) {
     Matrix<Real> ties = test::identity_of<Real>(4);
     ties[1][0] = -1;
     ties[3][0] = 1;

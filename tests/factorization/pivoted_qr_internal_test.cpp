@@ -1,10 +1,9 @@
-#include <gtest/gtest.h>
-
 #include <utility>
 
 #include "factorization/algorithm/complete_orthogonal.h"
 #include "factorization/algorithm/pivoted_qr.h"
 #include "factorization/orthogonal_checks.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -69,17 +68,13 @@ Pivoted<Real> factor(const Dense<Real>& input, QrBlocking blocking) {
     return p;
 }
 
-template <class Real>
-class PivotedQr : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(PivotedQr, Reals);
+TWINS(PivotedQr);
 
 const QrBlocking kBlockings[] = {{1, 1}, {2, 1}, {4, 2}, {7, 2}, {32, 4}};
 
 // Every blocking makes the stated choices and leaves the stated elements, whether the steps go on
 // to the last column or stop before it.
-TYPED_TEST(PivotedQr, EqualsTheStatedSteps) {
-    using Real = TypeParam;
+TWIN_TEST(PivotedQr, EqualsTheStatedSteps) {
     const std::pair<Size, Size> shapes[] = {{1, 1}, {3, 3}, {9, 4}, {8, 8}, {23, 16}, {40, 40}};
     for (const auto& [m, n] : shapes)
         for (const bool deficient : {false, true}) {
@@ -103,8 +98,7 @@ TYPED_TEST(PivotedQr, EqualsTheStatedSteps) {
 }
 
 // The rank rests on downdated 1-norms and misses what a person would call the rank.
-TYPED_TEST(PivotedQr, CountsColumnsByTheDowndatedNorms) {
-    using Real = TypeParam;
+TWIN_TEST(PivotedQr, CountsColumnsByTheDowndatedNorms) {
     Dense<Real> dependent(2, 2);
     dependent.elements = {1, 2, 2, 4};
     Dense<Real> equal(3, 3, 1), zero(4, 2), one_zero_column = random_dense<Real>(5, 3);
@@ -126,8 +120,7 @@ TYPED_TEST(PivotedQr, CountsColumnsByTheDowndatedNorms) {
 
 // A column with a NaN is never chosen and stays NaN; one with an infinity is chosen first and makes
 // no reflection. Both end.
-TYPED_TEST(PivotedQr, NanAndInfinityStayVisible) {
-    using Real = TypeParam;
+TWIN_TEST(PivotedQr, NanAndInfinityStayVisible) {
     for (const QrBlocking& blocking : kBlockings) {
         Dense<Real> input = random_dense<Real>(9, 6);
         input(4, 2) = std::numeric_limits<Real>::quiet_NaN();
@@ -143,8 +136,7 @@ TYPED_TEST(PivotedQr, NanAndInfinityStayVisible) {
     }
 }
 
-TYPED_TEST(PivotedQr, CompleteOrthogonalDecompositionRebuildsTheMatrix) {
-    using Real = TypeParam;
+TWIN_TEST(PivotedQr, CompleteOrthogonalDecompositionRebuildsTheMatrix) {
     const std::pair<Size, Size> shapes[] = {{1, 1}, {4, 4}, {9, 5}, {12, 12}, {30, 21}};
     for (const auto& [m, n] : shapes)
         for (const Size kept : {n, (n + 1) / 2, Size(0)})

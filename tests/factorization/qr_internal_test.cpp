@@ -1,8 +1,7 @@
-#include <gtest/gtest.h>
-
 #include "factorization/algorithm/qr.h"
 #include "factorization/algorithm/scratch.h"
 #include "factorization/orthogonal_checks.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -43,14 +42,10 @@ void factor_as_stated(View<Real> a, View<Real> q) {
         testing::StatedReflection<Real>(a, k, k, q);
 }
 
-template <class Real>
-class QrAlgorithm : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(QrAlgorithm, Reals);
+TWINS(QrAlgorithm);
 
 // Every corner, shape and blocking gives the stated R, leftovers and Q.
-TYPED_TEST(QrAlgorithm, EqualsTheStatedSteps) {
-    using Real = TypeParam;
+TWIN_TEST(QrAlgorithm, EqualsTheStatedSteps) {
     for (const Shape& shape : kShapes)
         for (const Corner corner : {Corner::qr, Corner::ql, Corner::lq, Corner::rq}) {
             const Dense<Real> input = random_dense<Real>(shape.height, shape.width);
@@ -78,8 +73,7 @@ TYPED_TEST(QrAlgorithm, EqualsTheStatedSteps) {
 }
 
 // Beside A the right-hand side becomes Q^T B, and kept reflectors apply Q and Q^T.
-TYPED_TEST(QrAlgorithm, AppliesQWithoutFormingIt) {
-    using Real = TypeParam;
+TWIN_TEST(QrAlgorithm, AppliesQWithoutFormingIt) {
     for (const Shape& shape : kShapes)
         for (const QrBlocking& blocking : kBlockings) {
             const Size m = shape.height;
@@ -108,8 +102,7 @@ TYPED_TEST(QrAlgorithm, AppliesQWithoutFormingIt) {
         }
 }
 
-TYPED_TEST(QrAlgorithm, SurvivesTheEndsOfTheRange) {
-    using Real = TypeParam;
+TWIN_TEST(QrAlgorithm, SurvivesTheEndsOfTheRange) {
     const bool narrow = sizeof(Real) == 4;
     const double scales[] = {narrow ? 1e25 : 1e200, narrow ? 1e-25 : 1e-200, narrow ? 3e36 : 3e306,
                              narrow ? 1e-42 : 1e-318};
@@ -134,8 +127,7 @@ TYPED_TEST(QrAlgorithm, SurvivesTheEndsOfTheRange) {
 
 // Columns whose remainder is anything from negligible to all of them, beside leading elements of
 // both signs, leave Q orthogonal.
-TYPED_TEST(QrAlgorithm, ShortRemaindersKeepQOrthogonal) {
-    using Real = TypeParam;
+TWIN_TEST(QrAlgorithm, ShortRemaindersKeepQOrthogonal) {
     const int least = std::numeric_limits<Real>::min_exponent - std::numeric_limits<Real>::digits;
     for (int exponent = 2; exponent >= least; --exponent)
         for (const Real lead : {Real(1), Real(-1)}) {
@@ -159,8 +151,7 @@ TYPED_TEST(QrAlgorithm, ShortRemaindersKeepQOrthogonal) {
         }
 }
 
-TYPED_TEST(QrAlgorithm, NanAndInfinityComeThroughAndAZeroColumnMakesNoReflection) {
-    using Real = TypeParam;
+TWIN_TEST(QrAlgorithm, NanAndInfinityComeThroughAndAZeroColumnMakesNoReflection) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const Real bad : {nan, std::numeric_limits<Real>::infinity()})
         for (const QrBlocking& blocking : {QrBlocking{1, 1}, QrBlocking{4, 2}}) {

@@ -1,23 +1,18 @@
 // Recorded sweeps of rotations, applied in batches, against the same rotations one by one.
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <random>
 #include <vector>
 
 #include "factorization/algorithm/rotation_sweeps.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-template <class Real>
-class RotationSweepsTest : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(RotationSweepsTest, Reals);
+TWINS(RotationSweepsTest);
 
-TYPED_TEST(RotationSweepsTest, BatchesOfSweepsOverChangingRanges) {
-    using Real = TypeParam;
+TWIN_TEST(RotationSweepsTest, BatchesOfSweepsOverChangingRanges) {
     for (const Size rows : {2, 3, 6, 40, 130})
         for (const Size columns : {1, 20, 70, 300})
             for (const bool transposed : {false, true}) {
@@ -40,7 +35,7 @@ TYPED_TEST(RotationSweepsTest, BatchesOfSweepsOverChangingRanges) {
                     if (sweeps.is_full()) sweeps.apply(view(elements));
                     Real* const pairs = sweeps.begin(first, last);
                     for (Size i = first; i < last; ++i) {
-                        const Real phi = 3 * uniform(random);
+                        const Real phi = Real(2.3) * uniform(random);
                         const Real c = pairs[2 * i] = std::cos(phi);
                         const Real s = pairs[2 * i + 1] = std::sin(phi);
                         for (Size j = 0; j < columns; ++j) {

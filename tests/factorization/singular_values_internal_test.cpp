@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 
@@ -9,6 +7,7 @@
 #include "factorization/algorithm/reflector.h"
 #include "factorization/algorithm/singular_values.h"
 #include "factorization/orthogonal_checks.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -18,10 +17,7 @@ using testing::orthogonality;
 using testing::product_residual;
 using testing::random_dense;
 
-template <class Real>
-class SingularValueAlgorithms : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(SingularValueAlgorithms, Reals);
+TWINS(SingularValueAlgorithms);
 
 // max |A - U diag(s) V^T| / (s0 size eps), U m x m or m x n
 template <class Real>
@@ -112,8 +108,7 @@ void reduce_as_stated(Dense<Real>& a, Dense<Real>& u, Dense<Real>& v) {
     }
 }
 
-TYPED_TEST(SingularValueAlgorithms, BidiagonalEqualsTheStatedSteps) {
-    using Real = TypeParam;
+TWIN_TEST(SingularValueAlgorithms, BidiagonalEqualsTheStatedSteps) {
     const std::pair<Size, Size> shapes[] = {{1, 1}, {2, 1},  {2, 2},   {3, 2},   {3, 3},
                                             {6, 4}, {20, 9}, {23, 23}, {70, 67}, {140, 45}};
     for (const auto& [m, n] : shapes)
@@ -143,8 +138,7 @@ TYPED_TEST(SingularValueAlgorithms, BidiagonalEqualsTheStatedSteps) {
         }
 }
 
-TYPED_TEST(SingularValueAlgorithms, EveryPatternOfZerosEnds) {
-    using Real = TypeParam;
+TWIN_TEST(SingularValueAlgorithms, EveryPatternOfZerosEnds) {
     for (unsigned n = 1; n <= 6; ++n)
         for (unsigned pattern = 0; pattern < (1u << (2 * n - 1)); ++pattern) {
             std::vector<Real> d, f;
@@ -157,8 +151,7 @@ TYPED_TEST(SingularValueAlgorithms, EveryPatternOfZerosEnds) {
         }
 }
 
-TYPED_TEST(SingularValueAlgorithms, ABlockWithZerosInsideConvergesLikeItsPieces) {
-    using Real = TypeParam;
+TWIN_TEST(SingularValueAlgorithms, ABlockWithZerosInsideConvergesLikeItsPieces) {
     EXPECT_LT(expect_svd(bidiagonal<Real>({1, 2, 3, 4}, {1, 0, 1}), 100), 8);
     for (const Size n : {10, 60, 120})
         for (const Size gap : {1, 2, 7, 1000}) {
@@ -173,8 +166,7 @@ TYPED_TEST(SingularValueAlgorithms, ABlockWithZerosInsideConvergesLikeItsPieces)
         }
 }
 
-TYPED_TEST(SingularValueAlgorithms, TheShiftSurvivesUnderflow) {
-    using Real = TypeParam;
+TWIN_TEST(SingularValueAlgorithms, TheShiftSurvivesUnderflow) {
     const Real tiny = std::sqrt(std::numeric_limits<Real>::min()) / 64;
     const Real d[] = {tiny, tiny, tiny}, f[] = {tiny, tiny}, steep[] = {tiny * tiny, 1, 1};
     for (const Real* diagonal : {d, steep}) {
@@ -184,8 +176,7 @@ TYPED_TEST(SingularValueAlgorithms, TheShiftSurvivesUnderflow) {
     }
 }
 
-TYPED_TEST(SingularValueAlgorithms, MatricesOfAllShapesAndRanges) {
-    using Real = TypeParam;
+TWIN_TEST(SingularValueAlgorithms, MatricesOfAllShapesAndRanges) {
     const double decades = sizeof(Real) == 4 ? 0.2 : 1.0;
     const double end = sizeof(Real) == 4 ? 1e37 : 1e307;
     const std::pair<Size, Size> shapes[] = {{0, 0}, {3, 0},  {1, 1},   {5, 1},   {2, 2},   {7, 7},
@@ -206,8 +197,7 @@ TYPED_TEST(SingularValueAlgorithms, MatricesOfAllShapesAndRanges) {
         }
 }
 
-TYPED_TEST(SingularValueAlgorithms, RankRules) {
-    using Real = TypeParam;
+TWIN_TEST(SingularValueAlgorithms, RankRules) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     struct Case {
         std::vector<Real> s;

@@ -1,6 +1,4 @@
 // LU, Cholesky, determinant, condition number: the public operations.
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <string>
 #include <type_traits>
@@ -11,6 +9,7 @@
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -57,42 +56,36 @@ protected:
     Upper u;
     MatrixDiagonal<Real> d;
 };
-using Reals = Types<double, float>;
-TYPED_TEST_SUITE(TriangularFactorizations, Reals);
 
 #define CROUT "dluc_Decompose_into_LU_matrices_by_Crout: "
 #define PARTIAL "dlup_Decompose_into_LU_matrices_with_Partial_pivoting: "
 #define CHOLESKY "dch_Decompose_matrix_by_Cholesky_algorithm: "
 
-TYPED_TEST(TriangularFactorizations, NamesOfTheTwins) {
+TWIN_TEST(TriangularFactorizations, NamesOfTheTwins) {
     EXPECT_EQ(this->factorization.gcn_Get_Class_Name(),
-              (std::is_same_v<TypeParam, float> ? "LCNqUtility_for_MatrixFloat_Factorization"
-                                                : "LCNqUtility_for_Matrix_Factorization"));
+              (std::is_same_v<Real, float> ? "LCNqUtility_for_MatrixFloat_Factorization"
+                                           : "LCNqUtility_for_Matrix_Factorization"));
 }
 
-TYPED_TEST(TriangularFactorizations, CroutOnTextbookMatrices) {
+TWIN_TEST(TriangularFactorizations, CroutOnTextbookMatrices) {
+    const auto factor = [&](Matrix<Real>& a) {
+        return this->factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->perm,
+                                                                              this->interchanges);
+    };
     auto swap = this->dense({{0, 1}, {1, 0}});
-    ASSERT_TRUE(this->factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&swap, &this->perm,
-                                                                               this->interchanges));
-    EXPECT_EQ(this->interchanges, 1);
-    EXPECT_EQ(this->perm[0], 1);
-    EXPECT_EQ(this->perm[1], 0);
-    EXPECT_EQ(swap, this->dense({{1, 0}, {0, 1}}));
-
+    ASSERT_TRUE(factor(swap));
+    EXPECT_TRUE(this->interchanges == 1 && this->perm[0] == 1 && this->perm[1] == 0);
+    EXPECT_EQ(swap, test::identity_of<Real>(2));
     auto ties = this->dense({{1, 2, 0}, {-1, 1, 1}, {1, 0, 5}});
-    ASSERT_TRUE(this->factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&ties, &this->perm,
-                                                                               this->interchanges));
+    ASSERT_TRUE(factor(ties));
     EXPECT_EQ(this->perm[0], 2);  // the last of equals
-
-    Matrix<TypeParam> empty;
-    ASSERT_TRUE(this->factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&empty, &this->perm,
-                                                                               this->interchanges));
-    EXPECT_EQ(this->perm.vs(), 0);
-    EXPECT_EQ(this->interchanges, 0);
+    Matrix<Real> empty;
+    ASSERT_TRUE(factor(empty));
+    EXPECT_TRUE(this->perm.vs() == 0 && this->interchanges == 0);
 }
 
 // The stated rule refuses a regular matrix that partial pivoting factors.
-TYPED_TEST(TriangularFactorizations, CroutRefusesWhatPartialPivotingSolves) {
+TWIN_TEST(TriangularFactorizations, CroutRefusesWhatPartialPivotingSolves) {
     const auto regular = this->dense({{4, 4, 1}, {2, 1, 1}, {2, 2, 3}});
     const auto& f = this->factorization;
     this->expect_refused(f.dluc_Decompose_into_LU_matrices_by_Crout(
@@ -106,8 +99,7 @@ TYPED_TEST(TriangularFactorizations, CroutRefusesWhatPartialPivotingSolves) {
               1.0);
 }
 
-TYPED_TEST(TriangularFactorizations, PackedFactorsReproduceTheInput) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularFactorizations, PackedFactorsReproduceTheInput) {
     for (const int n : {1, 2, 9, 32, 33, 70}) {
         const Matrix<Real> a = test::dominant_matrix<Real>(n, 3);
         const Matrix<Real> kept = a;
@@ -140,8 +132,7 @@ TYPED_TEST(TriangularFactorizations, PackedFactorsReproduceTheInput) {
     }
 }
 
-TYPED_TEST(TriangularFactorizations, RefusedShapesTouchNothing) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularFactorizations, RefusedShapesTouchNothing) {
     Matrix<Real> wide = test::random_matrix<Real>(2, 3);
     const Matrix<Real> kept = wide;
     this->perm.c_Create(7, 5);
@@ -183,8 +174,7 @@ TYPED_TEST(TriangularFactorizations, RefusedShapesTouchNothing) {
 }
 
 // What a zero pivot leaves, in place and beside the packed outputs.
-TYPED_TEST(TriangularFactorizations, SingularState) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularFactorizations, SingularState) {
     const Matrix<Real> input =
         this->dense({{2, 4, 1, 7}, {4, 8, 3, 1}, {1, 2, 5, 9}, {0, 0, 1, 2}});
     const test::StatedLu<Real> stated = test::stated_crout(input);
@@ -215,8 +205,7 @@ TYPED_TEST(TriangularFactorizations, SingularState) {
     EXPECT_EQ(a[1][1], Real(0));
 }
 
-TYPED_TEST(TriangularFactorizations, CholeskyBothForms) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularFactorizations, CholeskyBothForms) {
     const auto& f = this->factorization;
     const auto a = this->dense({{4, 2}, {2, 3}});
     Matrix<Real> lower = a;
@@ -250,8 +239,7 @@ TYPED_TEST(TriangularFactorizations, CholeskyBothForms) {
     }
 }
 
-TYPED_TEST(TriangularFactorizations, CholeskyRefusals) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularFactorizations, CholeskyRefusals) {
     const auto& f = this->factorization;
     const auto indefinite = this->symmetric(this->dense({{1, 2}, {2, 1}}));
     const auto semidefinite = this->symmetric(this->dense({{1, 1}, {1, 1}}));
@@ -285,8 +273,7 @@ TYPED_TEST(TriangularFactorizations, CholeskyRefusals) {
     EXPECT_FALSE(f.d_Determinant(&broken, determinant));
 }
 
-TYPED_TEST(TriangularFactorizations, Determinants) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularFactorizations, Determinants) {
     const auto& f = this->factorization;
     const auto a = this->dense({{0, 1}, {1, 0}});
     const auto s = this->symmetric(a);
@@ -321,8 +308,7 @@ TYPED_TEST(TriangularFactorizations, Determinants) {
     EXPECT_EQ(this->trace(), test::chain(f, {"d_Determinant: not square", "d_Determinant: 1"}));
 }
 
-TYPED_TEST(TriangularFactorizations, ConditionNumber) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularFactorizations, ConditionNumber) {
     const auto& f = this->factorization;
     Real condition = 0;
     const auto diagonal = this->dense({{4, 0, 0}, {0, 0.5, 0}, {0, 0, 1}});

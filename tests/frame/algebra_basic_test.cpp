@@ -1,6 +1,4 @@
 // The raw-array kernels: both layouts against plain loops, arrays that overlap, extreme scales.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -8,6 +6,7 @@
 #include <vector>
 
 #include "nequar_algebra/frame.h"
+#include "support/twins.h"
 
 namespace {
 
@@ -94,11 +93,7 @@ protected:
     }
 };
 
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(AlgebraBasicTest, Reals);
-
-TYPED_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
-    using Real = TypeParam;
+TWIN_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
     using In = const Real*;
     using G = Grid<Real>;
     const auto& k = this->basic;
@@ -187,8 +182,7 @@ TYPED_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
         }
 }
 
-TYPED_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
-    using Real = TypeParam;
+TWIN_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
     const auto& k = this->basic;
     constexpr Real kSmallest = std::numeric_limits<Real>::denorm_min();
     constexpr Real kLargest = std::numeric_limits<Real>::max();
@@ -226,8 +220,7 @@ TYPED_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
     }
 }
 
-TYPED_TEST(AlgebraBasicTest, SizesBelowOneDoNothing) {
-    using Real = TypeParam;
+TWIN_TEST(AlgebraBasicTest, SizesBelowOneDoNothing) {
     const auto& k = this->basic;
     Real out[] = {5, 6};
     const Real a[] = {1, 2};
@@ -248,8 +241,7 @@ TYPED_TEST(AlgebraBasicTest, SizesBelowOneDoNothing) {
     EXPECT_EQ(out[1], 6);
 }
 
-TYPED_TEST(AlgebraBasicTest, TriangularAndSymmetricStructure) {
-    using Real = TypeParam;
+TWIN_TEST(AlgebraBasicTest, TriangularAndSymmetricStructure) {
     const auto& k = this->basic;
     constexpr int n = 70;  // more than a tile
     for (const bool rows : {true, false}) {
@@ -290,8 +282,7 @@ TYPED_TEST(AlgebraBasicTest, TriangularAndSymmetricStructure) {
     }
 }
 
-TYPED_TEST(AlgebraBasicTest, PositiveDefiniteAndDominant) {
-    using Real = TypeParam;
+TWIN_TEST(AlgebraBasicTest, PositiveDefiniteAndDominant) {
     for (const int n : {1, 2, 47, 48, 49, 130}) {  // around the panel
         // Second differences: positive definite with pivots (i + 2) / (i + 1); rows in between are
         // weakly dominant only.
@@ -324,8 +315,7 @@ TYPED_TEST(AlgebraBasicTest, PositiveDefiniteAndDominant) {
     }
 }
 
-TYPED_TEST(AlgebraBasicTest, GeometryAtAnyScale) {
-    using Real = TypeParam;
+TWIN_TEST(AlgebraBasicTest, GeometryAtAnyScale) {
     const auto& k = this->basic;
     for (const Real s : {Real(1), kHuge<Real>, 1 / kHuge<Real>}) {
         const Real p0[] = {s, s, s}, p1[] = {4 * s, 5 * s, s}, p2[] = {s, s, 3 * s};

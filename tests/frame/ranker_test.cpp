@@ -1,7 +1,5 @@
 #include "nequar_algebra/frame/ranker.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -11,12 +9,11 @@
 #include <random>
 #include <vector>
 
+#include "support/twins.h"
+
 namespace {
 
-template <class Real>
-class RankerOf : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(RankerOf, Reals);
+TWINS(RankerOf);
 
 // Positions begin … end-1 in descending order of their elements, NaN last, equal ones in order.
 template <class Real>
@@ -52,28 +49,28 @@ void expect_ranks(const nequar::Vector<Real>& v, int begin, int end, int rank) {
     EXPECT_TRUE(std::is_permutation(o + rank, o + order.vs(), middle, sorted.end()));
 }
 
-TYPED_TEST(RankerOf, FindsEveryRankOfDistinctRepeatedAndSpecialValues) {
+TWIN_TEST(RankerOf, FindsEveryRankOfDistinctRepeatedAndSpecialValues) {
     std::mt19937 random(3);
-    constexpr TypeParam kInfinity = std::numeric_limits<TypeParam>::infinity();
-    constexpr TypeParam kNaN = std::numeric_limits<TypeParam>::quiet_NaN();
-    const TypeParam special[] = {0,
-                                 TypeParam(-0.0),
-                                 kInfinity,
-                                 -kInfinity,
-                                 kNaN,
-                                 -kNaN,
-                                 std::numeric_limits<TypeParam>::denorm_min(),
-                                 -std::numeric_limits<TypeParam>::max(),
-                                 1};
+    constexpr Real kInfinity = std::numeric_limits<Real>::infinity();
+    constexpr Real kNaN = std::numeric_limits<Real>::quiet_NaN();
+    const Real special[] = {0,
+                            Real(-0.0),
+                            kInfinity,
+                            -kInfinity,
+                            kNaN,
+                            -kNaN,
+                            std::numeric_limits<Real>::denorm_min(),
+                            -std::numeric_limits<Real>::max(),
+                            1};
     for (const int n : {1, 2, 23, 24, 25, 26, 100, 1000}) {
         for (int kind = 0; kind < 5; ++kind) {
-            nequar::Vector<TypeParam> v;
+            nequar::Vector<Real> v;
             v.c_Create(n + 2, kInfinity);  // nothing outside the range may be looked at
             for (int i = 0; i < n; ++i) {
-                const auto k = static_cast<TypeParam>(i);
-                const TypeParam choices[] = {static_cast<TypeParam>(random()) - TypeParam(2e9), k,
-                                             -k, static_cast<TypeParam>(random() % 3),
-                                             special[random() % std::size(special)]};
+                const auto k = static_cast<Real>(i);
+                const Real choices[] = {static_cast<Real>(random()) - Real(2e9), k, -k,
+                                        static_cast<Real>(random() % 3),
+                                        special[random() % std::size(special)]};
                 v[i + 1] = choices[kind];
             }
             for (int rank = 0; rank < n; rank += n < 30 ? 1 : n / 9)
@@ -83,11 +80,11 @@ TYPED_TEST(RankerOf, FindsEveryRankOfDistinctRepeatedAndSpecialValues) {
     }
 }
 
-TYPED_TEST(RankerOf, RefusesBadRangesAndRanksWithOutputsUntouched) {
-    nequar::Vector<TypeParam> v;
+TWIN_TEST(RankerOf, RefusesBadRangesAndRanksWithOutputsUntouched) {
+    nequar::Vector<Real> v;
     v.c_Create(5, 2);
     CNqRanker ranker;
-    TypeParam value = 7;
+    Real value = 7;
     int index = 7;
     CNqVectorInt order;
     for (const auto& [begin, end, rank, detail] : {std::tuple(-1, 3, 0, "1"),

@@ -12,8 +12,9 @@ using nequar::fuzz::Input;
 
 template <class Real>
 void walk_with_mirror(const std::uint8_t* data, std::size_t size) {
-    Matrices<Real> m{Dice(data, size), {}, {}, {}, {}};
-    m.renew(m.a, m.ma);
+    Matrices<Real> m;
+    m.dice = Dice(data, size);
+    m.renew();
     m.renew(m.b, m.mb);
     while (!m.dice.is_used_up() && m.ma.largest_magnitude() < 1000) {
         NEQUAR_REQUIRE(m.step());
@@ -27,8 +28,9 @@ void walk_with_mirror(const std::uint8_t* data, std::size_t size) {
 
 template <class Real>
 void walk_with_symmetric_mirror(const std::uint8_t* data, std::size_t size) {
-    Symmetrics<Real> m{Dice(data, size), {}, {}, {}, {}};
-    m.renew(m.a, m.ma, m.dice(1, kLargest));
+    Symmetrics<Real> m;
+    m.dice = Dice(data, size);
+    m.renew();
     m.mb = m.ma;
     m.b = m.a;
     while (!m.dice.is_used_up() && m.ma.largest_magnitude() < 200) {
@@ -36,7 +38,6 @@ void walk_with_symmetric_mirror(const std::uint8_t* data, std::size_t size) {
         const nequar::SparseSymmetricMatrix<Real> copy = m.a;
         NEQUAR_REQUIRE(fault_of(copy, m.ma) == "");
         if (m.dice(0, 3) == 0) NEQUAR_REQUIRE(fault_of(m.a, m.ma) == "");
-        NEQUAR_REQUIRE(m.fault_of_statistics() == "");
     }
 }
 

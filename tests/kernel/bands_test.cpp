@@ -10,10 +10,7 @@
 namespace nequar::kernel::testing {
 namespace {
 
-template <class Real>
-class Bands : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(Bands, Reals);
+TWINS(Bands);
 
 template <class Real>
 std::vector<Real> numbers(Size count) {
@@ -54,8 +51,7 @@ void check_trapezoid(const Table<Real>* table, Size height, Size width, Layout l
     EXPECT_EQ(wrong, 0);
 }
 
-TYPED_TEST(Bands, EveryShapeAroundTheVectorsAndTheChunks) {
-    using Real = TypeParam;
+TWIN_TEST(Bands, EveryShapeAroundTheVectorsAndTheChunks) {
     Sizes all(36);
     std::iota(all.begin(), all.end(), 0);
     with_each(check_trapezoid<Real>, variants<Real>(), all, all,
@@ -68,8 +64,7 @@ TYPED_TEST(Bands, EveryShapeAroundTheVectorsAndTheChunks) {
               variants<Real>(), shapes, kLayouts);
 }
 
-TYPED_TEST(Bands, SymmetricMatrices) {
-    using Real = TypeParam;
+TWIN_TEST(Bands, SymmetricMatrices) {
     Sizes orders(36);
     std::iota(orders.begin(), orders.end(), 0);
     for (const Size n : {63, 64, 127, 128, 129, 144, 150, 255, 257, 271}) orders.push_back(n);
@@ -93,8 +88,7 @@ TYPED_TEST(Bands, SymmetricMatrices) {
 }
 
 // What stands on the other side of the diagonal is not used, and NaN and infinity pass through.
-TYPED_TEST(Bands, TheOtherTriangleIsIgnored) {
-    using Real = TypeParam;
+TWIN_TEST(Bands, TheOtherTriangleIsIgnored) {
     with_each(
         [](const Table<Real>* table, Layout layout) {
             constexpr Size n = 50;

@@ -8,13 +8,9 @@ namespace {
 const Sizes kLengths = {0,  1,  2,  3,  4,  5,  7,   8,   9,   15,  16,
                         17, 31, 33, 63, 64, 65, 127, 130, 511, 513, 1100};
 
-template <class Real>
-class Level1 : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(Level1, Reals);
+TWINS(Level1);
 
-TYPED_TEST(Level1, ContiguousLoopsAgreeWithThePlainOnesAlsoInPlace) {
-    using Real = TypeParam;
+TWIN_TEST(Level1, ContiguousLoopsAgreeWithThePlainOnesAlsoInPlace) {
     using In = const Real*;
     with_each(
         [](const Table<Real>* table, Size n, bool in_place) {
@@ -49,8 +45,28 @@ TYPED_TEST(Level1, ContiguousLoopsAgreeWithThePlainOnesAlsoInPlace) {
         variants<Real>(), kLengths, kBoth);
 }
 
-TYPED_TEST(Level1, StridedLoopsAgreeWithThePlainOnes) {
-    using Real = TypeParam;
+TWIN_TEST(Level1, SumsAndExtremaOfContiguousValues) {
+    with_each(
+        [](const Table<Real>* table, Size n, bool with_nan) {
+            Operand<Real> operand(1, n, Layout::rows);
+            operand.randomize(5);
+            for (Size i = 1; with_nan && i < n; i += 3) operand(0, i) = kNaN<Real>;
+            const Real* const x = operand.block().data;
+            for (const Real other : {Real(-9), Real(0), Real(9)}) {
+                EXPECT_EQ(table->largest(n, x, other), plain<Real>().largest(n, x, other));
+                EXPECT_EQ(table->smallest(n, x, other), plain<Real>().smallest(n, x, other));
+            }
+            if (with_nan) return;
+            const Real bound = Real(n + 4) * kEps<Real> * Real(10 + n);
+            EXPECT_LE(std::abs(table->sum(n, x) - plain<Real>().sum(n, x)), bound);
+            EXPECT_LE(std::abs(table->squares_about(n, x, Real(1.5)) -
+                               plain<Real>().squares_about(n, x, Real(1.5))),
+                      bound);
+        },
+        variants<Real>(), kLengths, kBoth);
+}
+
+TWIN_TEST(Level1, StridedLoopsAgreeWithThePlainOnes) {
     const Layout layouts[] = {Layout::rows, Layout::spread, Layout::columns_reversed};
     with_each(
         [](const Table<Real>* table, Size n, Layout lx, Layout ly) {
@@ -91,8 +107,7 @@ TYPED_TEST(Level1, StridedLoopsAgreeWithThePlainOnes) {
 }
 
 // Either of rows and columns contiguous, or neither; groups of rows, stretches of columns.
-TYPED_TEST(Level1, DistancesFromAPointToManySamples) {
-    using Real = TypeParam;
+TWIN_TEST(Level1, DistancesFromAPointToManySamples) {
     with_each(
         [](const Table<Real>* table, Size n, Size d, Layout layout) {
             Operand<Real> samples(n, d, layout), x(1, d, Layout::rows), out(1, n, Layout::rows);
@@ -107,8 +122,7 @@ TYPED_TEST(Level1, DistancesFromAPointToManySamples) {
         variants<Real>(), Sizes{1, 3, 4, 5, 17, 1050}, Sizes{0, 1, 2, 7, 8, 9, 33}, kLayouts);
 }
 
-TYPED_TEST(Level1, NaNAndInfinityPassThrough) {
-    using Real = TypeParam;
+TWIN_TEST(Level1, NaNAndInfinityPassThrough) {
     with_each(
         [](const Table<Real>* table, Size n) {
             for (Size at = 0; at < n; at += n / 3 + 1) {
@@ -149,8 +163,7 @@ TYPED_TEST(Level1, NaNAndInfinityPassThrough) {
         variants<Real>(), Sizes{1, 5, 7, 40, 64, 130, 600, 1100});
 }
 
-TYPED_TEST(Level1, NormsSurviveBothEndsOfTheRange) {
-    using Real = TypeParam;
+TWIN_TEST(Level1, NormsSurviveBothEndsOfTheRange) {
     const Real huge = std::numeric_limits<Real>::max() / 64;
     const Real tiny = std::numeric_limits<Real>::min() * 8;
     const Real subnormal = std::numeric_limits<Real>::denorm_min() * 1024;

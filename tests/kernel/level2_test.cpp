@@ -5,13 +5,9 @@
 namespace nequar::kernel::testing {
 namespace {
 
-template <class Real>
-class Level2 : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(Level2, Reals);
+TWINS(Level2);
 
-TYPED_TEST(Level2, ProductsAgreeWithThePlainOnesInEveryLayout) {
-    using Real = TypeParam;
+TWIN_TEST(Level2, ProductsAgreeWithThePlainOnesInEveryLayout) {
     const std::array<Size, 2> shapes[] = {{0, 3},   {3, 0},   {1, 1},    {1, 70},  {70, 1},
                                           {3, 5},   {4, 8},   {5, 9},    {8, 4},   {17, 33},
                                           {33, 17}, {65, 70}, {2100, 3}, {3, 2100}};
@@ -48,8 +44,7 @@ TYPED_TEST(Level2, ProductsAgreeWithThePlainOnesInEveryLayout) {
         std::array{Layout::columns, Layout::spread, Layout::columns_reversed}, kBoth);
 }
 
-TYPED_TEST(Level2, NaNAndInfinityReachExactlyTheirRows) {
-    using Real = TypeParam;
+TWIN_TEST(Level2, NaNAndInfinityReachExactlyTheirRows) {
     with_each(
         [](const Table<Real>* table, Layout layout) {
             Operand<Real> a(37, 41, layout), x(41, 1, Layout::columns), y(37, 1, Layout::columns);
@@ -65,8 +60,7 @@ TYPED_TEST(Level2, NaNAndInfinityReachExactlyTheirRows) {
 }
 
 // T x = b, judged by the residual row by row; the triangle that is not named holds NaN.
-TYPED_TEST(Level2, TriangularSolvesLeaveASmallResidual) {
-    using Real = TypeParam;
+TWIN_TEST(Level2, TriangularSolvesLeaveASmallResidual) {
     with_each(
         [](const Table<Real>* table, Size n, Layout layout, bool lower, bool unit) {
             Operand<Real> t(n, n, layout), x(n, 1, layout);

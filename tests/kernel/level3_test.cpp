@@ -5,10 +5,7 @@
 namespace nequar::kernel::testing {
 namespace {
 
-template <class Real>
-class Level3 : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(Level3, Reals);
+TWINS(Level3);
 
 using Shape = std::array<Size, 3>;
 
@@ -28,8 +25,7 @@ void expect_product(const Table<Real>* table, const Shape& shape, Layout la, Lay
     EXPECT_TRUE(c.guards_stand());
 }
 
-TYPED_TEST(Level3, ProductsAgreeInEveryLayout) {
-    using Real = TypeParam;
+TWIN_TEST(Level3, ProductsAgreeInEveryLayout) {
     // Every tile height and width.
     with_each(
         [](const Table<Real>* table, Size m, Size n, Size k, Layout lb, Layout lc) {
@@ -56,8 +52,7 @@ TYPED_TEST(Level3, ProductsAgreeInEveryLayout) {
         std::array{Layout::rows, Layout::columns});
 }
 
-TYPED_TEST(Level3, NaNAndInfinityReachExactlyTheirRowsAndColumns) {
-    using Real = TypeParam;
+TWIN_TEST(Level3, NaNAndInfinityReachExactlyTheirRowsAndColumns) {
     with_each(
         [](const Table<Real>* table, Size n, Layout layout) {
             Operand<Real> a(n, n, layout), b(n, n, layout), c(n, n, Layout::rows);
@@ -82,8 +77,7 @@ TYPED_TEST(Level3, NaNAndInfinityReachExactlyTheirRowsAndColumns) {
         std::array{Layout::rows, Layout::columns, Layout::spread});
 }
 
-TYPED_TEST(Level3, TriangularProductsWriteTheirTriangleAlone) {
-    using Real = TypeParam;
+TWIN_TEST(Level3, TriangularProductsWriteTheirTriangleAlone) {
     with_each(
         [](const Table<Real>* table, Size n, Size k, Layout lc, bool lower) {
             const bool accumulate = (n + k) % 2;
@@ -108,8 +102,7 @@ TYPED_TEST(Level3, TriangularProductsWriteTheirTriangleAlone) {
 }
 
 // A triangle near 2 I; NaN where it must not be read.
-TYPED_TEST(Level3, TriangularSolvesAndProductsAgree) {
-    using Real = TypeParam;
+TWIN_TEST(Level3, TriangularSolvesAndProductsAgree) {
     with_each(
         [](const Table<Real>* table, Size m, Size n, Layout lt, bool lower, bool unit) {
             Operand<Real> t(m, m, lt), b(m, n, kLayouts[(m + n + int(lt)) % 5]);
@@ -135,8 +128,7 @@ TYPED_TEST(Level3, TriangularSolvesAndProductsAgree) {
 }
 
 // Reciprocals of a subnormal diagonal overflow; the solution itself does not.
-TYPED_TEST(Level3, TriangularSolvesDivideBySubnormalPivots) {
-    using Real = TypeParam;
+TWIN_TEST(Level3, TriangularSolvesDivideBySubnormalPivots) {
     const Real size = std::numeric_limits<Real>::denorm_min() * 64;
     for (const Table<Real>* table : variants<Real>()) {
         Operand<Real> t(20, 20, Layout::rows), b(20, 9, Layout::rows), quotient = b;

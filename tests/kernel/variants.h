@@ -2,8 +2,6 @@
 // every element, and the comparison with the reference.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -14,6 +12,7 @@
 
 #include "core/view.h"
 #include "kernel/dispatch.h"
+#include "support/twins.h"
 
 namespace nequar::kernel {
 

@@ -9,13 +9,9 @@
 namespace nequar::kernel::testing {
 namespace {
 
-template <class Real>
-class Whole : public ::testing::Test {};
-using Reals = ::testing::Types<double, float>;
-TYPED_TEST_SUITE(Whole, Reals);
+TWINS(Whole);
 
-TYPED_TEST(Whole, CopiesFillsAndTransposesInEveryPairOfLayouts) {
-    using Real = TypeParam;
+TWIN_TEST(Whole, CopiesFillsAndTransposesInEveryPairOfLayouts) {
     const std::array<Size, 2> shapes[] = {{0, 0}, {0, 4},   {1, 1},   {1, 40},   {40, 1},  {2, 3},
                                           {7, 8}, {16, 16}, {17, 33}, {63, 130}, {130, 71}};
     with_each(
@@ -46,8 +42,7 @@ TYPED_TEST(Whole, CopiesFillsAndTransposesInEveryPairOfLayouts) {
         variants<Real>(), Sizes{0, 1, 2, 7, 8, 9, 16, 31, 64, 65, 100, 200}, kLayouts);
 }
 
-TYPED_TEST(Whole, TheFaceTakesViews) {
-    using Real = TypeParam;
+TWIN_TEST(Whole, TheFaceTakesViews) {
     Operand<Real> a(4, 3, Layout::rows), b(3, 4, Layout::columns), rows(5, 3, Layout::rows),
         c(4, 4, Layout::rows);
     a.randomize(1);

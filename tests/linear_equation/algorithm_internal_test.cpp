@@ -1,10 +1,7 @@
-// Solving and inverting with factors, Gauss-Jordan elimination, the condition estimate.
-#include <gtest/gtest.h>
-
+// Gauss-Jordan elimination and the condition estimate: the algorithms.
 #include <limits>
 #include <vector>
 
-#include "factorization/algorithm/cholesky.h"
 #include "factorization/algorithm/condition.h"
 #include "factorization/algorithm/lu_partial.h"
 #include "factorization/algorithm/triangular_inverse.h"
@@ -14,16 +11,12 @@
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-using kernel::Triangle;
-
-template <class Real>
-class SolveAlgorithm : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(SolveAlgorithm, Reals);
+TWINS(SolveAlgorithm);
 
 template <class Real>
 Matrix<Real> inverse_of(const Matrix<Real>& a) {
@@ -37,43 +30,8 @@ Matrix<Real> inverse_of(const Matrix<Real>& a) {
     return inverse;
 }
 
-TYPED_TEST(SolveAlgorithm, FactorsSolveAndInvert) {
-    using Real = TypeParam;
-    for (const int n : {1, 2, 5, 16, 33, 70, 100}) {
-        const Matrix<Real> a = test::random_matrix<Real>(n, n, 7);
-        Matrix<Real> lu = a;
-        std::vector<int> perm(static_cast<std::size_t>(n));
-        int interchanges = 0;
-        ASSERT_TRUE(lu_partial_in_place(view_of(&lu), perm.data(), interchanges));
-        const Matrix<Real> spd = test::positive_definite_matrix<Real>(n, 100, 5);
-        Matrix<Real> l = spd;
-        Matrix<Real> u = spd;
-        ASSERT_TRUE(cholesky(Triangle::lower, view_of(&l)));
-        ASSERT_TRUE(cholesky(Triangle::upper, view_of(&u)));
-        for (const int k : {0, 1, 2, 9, n}) {
-            const Matrix<Real> b = test::random_matrix<Real>(n, k, 3);
-            Matrix<Real> x = b;
-            solve_from_lu(reading(view_of(&lu)), perm.data(), view_of(&b), view_of(&x));
-            EXPECT_LT(test::solution_residual(a, x, b), 1.0) << n << ' ' << k;
-            Matrix<Real> y = b;
-            solve_from_cholesky(Triangle::lower, reading(view_of(&l)), view_of(&y));
-            EXPECT_LT(test::solution_residual(spd, y, b), 1.0) << n << ' ' << k;
-            y = b;
-            solve_from_cholesky(Triangle::upper, reading(view_of(&u)), view_of(&y));
-            EXPECT_LT(test::solution_residual(spd, y, b), 1.0) << n << ' ' << k;
-        }
-        EXPECT_LT(test::solution_residual(a, inverse_of(a), test::identity_of<Real>(n)), 1.0) << n;
-        for (const Triangle triangle : {Triangle::lower, Triangle::upper}) {
-            Matrix<Real>& factor = triangle == Triangle::lower ? l : u;
-            invert_from_cholesky(triangle, view_of(&factor), 5);
-            EXPECT_LT(test::solution_residual(spd, factor, test::identity_of<Real>(n)), 1.0) << n;
-        }
-    }
-}
-
 // A and B end as the plain loops leave them, negative pivots and zero blocks included.
-TYPED_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
-    using Real = TypeParam;
+TWIN_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
     for (const int n : {0, 1, 2, 3, 8, 17, 40}) {
         for (const int k : {0, 1, 5, n}) {
             for (int kind = 0; kind < 3; ++kind) {
@@ -102,8 +60,7 @@ TYPED_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
     }
 }
 
-TYPED_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
-    using Real = TypeParam;
+TWIN_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     const Real infinity = std::numeric_limits<Real>::infinity();
     const Real tiny = std::numeric_limits<Real>::denorm_min();
@@ -122,8 +79,7 @@ TYPED_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
 }
 
 // The estimate never exceeds the truth by more than rounding, and is close to it.
-TYPED_TEST(SolveAlgorithm, ConditionEstimateIsALowerBoundNearTheNorm) {
-    using Real = TypeParam;
+TWIN_TEST(SolveAlgorithm, ConditionEstimateIsALowerBoundNearTheNorm) {
     for (const int n : {1, 2, 3, 10, 40}) {
         for (int kind = 0; kind < 5; ++kind) {
             const Matrix<Real> a = kind == 0   ? test::random_matrix<Real>(n, n, 11)

@@ -1,6 +1,5 @@
 // Small matrices full of zeros, subnormal and huge numbers, infinities and NaN: every operation
 // ends, what is finite has good residuals, and nothing plausible comes out of what is not finite.
-#include <gtest/gtest.h>
 #include <nequar_algebra/nequar_algebra.h>
 
 #include <cmath>
@@ -8,6 +7,7 @@
 #include <random>
 
 #include "support/residual.h"
+#include "support/twins.h"
 
 namespace nequar::test {
 namespace {
@@ -64,31 +64,9 @@ bool is_finite(const MatrixDiagonal<Real>& d) {
     return true;
 }
 
-// max |A - U diag(d) V^T| by max |A| n eps; subnormal roundings are allowed for.
-template <class Real>
-double rebuilding_error(const Matrix<Real>& a, const Matrix<Real>& u, const MatrixDiagonal<Real>& d,
-                        const Matrix<Real>& v) {
-    long double worst = 0, largest = 0;
-    for (int i = 0; i < a.mh(); ++i) {
-        for (int j = 0; j < a.mw(); ++j) {
-            long double sum = -static_cast<long double>(a[i][j]);
-            for (int k = 0; k < d.vs(); ++k)
-                sum += static_cast<long double>(u[i][k]) * d[k] * v[j][k];
-            worst = std::max(worst, std::abs(sum));
-            largest = std::max(largest, std::abs(static_cast<long double>(a[i][j])));
-        }
-    }
-    const long double scale = largest * std::max(a.mh(), a.mw()) * kEpsilon<Real>;
-    return static_cast<double>(worst / (scale + std::numeric_limits<Real>::denorm_min()));
-}
+TWINS(AwkwardValues);
 
-template <class Real>
-class AwkwardValues : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(AwkwardValues, Reals);
-
-TYPED_TEST(AwkwardValues, SpectralDecompositionsRebuildOrRefuse) {
-    using Real = TypeParam;
+TWIN_TEST(AwkwardValues, SpectralDecompositionsRebuildOrRefuse) {
     constexpr int limit = 100000;
     const LinearEquation<Real> solver;
     for (unsigned seed = 0; seed < 6000; ++seed) {
@@ -105,7 +83,7 @@ TYPED_TEST(AwkwardValues, SpectralDecompositionsRebuildOrRefuse) {
         EXPECT_EQ(ended, is_finite(a));
         if (ended) {
             EXPECT_LT(steps, limit);
-            EXPECT_LT(rebuilding_error(a, u, d, v), kBound);
+            EXPECT_LT(spectral_error(a, u, d, v), kBound);
             EXPECT_LT(orthogonality_error(u), kBound);
             EXPECT_LT(orthogonality_error(v), kBound);
         }
@@ -129,15 +107,14 @@ TYPED_TEST(AwkwardValues, SpectralDecompositionsRebuildOrRefuse) {
                 continue;
             }
             ASSERT_TRUE(done);
-            EXPECT_LT(rebuilding_error(a, v, d, v), kBound);
+            EXPECT_LT(spectral_error(a, v, d, v), kBound);
             EXPECT_LT(orthogonality_error(v), kBound);
         }
     }
 }
 
 // The largest singular value overflows though no element does: nothing may be counted beside it.
-TYPED_TEST(AwkwardValues, SingularValuesThatOverflowGiveNoRank) {
-    using Real = TypeParam;
+TWIN_TEST(AwkwardValues, SingularValuesThatOverflowGiveNoRank) {
     const LinearEquation<Real> solver;
     Matrix<Real> a, x, n;
     a.c_Create(3, 3, std::numeric_limits<Real>::max() / 2);
@@ -150,8 +127,7 @@ TYPED_TEST(AwkwardValues, SingularValuesThatOverflowGiveNoRank) {
 }
 
 // Nothing is expected of the values: every call ends, and a NaN is never lost.
-TYPED_TEST(AwkwardValues, SolversEndAndCarryNanThrough) {
-    using Real = TypeParam;
+TWIN_TEST(AwkwardValues, SolversEndAndCarryNanThrough) {
     LinearEquation<Real> solver;
     for (unsigned seed = 0; seed < 3000; ++seed) {
         SCOPED_TRACE(testing::Message() << "seed " << seed);

@@ -1,6 +1,4 @@
 // Solves, inverses and pseudo-inverses of symmetric matrices by their eigenvalues; band products.
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cmath>
 #include <limits>
@@ -12,10 +10,14 @@
 #include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
+#include "support/solver_checks.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
 
+using test::fails_as;
+using test::fails_with;
 using test::kEpsilon;
 using test::packed_of;
 using test::product;
@@ -23,14 +25,8 @@ using test::product;
 template <class Real>
 class EigenSolves : public testing::Test {
 protected:
-    const LinearEquation<Real> f;
-
-    std::string failures() {
-        return test::records_of(f);
-    }
+    const LinearEquation<Real> f_;
 };
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(EigenSolves, Reals);
 
 // Indefinite, of a condition near 10.
 template <class Real>
@@ -41,57 +37,42 @@ Matrix<Real> indefinite_matrix(int n, int zeros = 0) {
     return test::symmetric_with_spectrum<Real>(values);
 }
 
-TYPED_TEST(EigenSolves, SolvesAndInverses) {
-    using Real = TypeParam;
+TWIN_TEST(EigenSolves, SolvesAndInverses) {
+    const auto& f = this->f_;
     for (const int n : {1, 2, 9, 10, 40, 120}) {
-        SCOPED_TRACE(n);
         const auto a = indefinite_matrix<Real>(n);
         const auto s = packed_of(a);
-        const auto b = test::random_matrix<Real>(n, 3, 7);
-        Matrix<Real> x;
-        ASSERT_TRUE(this->f.sev_Solve_based_on_EVD(&s, Real(1e-4), &b, &x));
-        EXPECT_LT(test::solution_residual(a, x, b), 30.0);
-        auto in_place = b;
-        ASSERT_TRUE(this->f.sev_Solve_based_on_EVD(&s, Real(1e-4), &in_place, &in_place));
-        EXPECT_TRUE(in_place == x);
-        Vector<Real> right;
-        Vector<Real> solution;
-        b.gc_Get_Column(1, 0, n, &right);
-        ASSERT_TRUE(this->f.sev_Solve_based_on_EVD(&s, Real(0), &right, &solution));
-        for (int i = 0; i < n; ++i) EXPECT_NEAR(solution[i], x[i][1], 100 * n * kEpsilon<Real>);
-        Matrix<Real> v;
+        const Real tolerance = Real(1e-4);
+        test::expect_solves(a, 3, 30, [&](auto*, auto* b, auto* x) {
+            return f.sev_Solve_based_on_EVD(&s, tolerance, b, x);
+        });
+        test::expect_inverts(a, 30, [&](auto*, auto* x) {
+            return f.iev_Inverse_matrix_based_on_EVD(&s, tolerance, x);
+        });
+        Matrix<Real> v, inverse, pseudo;
         MatrixDiagonal<Real> values;
-        ASSERT_TRUE(this->f.u_dev_Decompose_to_find_Eigen_Values(&s, &v, &values));
-        for (const bool row_major : {true, false}) {
-            std::vector<Real> data(std::size_t(3 * n));
-            for (int i = 0; i < n; ++i)
-                for (int c = 0; c < 3; ++c)
-                    data[std::size_t(row_major ? i * 3 + c : c * n + i)] = b[i][c];
-            ASSERT_TRUE(this->f.u_sev_Solve_based_on_EVD(&v, &values, Real(0), data.data(),
-                                                         row_major, 3, n));
-            for (int i = 0; i < n; ++i)
-                for (int c = 0; c < 3; ++c)
-                    EXPECT_EQ(data[std::size_t(row_major ? i * 3 + c : c * n + i)], x[i][c]);
-        }
-        Matrix<Real> inverse;
-        Matrix<Real> pseudo;
-        ASSERT_TRUE(this->f.iev_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &inverse));
-        EXPECT_LT(test::solution_residual(a, inverse, test::identity_of<Real>(n)), 30.0);
-        ASSERT_TRUE(this->f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &pseudo));
+        ASSERT_TRUE(f.u_dev_Decompose_to_find_Eigen_Values(&s, &v, &values));
+        test::expect_solves(a, 3, 30, [&](auto*, auto* b, auto* x) {
+            return f.u_sev_Solve_based_on_EVD(&v, &values, Real(0), b, x);
+        });
+        test::expect_solves_arrays(a, 3, 30, [&](auto... arguments) {
+            return f.u_sev_Solve_based_on_EVD(&v, &values, Real(0), arguments...);
+        });
+        ASSERT_TRUE(f.iev_Inverse_matrix_based_on_EVD(&s, tolerance, &inverse));
+        ASSERT_TRUE(f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, tolerance, &pseudo));
         EXPECT_TRUE(pseudo == inverse);
-        ASSERT_TRUE(this->f.u_iev_Inverse_matrix_based_on_EVD(&v, &values, Real(0), &v));
+        ASSERT_TRUE(f.u_iev_Inverse_matrix_based_on_EVD(&v, &values, Real(0), &v));
         EXPECT_TRUE(v == inverse);
     }
 }
 
 // A X A = A, X A X = X, and both products symmetric, which X is by its making.
-TYPED_TEST(EigenSolves, PseudoInverseOfDeficientRank) {
-    using Real = TypeParam;
+TWIN_TEST(EigenSolves, PseudoInverseOfDeficientRank) {
     for (const int n : {3, 9, 30}) {
         const auto a = indefinite_matrix<Real>(n, n / 3);
         const auto s = packed_of(a);
         Matrix<Real> x;
-        ASSERT_TRUE(this->f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &x));
+        ASSERT_TRUE(this->f_.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &x));
         const double bound = 500 * n * kEpsilon<Real>;
         const auto ax = product(a, x);
         EXPECT_LT(test::largest_difference(product(ax, a), a), bound);
@@ -100,81 +81,81 @@ TYPED_TEST(EigenSolves, PseudoInverseOfDeficientRank) {
         Matrix<Real> b;
         b.c_Create(n, 1, Real(1));
         const auto before = b;
-        EXPECT_FALSE(this->f.sev_Solve_based_on_EVD(&s, Real(1e-4), &b, &b));
-        EXPECT_EQ(this->failures(),
-                  "u_tce_Test_Components_from_EVD: 2\n"
-                  "u_sev_Solve_based_on_EVD: 1\nsev_Solve_based_on_EVD: 2");
-        EXPECT_FALSE(this->f.iev_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &b));
-        EXPECT_EQ(this->failures(),
-                  "u_tce_Test_Components_from_EVD: 2\n"
-                  "u_iev_Inverse_matrix_based_on_EVD: 1\n"
-                  "iev_Inverse_matrix_based_on_EVD: 2");
+        EXPECT_TRUE(fails_as(this->f_,
+                             "u_tce_Test_Components_from_EVD: 2\nu_sev_Solve_based_on_EVD: 1\n"
+                             "sev_Solve_based_on_EVD: 2",
+                             this->f_.sev_Solve_based_on_EVD(&s, Real(1e-4), &b, &b)));
+        EXPECT_TRUE(fails_as(this->f_,
+                             "u_tce_Test_Components_from_EVD: 2\n"
+                             "u_iev_Inverse_matrix_based_on_EVD: 1\n"
+                             "iev_Inverse_matrix_based_on_EVD: 2",
+                             this->f_.iev_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &b)));
         EXPECT_TRUE(b == before);
     }
     MatrixSymmetric<Real> zero;
     zero.c_Create(4, 4, Real(0));
     Matrix<Real> x;
-    ASSERT_TRUE(this->f.piev_Pseudo_Inverse_matrix_based_on_EVD(&zero, Real(0), &x));
+    ASSERT_TRUE(this->f_.piev_Pseudo_Inverse_matrix_based_on_EVD(&zero, Real(0), &x));
     EXPECT_EQ(test::largest_of(x), 0.0);
 }
 
-TYPED_TEST(EigenSolves, RanksAndRefusals) {
-    using Real = TypeParam;
-    Vector<Real> values;
-    const std::string rev = "u_rev_Rank_based_on_EVD: ";
-    const Real nan = std::numeric_limits<Real>::quiet_NaN();
-    const auto rank_of = [&](const std::vector<double>& list, Real tolerance, bool check) {
-        values.c_Create(int(list.size()));
-        for (std::size_t i = 0; i < list.size(); ++i) values[int(i)] = Real(list[i]);
-        int rank = -1;
-        return this->f.u_rev_Rank_based_on_EVD(&values, tolerance, check, rank) ? rank : -1;
+TWIN_TEST(EigenSolves, RanksAndRefusals) {
+    const auto& f = this->f_;
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        std::initializer_list<double> values;
+        double tolerance;
+        bool check;
+        int rank;
+        const char* detail;
+    } cases[] = {
+        {{2, 1, 1e-3, -4}, 1e-2, true, 3, ""},
+        {{1, 2, 0}, 0, false, 2, ""},
+        {{0, 0}, 0, true, 0, ""},
+        {{}, 0, true, 0, ""},
+        {{1, 2}, 0, true, -1, "incorrect ordering"},
+        {{1, nan, 0}, 0, true, -1, "not finite"},
+        {{1, 0}, 1, true, -1, "1"},
+        {{1, 0}, -0.1, true, -1, "1"},
+        {{1, 0}, nan, true, -1, "1"},
     };
-    EXPECT_EQ(rank_of({2, 1, 1e-3, -4}, Real(1e-2), true), 3);
-    EXPECT_EQ(rank_of({1, 2, 0}, Real(0), false), 2);
-    EXPECT_EQ(rank_of({0, 0}, Real(0), true), 0);
-    EXPECT_EQ(rank_of({}, Real(0), true), 0);
-    EXPECT_EQ(rank_of({1, 2}, Real(0), true), -1);
-    EXPECT_EQ(this->failures(), rev + "incorrect ordering");
-    EXPECT_EQ(rank_of({1, std::nan(""), 0}, Real(0), true), -1);
-    EXPECT_EQ(this->failures(), rev + "not finite");
-    for (const Real tolerance : {Real(1), Real(-0.1), nan}) {
-        EXPECT_EQ(rank_of({1, 0}, tolerance, true), -1);
-        EXPECT_EQ(this->failures(), rev + "1");
+    for (const auto& c : cases) {
+        const auto values = test::vector_of<Real>(c.values);
+        int rank = -1;
+        const bool done = f.u_rev_Rank_based_on_EVD(&values, Real(c.tolerance), c.check, rank);
+        EXPECT_EQ(rank, c.rank) << c.detail;
+        EXPECT_TRUE(done == (*c.detail == 0) && (done || fails_with(f, c.detail, done)));
+    }
+    Matrix<Real> x;
+    for (const double tolerance : {1.0, -0.1, nan}) {
         const auto s = packed_of(indefinite_matrix<Real>(3));
-        Matrix<Real> x;
-        EXPECT_FALSE(this->f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, tolerance, &x));
-        EXPECT_EQ(this->failures(),
-                  "u_piev_Pseudo_Inverse_matrix_based_on_EVD: 1\n"
-                  "piev_Pseudo_Inverse_matrix_based_on_EVD: 2");
+        EXPECT_TRUE(fails_as(f,
+                             "u_piev_Pseudo_Inverse_matrix_based_on_EVD: 1\n"
+                             "piev_Pseudo_Inverse_matrix_based_on_EVD: 2",
+                             f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(tolerance), &x)));
     }
     // No numbers in, no inverse out.
     for (const int n : {3, 12}) {
         auto a = indefinite_matrix<Real>(n);
-        a[0][n - 1] = nan;
+        a[0][n - 1] = Real(nan);
         const auto s = packed_of(a);
-        Matrix<Real> x;
-        EXPECT_FALSE(this->f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(0), &x));
-        EXPECT_FALSE(this->f.iev_Inverse_matrix_based_on_EVD(&s, Real(0), &x));
+        EXPECT_FALSE(f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(0), &x));
+        EXPECT_FALSE(f.iev_Inverse_matrix_based_on_EVD(&s, Real(0), &x));
         EXPECT_EQ(x.mh(), 0);
-        this->failures();
     }
-    Matrix<Real> v;
+    Matrix<Real> v, b;
     MatrixDiagonal<Real> d;
     v.c_Create(3, 3, Real(0));
+    b.c_Create(2, 1, Real(1));
     d.c_Create(3, 4, Real(1));
     int rank = -1;
-    EXPECT_FALSE(this->f.u_tce_Test_Components_from_EVD(&v, &d, Real(0), rank));
-    EXPECT_EQ(this->failures(), "u_tce_Test_Components_from_EVD: 3");
+    EXPECT_TRUE(fails_with(f, "3", f.u_tce_Test_Components_from_EVD(&v, &d, Real(0), rank)));
     EXPECT_EQ(rank, 3);
-    Matrix<Real> b;
-    b.c_Create(2, 1, Real(1));
     d.c_Create(3, 3, Real(1));
-    EXPECT_FALSE(this->f.u_sev_Solve_based_on_EVD(&v, &d, Real(0), &b, &b));
-    EXPECT_EQ(this->failures(), "u_sev_Solve_based_on_EVD: 2");
+    EXPECT_TRUE(fails_with(f, "2", f.u_sev_Solve_based_on_EVD(&v, &d, Real(0), &b, &b)));
 }
 
-TYPED_TEST(EigenSolves, BandProducts) {
-    using Real = TypeParam;
+TWIN_TEST(EigenSolves, BandProducts) {
     const AlgebraForMatrixSpecial<Real> algebra;
     for (const auto& [m, k, n] : {std::array{1, 1, 1}, {4, 6, 3}, {6, 3, 5}, {5, 5, 5}})
         for (const auto& [p, q, r, s] : {std::array{0, 0, 0, 0},
@@ -204,8 +185,8 @@ TYPED_TEST(EigenSolves, BandProducts) {
     EXPECT_FALSE(algebra.mbb_Multiply_Bmatrix_Bmatrix(&a, &a, &c));
     MatrixBand<Real> b;
     b.c_Create(3, 2, 0, 0, Real(1));
-    EXPECT_FALSE(algebra.mbba_Multiply_Bmatrix_Bmatrix_and_Accumulate(&a, &b, &c));
-    EXPECT_EQ(std::string(algebra.ged_Get_Error_Detail().c_str()), "1");
+    EXPECT_TRUE(
+        fails_with(algebra, "1", algebra.mbba_Multiply_Bmatrix_Bmatrix_and_Accumulate(&a, &b, &c)));
     EXPECT_EQ(c.mh(), 0);
 }
 

@@ -1,6 +1,4 @@
 // Solvers and inverses with triangular factors, and Gauss-Jordan: the public operations.
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <string>
 #include <type_traits>
@@ -10,6 +8,8 @@
 #include "support/chain.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
+#include "support/solver_checks.h"
+#include "support/twins.h"
 
 namespace nequar {
 namespace {
@@ -24,20 +24,25 @@ protected:
         b = test::random_matrix<Real>(n, k, 8);
     }
 
+    // With the matrix given, or its packed form s.
     template <class Right>
-    bool solve(int method, const Right* right, Right* out) const {
-        if (method == 0) return solver.slu_Solve_based_on_LUD(&a, right, out);
-        if (method == 1) return solver.slup_Solve_based_on_LUP(&a, right, out);
+    bool solve(int method, const Matrix<Real>* given, const Right* right, Right* out) const {
+        if (method == 0) return solver.slu_Solve_based_on_LUD(given, right, out);
+        if (method == 1) return solver.slup_Solve_based_on_LUP(given, right, out);
         if (method == 2) return solver.sll_Solve_based_on_LLD(&s, right, out);
         if (method == 3) return solver.suu_Solve_based_on_UUD(&s, right, out);
-        return solver.sgj_Solve_based_on_GJE(&a, right, out);
+        return solver.sgj_Solve_based_on_GJE(given, right, out);
     }
-    bool invert(int method, Matrix<Real>* out) const {
-        if (method == 0) return solver.ilu_Inverse_matrix_based_on_LUD(&a, out);
-        if (method == 1) return solver.ilup_Inverse_matrix_based_on_LUP(&a, out);
+    bool invert(int method, const Matrix<Real>* given, Matrix<Real>* out) const {
+        if (method == 0) return solver.ilu_Inverse_matrix_based_on_LUD(given, out);
+        if (method == 1) return solver.ilup_Inverse_matrix_based_on_LUP(given, out);
         if (method == 2) return solver.ill_Inverse_matrix_based_on_LLD(&s, out);
         if (method == 3) return solver.iuu_Inverse_matrix_based_on_UUD(&s, out);
-        return solver.igj_Inverse_matrix_based_on_GJE(&a, out);
+        return solver.igj_Inverse_matrix_based_on_GJE(given, out);
+    }
+    template <class... Arguments>
+    bool solve_with_lu(Arguments... arguments) const {
+        return solver.u_slu_Solve_based_on_LUD(&l, &u, &perm, arguments...);
     }
     static constexpr int kMethods = 5;
 
@@ -69,134 +74,69 @@ protected:
     MatrixTriangularLower<Real> ll;
     MatrixTriangularUpper<Real> uu;
 };
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(TriangularSolvers, Reals);
 
-TYPED_TEST(TriangularSolvers, EveryMethodSolvesAndInverts) {
-    using Real = TypeParam;
-    for (const int n : {1, 2, 5, 31, 32, 33, 65, 100}) {
-        for (const int k : {1, 2, n}) {
-            this->prepare(n, k);
-            const Matrix<Real> kept = this->a;
-            for (int method = 0; method < this->kMethods; ++method) {
-                Matrix<Real> x;
-                ASSERT_TRUE(this->solve(method, &this->b, &x)) << method;
-                EXPECT_LT(test::solution_residual(this->a, x, this->b), 3.0)
-                    << "method " << method << ", n = " << n << ", k = " << k;
-                // In place, and as a vector, the numbers are the same.
-                Matrix<Real> same = this->b;
-                ASSERT_TRUE(this->solve(method, &same, &same));
-                EXPECT_EQ(same, x);
-                Vector<Real> column;
-                this->b.gc_Get_Column(0, 0, n, &column);
-                Vector<Real> solution;
-                ASSERT_TRUE(this->solve(method, &column, &solution));
-                ASSERT_EQ(solution.vs(), n);
-                for (int i = 0; i < n; ++i)
-                    EXPECT_NEAR(solution[i], x[i][0],
-                                200 * n * test::kEpsilon<Real> * test::largest_of(x));
-                ASSERT_TRUE(this->solve(method, &column, &column));
-                EXPECT_EQ(column, solution);
-            }
-            EXPECT_EQ(this->a, kept);
-        }
+TWIN_TEST(TriangularSolvers, EveryMethodSolvesAndInverts) {
+    for (const int n : {1, 2, 5, 31, 32, 33, 65, 100})
         for (int method = 0; method < this->kMethods; ++method) {
-            Matrix<Real> inverse;
-            ASSERT_TRUE(this->invert(method, &inverse));
-            EXPECT_LT(test::solution_residual(this->a, inverse, test::identity_of<Real>(n)), 3.0)
-                << "method " << method << ", n = " << n;
+            SCOPED_TRACE(testing::Message() << "method " << method);
+            this->prepare(n, 1);
+            const Matrix<Real>& matrix = this->a;
+            for (const int k : {1, 2, n})
+                test::expect_solves(matrix, k, 3, [&](auto* given, auto* right, auto* x) {
+                    return this->solve(method, given, right, x);
+                });
+            test::expect_inverts(
+                matrix, 3, [&](auto* given, auto* x) { return this->invert(method, given, x); });
         }
-    }
-}
-
-// A may be the output, and the right-hand side too.
-TYPED_TEST(TriangularSolvers, OutputMayBeTheMatrix) {
-    using Real = TypeParam;
-    for (const int method : {0, 1, 4}) {
-        this->prepare(40, 3);
-        Matrix<Real> expected;
-        ASSERT_TRUE(this->solve(method, &this->b, &expected));
-        Matrix<Real> inverse;
-        ASSERT_TRUE(this->invert(method, &inverse));
-        const Matrix<Real> kept = this->a;
-        ASSERT_TRUE(this->solve(method, &this->b, &this->a));
-        EXPECT_EQ(this->a, expected) << method;
-        this->a = kept;
-        ASSERT_TRUE(this->invert(method, &this->a));
-        EXPECT_EQ(this->a, inverse) << method;
-        this->a = kept;
-        ASSERT_TRUE(this->solve(method, &this->a, &this->a));  // A X = A
-        EXPECT_LT(test::largest_difference(this->a, test::identity_of<Real>(40)),
-                  1e4 * test::kEpsilon<Real>);
-    }
     // A packed factor is a vector, too.
     this->prepare(6, 1);
     ASSERT_TRUE(this->factor());
-    Vector<Real> right;
+    Vector<Real> right, expected;
     this->b.gc_Get_Column(0, 0, 6, &right);
-    Vector<Real> expected;
-    ASSERT_TRUE(
-        this->solver.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, &right, &expected));
-    ASSERT_TRUE(this->solver.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, &right,
-                                                      static_cast<Vector<Real>*>(&this->u)));
+    ASSERT_TRUE(this->solve_with_lu(&right, &expected));
+    ASSERT_TRUE(this->solve_with_lu(&right, static_cast<Vector<Real>*>(&this->u)));
     EXPECT_EQ(static_cast<Vector<Real>&>(this->u), expected);
 }
 
-TYPED_TEST(TriangularSolvers, FactorsSolveInEveryLayout) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularSolvers, FactorsSolveInEveryLayout) {
+    const auto& f = this->solver;
     for (const int n : {1, 3, 33, 70}) {
         const int k = 4;
         this->prepare(n, k);
         ASSERT_TRUE(this->factor());
-        const auto& f = this->solver;
-        const auto check = [&](int kind, const Matrix<Real>& x) {
-            EXPECT_LT(test::solution_residual(this->a, x, this->b), 3.0) << kind << ", n = " << n;
-        };
+        const Matrix<Real>& matrix = this->a;
+        test::expect_solves(matrix, k, 3, [&](auto*, auto* right, auto* x) {
+            return this->solve_with_lu(right, x);
+        });
+        test::expect_inverts(matrix, 3, [&](auto*, auto* x) {
+            return f.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, x);
+        });
         Matrix<Real> x;
-        ASSERT_TRUE(f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, &this->b, &x));
-        check(0, x);
+        ASSERT_TRUE(this->solve_with_lu(&this->b, &x));
         Matrix<Real> y = this->b;
-        ASSERT_TRUE(f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, &y, &y));
-        EXPECT_EQ(x, y);
-        y = this->b;
-        ASSERT_TRUE(
-            f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, y.p()[0], true, k, n));
+        ASSERT_TRUE(this->solve_with_lu(y.p()[0], true, k, n));
         EXPECT_EQ(x, y);
         // Without row_major: read row by row, written column by column.
         y = this->b;
-        ASSERT_TRUE(
-            f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, y.p()[0], false, k, n));
+        ASSERT_TRUE(this->solve_with_lu(y.p()[0], false, k, n));
         const Real* const columns = y.p()[0];
-        check(1, test::matrix_of<Real>(n, k, [&](int i, int c) { return columns[c * n + i]; }));
+        EXPECT_EQ(x, test::matrix_of<Real>(n, k, [&](int i, int c) { return columns[c * n + i]; }));
 
-        for (const bool upper : {false, true}) {
-            const auto u_solve = [&](Real* data, bool row_major) {
-                return upper ? f.u_suu_Solve_based_on_UUD(&this->uu, data, row_major, k, n)
-                             : f.u_sll_Solve_based_on_LLD(&this->ll, data, row_major, k, n);
-            };
-            ASSERT_TRUE(upper ? f.u_suu_Solve_based_on_UUD(&this->uu, &this->b, &x)
-                              : f.u_sll_Solve_based_on_LLD(&this->ll, &this->b, &x));
-            check(2, x);
-            y = this->b;
-            ASSERT_TRUE(u_solve(y.p()[0], true));
-            EXPECT_EQ(x, y);
-            Matrix<Real> by_columns = test::transposed(this->b);
-            ASSERT_TRUE(u_solve(by_columns.p()[0], false));
-            check(3, test::transposed(by_columns));
-            Matrix<Real> inverse;
-            ASSERT_TRUE(upper ? f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, &inverse)
-                              : f.u_ill_Inverse_matrix_based_on_LLD(&this->ll, &inverse));
-            EXPECT_LT(test::solution_residual(this->a, inverse, test::identity_of<Real>(n)), 3.0);
-        }
-        Matrix<Real> inverse;
-        ASSERT_TRUE(f.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, &inverse));
-        EXPECT_LT(test::solution_residual(this->a, inverse, test::identity_of<Real>(n)), 3.0);
+        const auto check = [&](const auto& solve, const auto& invert) {
+            test::expect_solves(matrix, k, 3,
+                                [&](auto*, auto* right, auto* out) { return solve(right, out); });
+            test::expect_solves_arrays(matrix, k, 3, solve);
+            test::expect_inverts(matrix, 3, [&](auto*, auto* out) { return invert(out); });
+        };
+        check([&](auto... args) { return f.u_sll_Solve_based_on_LLD(&this->ll, args...); },
+              [&](auto* out) { return f.u_ill_Inverse_matrix_based_on_LLD(&this->ll, out); });
+        check([&](auto... args) { return f.u_suu_Solve_based_on_UUD(&this->uu, args...); },
+              [&](auto* out) { return f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, out); });
     }
 }
 
 // L need not be unit, and the order need not be a permutation: y_i = b[perm[i]] is all it says.
-TYPED_TEST(TriangularSolvers, AnyTrianglesAndAnyOrder) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularSolvers, AnyTrianglesAndAnyOrder) {
     const int n = 5;
     this->l.c_Create(n, n);
     this->u.c_Create(n, n);
@@ -210,25 +150,19 @@ TYPED_TEST(TriangularSolvers, AnyTrianglesAndAnyOrder) {
     Matrix<Real> dense_u;
     this->l.e_Export(&dense_l, true);
     this->u.e_Export(&dense_u, true);
-    const auto product = test::matrix_of<Real>(n, n, [&](int i, int j) {
-        double sum = 0;
-        for (int k = 0; k < n; ++k) sum += double(dense_l[i][k]) * double(dense_u[k][j]);
-        return sum;
-    });
+    const auto product = test::product(dense_l, dense_u);
     const Matrix<Real> gathered = test::with_rows(test::identity_of<Real>(n), order);
     const Matrix<Real> identity = test::identity_of<Real>(n);
     Matrix<Real> x;
     Matrix<Real> inverse;
-    ASSERT_TRUE(
-        this->solver.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, &identity, &x));
+    ASSERT_TRUE(this->solve_with_lu(&identity, &x));
     ASSERT_TRUE(
         this->solver.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, &inverse));
     EXPECT_LT(test::solution_residual(product, x, gathered), 3.0);
     EXPECT_LT(test::solution_residual(product, inverse, gathered), 3.0);
 }
 
-TYPED_TEST(TriangularSolvers, ChainsOfRecords) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularSolvers, ChainsOfRecords) {
     const auto& f = this->solver;
     EXPECT_EQ(f.gcn_Get_Class_Name(),
               (std::is_same_v<Real, float> ? "LCNqUtility_for_Linear_Equation_Float"
@@ -258,7 +192,7 @@ TYPED_TEST(TriangularSolvers, ChainsOfRecords) {
             this->prepare(n, 2);
             for (int i = 0; i < n; ++i) this->a[i][n - 1] = this->a[n - 1][i] = 0;
             this->s.i_Import(&this->a);
-            this->expect_refused(this->solve(c.method, &this->b, &x),
+            this->expect_refused(this->solve(c.method, &this->a, &this->b, &x),
                                  {c.reduce + c.singular, c.factor, c.solver + "1"});
             EXPECT_EQ(f.ged_Get_Error_Detail(), "1");
             // Right-hand sides of the wrong size.
@@ -267,21 +201,23 @@ TYPED_TEST(TriangularSolvers, ChainsOfRecords) {
             const Vector<Real> none;
             Vector<Real> y;
             y.c_Create(3, Real(4));
-            this->expect_refused(this->solve(c.method, &longer, &x), {c.solve, c.solver + "2"});
-            this->expect_refused(this->solve(c.method, &none, &y), {c.solve, c.solver + "2"});
+            this->expect_refused(this->solve(c.method, &this->a, &longer, &x),
+                                 {c.solve, c.solver + "2"});
+            this->expect_refused(this->solve(c.method, &this->a, &none, &y),
+                                 {c.solve, c.solver + "2"});
             EXPECT_EQ(y.vs(), 3);
             EXPECT_EQ(x, kept);
             if (c.reduce == cholesky) continue;
             this->a = test::random_matrix<Real>(n, n + 1);
-            this->expect_refused(this->solve(c.method, &this->b, &x),
+            this->expect_refused(this->solve(c.method, &this->a, &this->b, &x),
                                  {c.reduce + "non-square", c.factor, c.solver + "1"});
         }
     // Inverses, and no right-hand side at all.
     Matrix<Real> x = test::random_matrix<Real>(1, 2);
     this->prepare(3, 0);
-    this->expect_refused(this->solve(0, &this->b, &x),
+    this->expect_refused(this->solve(0, &this->a, &this->b, &x),
                          {"u_slu_Solve_based_on_LUD: 1", "slu_Solve_based_on_LUD: 2"});
-    EXPECT_TRUE(this->solve(2, &this->b, &x));
+    EXPECT_TRUE(this->solve(2, &this->a, &this->b, &x));
     EXPECT_EQ(x.mw(), 0);
     this->a.c_Create(3, 3, Real(0));
     this->s.i_Import(&this->a);
@@ -289,28 +225,24 @@ TYPED_TEST(TriangularSolvers, ChainsOfRecords) {
         "ilu_Inverse_matrix_based_on_LUD: 1", "ilup_Inverse_matrix_based_on_LUP: 1",
         "ill_Inverse_matrix_based_on_LLD: 1", "iuu_Inverse_matrix_based_on_UUD: 1"};
     for (const Case& c : cases)
-        this->expect_refused(this->invert(c.method, &x),
+        this->expect_refused(this->invert(c.method, &this->a, &x),
                              {c.reduce + c.singular, c.factor, inverses[c.method]});
 }
 
-TYPED_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
     const auto& f = this->solver;
     this->prepare(4, 2);
     ASSERT_TRUE(this->factor());
     Matrix<Real> x = test::random_matrix<Real>(1, 2);
     const Matrix<Real> kept = x;
-    const auto solve = [&] {
-        return f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, &this->b, &x);
-    };
+    const auto solve = [&] { return this->solve_with_lu(&this->b, &x); };
     for (const int entry :
          {-1, 4, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         const int good = this->perm[2];
         this->perm[2] = entry;
         this->expect_refused(solve(), {"u_slu_Solve_based_on_LUD: 1"});
         Real data[8] = {};
-        EXPECT_FALSE(
-            f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, data, false, 2, 4));
+        EXPECT_FALSE(this->solve_with_lu(data, false, 2, 4));
         this->expect_refused(
             f.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, &x),
             {"u_slu_Solve_based_on_LUD: 1", "u_ilu_Inverse_matrix_based_on_LUD: 2"});
@@ -318,7 +250,7 @@ TYPED_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
     }
     Real data[8] = {};
     for (const auto& [k, n] : {std::pair{0, 4}, {-2, 4}, {2, 3}, {2, -4}, {2, 5}})
-        EXPECT_FALSE(f.u_slu_Solve_based_on_LUD(&this->l, &this->u, &this->perm, data, true, k, n));
+        EXPECT_FALSE(this->solve_with_lu(data, true, k, n));
     EXPECT_FALSE(f.u_sll_Solve_based_on_LLD(&this->ll, data, true, 2, 3));
     this->expect_refused(f.u_suu_Solve_based_on_UUD(&this->uu, data, true, 2, -4),
                          {"u_suu_Solve_based_on_UUD: 1"});
@@ -355,8 +287,7 @@ TYPED_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
     EXPECT_EQ(x, kept);
 }
 
-TYPED_TEST(TriangularSolvers, GaussJordan) {
-    using Real = TypeParam;
+TWIN_TEST(TriangularSolvers, GaussJordan) {
     const auto& f = this->solver;
     const auto of = [](double value) {
         return test::matrix_of<Real>(1, 1, [&](int, int) { return value; });

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# check_package.sh BUILD_DIR CONSUMER_DIR README COMPILER FLAGS
+# check_package.sh BUILD_DIR CONSUMER_DIR README EXAMPLE_DIR COMPILER FLAGS
 # Installs the build into a prefix of its own and moves it (an installation must not know its place),
 # then lets a consumer find it with find_package and with pkg-config, build and run; the program in
-# the README is built and run too.
+# the README and an example, copied out of the tree, are built and run too.
 set -euo pipefail
-build_dir=$1 consumer=$2 readme=$3 compiler=$4 flags=$5
+build_dir=$1 consumer=$2 readme=$3 example=$4 compiler=$5 flags=$6
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -31,7 +31,15 @@ echo "--- the program in the README"
 awk '/^```cpp/ { inside = 1; next } /^```/ { inside = 0 } inside' "$readme" >"$work/readme.cpp"
 # shellcheck disable=SC2086
 "$compiler" -std=c++20 $flags "$work/readme.cpp" -o "$work/readme" "${found[@]}"
-[[ $(LD_LIBRARY_PATH="$lib_dir" "$work/readme") == "2 2" ]] || fail "the program in the README"
+printed=$(LD_LIBRARY_PATH="$lib_dir" "$work/readme")
+[[ -n $printed && $(<"$readme") == *"prints \`$printed\`."* ]] ||
+    fail "the program in the README does not print what stands there, but $printed"
+
+echo "--- an example, alone"
+cp -r "$example" "$work/example"
+CXX=$compiler CXXFLAGS=$flags cmake -S "$work/example" -B "$work/example_build" -DCMAKE_PREFIX_PATH="$prefix"
+cmake --build "$work/example_build"
+"$work/example_build/camera_pose" "$work/example/points_noisy.txt" || fail "the example"
 
 echo "--- the installed program"
 if [[ -x $prefix/bin/nequar ]]; then

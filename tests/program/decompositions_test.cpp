@@ -35,7 +35,7 @@ Square transpose(Square a) {
 TEST(ProgramDecompositions, FactorsMultiplyToTheMatrix) {
     const Folder folder;
     constexpr int n = 4;
-    std::string text = "%%MatrixMarket matrix array real general\n4 4\n";
+    std::string text = kArray + "4 4\n";
     std::vector<double> a;
     for (int k = 0; k < n * n; ++k) {
         a.push_back((k * k * 7 + 3 * k) % 11 - 4);
@@ -81,8 +81,7 @@ TEST(ProgramDecompositions, FactorsMultiplyToTheMatrix) {
 
 TEST(ProgramDecompositions, ShapesThatAFormRefusesAreSaidWithTheLine) {
     const Folder folder;
-    const std::string wide =
-        folder.file("W.mtx", "%%MatrixMarket matrix array real general\n2 3\n1\n2\n3\n4\n5\n6\n");
+    const std::string wide = folder.file("W.mtx", kArray + "2 3\n1\n2\n3\n4\n5\n6\n");
     for (const std::vector<std::string>& command :
          {std::vector<std::string>{"qr", "--pivot"}, {"cod"}, {"hessenberg"}}) {
         std::vector<std::string> arguments = command;

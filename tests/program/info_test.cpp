@@ -33,38 +33,37 @@ TEST(ProgramInfo, ReadsCoordinateFilesOfEverySymmetry) {
     EXPECT_TRUE(contains(result.out, "none: not square"));
 
     // [[2, 3, 0], [3, 0, -5], [0, -5, 1]]
-    result = info_of(
-        "%%MatrixMarket matrix coordinate integer symmetric\n3 3 4\n"
-        "1 1 2\n2 1 3\n3 2 -5\n3 3 1\n");
+    result = info_of(kMatrix +
+                     "coordinate integer symmetric\n3 3 4\n"
+                     "1 1 2\n2 1 3\n3 2 -5\n3 3 1\n");
     expect_norms(result, 8, 8, std::sqrt(73.0), 5);
     EXPECT_EQ(number_after(result.out, "stored"), 4);
     EXPECT_EQ(number_after(result.out, "nonzero"), 6);
 
-    result =
-        info_of("%%MatrixMarket matrix coordinate real skew-symmetric\n3 3 2\n2 1 3\n3 1 -5\n");
+    result = info_of(kMatrix + "coordinate real skew-symmetric\n3 3 2\n2 1 3\n3 1 -5\n");
     expect_norms(result, 8, 8, std::sqrt(68.0), 5);
     EXPECT_TRUE(contains(result.out, "symmetry    skew-symmetric")) << result.out;
 
-    result = info_of("%%MatrixMarket matrix coordinate pattern general\n2 2 2\n1 1\n2 1\n");
+    result = info_of(kMatrix + "coordinate pattern general\n2 2 2\n1 1\n2 1\n");
     expect_norms(result, 2, 1, std::sqrt(2.0), 1);
     EXPECT_TRUE(contains(result.out, "symmetry    unsymmetric")) << result.out;
 }
 
 TEST(ProgramInfo, ReadsArraysDownTheirColumns) {
     // [[1, 3], [2, 4], [0, -5]]
-    Answer result = info_of("%%MatrixMarket matrix array real general\n3 2\n1\n2\n0\n3\n4\n-5\n");
+    Answer result = info_of(kArray + "3 2\n1\n2\n0\n3\n4\n-5\n");
     expect_norms(result, 12, 6, std::sqrt(55.0), 5);
     EXPECT_EQ(number_after(result.out, "nonzero"), 5);
     // [[1, 2, 3], [2, 4, 5], [3, 5, 6]]
-    result = info_of("%%MatrixMarket matrix array real symmetric\n3 3\n1\n2\n3\n4\n5\n6\n");
+    result = info_of(kSymmetric + "3 3\n1\n2\n3\n4\n5\n6\n");
     expect_norms(result, 14, 14, std::sqrt(129.0), 6);
     // [[0, -1, -2], [1, 0, -3], [2, 3, 0]]
-    result = info_of("%%MatrixMarket matrix array integer skew-symmetric\n3 3\n1\n2\n3\n");
+    result = info_of(kMatrix + "array integer skew-symmetric\n3 3\n1\n2\n3\n");
     expect_norms(result, 5, 5, std::sqrt(28.0), 3);
 }
 
 TEST(ProgramInfo, FindsTheSymmetryOfTheValues) {
-    const std::string general = "%%MatrixMarket matrix coordinate real general\n";
+    const std::string general = kReal;
     const auto symmetry = [&](const std::string& text, const char* expected) {
         const Answer result = info_of(general + text);
         EXPECT_TRUE(contains(result.out, std::string("symmetry    ") + expected + "\n"))
@@ -78,7 +77,7 @@ TEST(ProgramInfo, FindsTheSymmetryOfTheValues) {
 }
 
 TEST(ProgramInfo, NormsNeitherOverflowNorUnderflow) {
-    const std::string array = "%%MatrixMarket matrix array real general\n2 1\n";
+    const std::string array = kArray + "2 1\n";
     EXPECT_NEAR(number_after(info_of(array + "3e300\n4e300\n").out, "norm F"), 5e300, 1e286);
     EXPECT_NEAR(number_after(info_of(array + "3e-300\n4e-300\n").out, "norm F"), 5e-300, 1e-314);
 }

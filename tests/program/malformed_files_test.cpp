@@ -8,10 +8,6 @@
 namespace program_test {
 namespace {
 
-const std::string kReal = "%%MatrixMarket matrix coordinate real general\n";
-const std::string kSymmetric = "%%MatrixMarket matrix coordinate real symmetric\n";
-const std::string kArray = "%%MatrixMarket matrix array real general\n";
-
 struct Malformed {
     std::string text;
     int line;
@@ -26,14 +22,14 @@ const Malformed kMalformed[] = {
                  "ELF\x01\0\0\xff",
                  8),
      1, "no Matrix Market file"},
-    {"%%MatrixMarket matrix coordinate real\n", 1, "the banner must be"},
+    {kMatrix + "coordinate real\n", 1, "the banner must be"},
     {"%%MatrixMarket vector coordinate real general\n", 1, "\"vector\""},
-    {"%%MatrixMarket matrix dense real general\n", 1, "\"dense\""},
-    {"%%MatrixMarket matrix array complex general\n1 1\n1 0\n", 1, "complex"},
-    {"%%MatrixMarket matrix array real hermitian\n", 1, "hermitian"},
-    {"%%MatrixMarket matrix array quaternion general\n", 1, "\"quaternion\""},
-    {"%%MatrixMarket matrix array real odd\n", 1, "\"odd\""},
-    {"%%MatrixMarket matrix array pattern general\n", 1, "pattern"},
+    {kMatrix + "dense real general\n", 1, "\"dense\""},
+    {kMatrix + "array complex general\n1 1\n1 0\n", 1, "complex"},
+    {kMatrix + "array real hermitian\n", 1, "hermitian"},
+    {kMatrix + "array quaternion general\n", 1, "\"quaternion\""},
+    {kMatrix + "array real odd\n", 1, "\"odd\""},
+    {kMatrix + "array pattern general\n", 1, "pattern"},
     // the sizes
     {kReal + "% only a comment\n\n", 3, "ends before the line with the sizes"},
     {kReal + "2 2\n", 2, "height width elements"},
@@ -47,8 +43,8 @@ const Malformed kMalformed[] = {
     {kReal + "2 2 -1\n", 2, "not a number of elements"},
     {kReal + "2 2 5\n", 2, "more than the 4"},
     {kReal + "2 2 99999999999999999999999\n", 2, "more than the 4"},
-    {kSymmetric + "3 3 7\n", 2, "more than the 6"},
-    {kSymmetric + "3 2 1\n", 2, "must be square"},
+    {kRealSymmetric + "3 3 7\n", 2, "more than the 6"},
+    {kRealSymmetric + "3 2 1\n", 2, "must be square"},
     // the elements
     {kReal + "2 2 3\n1 1 1\n2 2 1\n", 4, "ends after 2 of 3 elements"},
     {kArray + "2 2\n1\n2\n3\n", 5, "ends after 3 of 4 elements"},
@@ -70,15 +66,13 @@ const Malformed kMalformed[] = {
     {kReal + "1 1 1\n1 1 -Inf\n", 3, "\"-Inf\" is not a finite number"},
     {kReal + "1 1 1\n1 1 1e400\n", 3, "does not fit double precision"},
     {kReal + "1 1 1\n1 1 -1e99999999999999999999\n", 3, "does not fit"},
-    {"%%MatrixMarket matrix coordinate integer general\n1 1 1\n1 1 1.5\n", 3,
-     "\"1.5\" is not an integer"},
+    {kMatrix + "coordinate integer general\n1 1 1\n1 1 1.5\n", 3, "\"1.5\" is not an integer"},
     {kReal + "1 1 1\n1 1 \x01\xff\n", 3, "\"\\x01\\xff\" is not a number"},
     {kReal + "1 1 1\n1 1 1 7\n", 3, "\"7\" stands after the element"},
     {kArray + "1 1\n1 2\n", 3, "\"2\" stands after the value"},
     {kReal + "2 2 3\n2 2 1\n1 1 1\n2 2 5\n", 5, "given before, on line 3"},
-    {kSymmetric + "2 2 1\n1 2 1\n", 3, "above the diagonal"},
-    {"%%MatrixMarket matrix coordinate real skew-symmetric\n2 2 1\n1 1 1\n", 3,
-     "on or above the diagonal"},
+    {kRealSymmetric + "2 2 1\n1 2 1\n", 3, "above the diagonal"},
+    {kMatrix + "coordinate real skew-symmetric\n2 2 1\n1 1 1\n", 3, "on or above the diagonal"},
     {kReal + "% " + std::string(100000, 'x') + "\n", 2, "longer than"},
 };
 

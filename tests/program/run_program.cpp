@@ -1,10 +1,12 @@
 #include "program/run_program.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -113,6 +115,13 @@ std::vector<double> values_of(const std::string& path) {
     std::vector<double> values;
     for (double value = 0; file >> value;) values.push_back(value);
     return values;
+}
+
+void expect_values(const std::vector<double>& found, const std::vector<double>& expected,
+                   double bound) {
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i)
+        EXPECT_LT(std::fabs(found[i] - expected[i]), bound) << "element " << i;
 }
 
 }  // namespace program_test

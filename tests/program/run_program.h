@@ -55,4 +55,15 @@ bool contains(const std::string& text, const std::string& part);
 // The values of an array file, without any check; for files that nequar wrote.
 std::vector<double> values_of(const std::string& path);
 
+// As many values as expected, each within the bound.
+void expect_values(const std::vector<double>& found, const std::vector<double>& expected,
+                   double bound);
+
+// The banners of Matrix Market files.
+inline const std::string kMatrix = "%%MatrixMarket matrix ";
+inline const std::string kReal = kMatrix + "coordinate real general\n";
+inline const std::string kRealSymmetric = kMatrix + "coordinate real symmetric\n";
+inline const std::string kArray = kMatrix + "array real general\n";
+inline const std::string kSymmetric = kMatrix + "array real symmetric\n";
+
 }  // namespace program_test

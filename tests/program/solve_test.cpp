@@ -13,9 +13,6 @@
 namespace program_test {
 namespace {
 
-const std::string kReal = "%%MatrixMarket matrix coordinate real general\n";
-const std::string kArray = "%%MatrixMarket matrix array real general\n";
-
 std::vector<double> solution_of(const Folder& folder, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "solve");
     arguments.insert(arguments.end(), {"-o", folder / "x.mtx"});
@@ -24,18 +21,10 @@ std::vector<double> solution_of(const Folder& folder, std::vector<std::string> a
     return values_of(folder / "x.mtx");
 }
 
-void expect_values(const std::vector<double>& found, const std::vector<double>& expected,
-                   double bound) {
-    ASSERT_EQ(found.size(), expected.size());
-    for (std::size_t i = 0; i < found.size(); ++i)
-        EXPECT_LT(std::fabs(found[i] - expected[i]), bound) << "element " << i;
-}
-
 TEST(ProgramSolve, EveryMethodSolvesInBothPrecisions) {
     const Folder folder;
     // [[4, 2, 1], [2, 5, 2], [1, 2, 6]] x = b, x = (1, -2, 3)
-    const std::string a =
-        folder.file("A.mtx", "%%MatrixMarket matrix array real symmetric\n3 3\n4\n2\n1\n5\n2\n6\n");
+    const std::string a = folder.file("A.mtx", kSymmetric + "3 3\n4\n2\n1\n5\n2\n6\n");
     const std::string b = folder.file("b.mtx", kArray + "3 1\n3\n-2\n15\n");
     for (const char* method :
          {"auto", "lup", "lud", "llt", "uut", "gje", "qrd", "qld", "rqd", "lqd"}) {
@@ -53,7 +42,7 @@ TEST(ProgramSolve, SeveralRightHandSidesNoneAndSkewSymmetricFiles) {
     expect_values(solution_of(folder, {a}), {0.375, 0.25}, 1e-15);
     for (const char* text : {"coordinate real skew-symmetric\n2 2 1\n2 1 2\n",
                              "array real skew-symmetric\n2 2\n2\n"}) {
-        const std::string skew = folder.file("S.mtx", std::string("%%MatrixMarket matrix ") + text);
+        const std::string skew = folder.file("S.mtx", std::string(kMatrix) + text);
         expect_values(solution_of(folder, {skew}), {0.5, -0.5}, 1e-15);
     }
 }

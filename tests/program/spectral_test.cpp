@@ -10,16 +10,6 @@
 namespace program_test {
 namespace {
 
-const std::string kArray = "%%MatrixMarket matrix array real general\n";
-const std::string kSymmetric = "%%MatrixMarket matrix array real symmetric\n";
-
-void expect_near(const std::vector<double>& found, const std::vector<double>& expected,
-                 double bound) {
-    ASSERT_EQ(found.size(), expected.size());
-    for (std::size_t i = 0; i < found.size(); ++i)
-        EXPECT_LT(std::fabs(found[i] - expected[i]), bound) << "element " << i;
-}
-
 TEST(ProgramSpectral, ValuesAreTheKnownOnes) {
     const Folder folder;
     // singular values 5 and 3 (Golub and Van Loan's example by hand): A A' = [17 8; 8 17]
@@ -50,8 +40,8 @@ TEST(ProgramSpectral, ValuesAreTheKnownOnes) {
             const Answer result = nequar(arguments);
             ASSERT_EQ(result.status, 0) << result.err;
             const double bound = in_float ? 1e-5 : 1e-14;
-            expect_near(values_of(folder / ("f_" + std::string(one.values) + ".mtx")), one.expected,
-                        bound);
+            expect_values(values_of(folder / ("f_" + std::string(one.values) + ".mtx")),
+                          one.expected, bound);
             if (contains(result.out, "residual")) {
                 EXPECT_LT(number_after(result.out, "residual"), bound);
             }
@@ -71,7 +61,7 @@ TEST(ProgramSpectral, SubspacesAndRanks) {
     if (null[0] < 0)
         for (double& element : null) element = -element;
     const double part = 1 / std::sqrt(3);
-    expect_near(null, {part, part, -part}, 1e-15);
+    expect_values(null, {part, part, -part}, 1e-15);
     EXPECT_EQ(nequar({"range", a, "-o", folder / "f"}).status, 0);
     EXPECT_EQ(values_of(folder / "f_R.mtx").size(), 4U);
     const std::string regular = folder.file("R.mtx", kArray + "1 1\n2\n");

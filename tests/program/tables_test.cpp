@@ -10,17 +10,13 @@
 namespace program_test {
 namespace {
 
-const std::string kReal = "%%MatrixMarket matrix coordinate real general\n";
-
 TEST(ProgramSparse, TransposesAndAdds) {
     const Folder folder;
     const std::string a = folder.file("A.mtx", kReal + "2 3 3\n2 3 5\n1 1 2\n2 1 -1\n");
     EXPECT_EQ(nequar({"transpose", a, "-o", folder / "T.mtx"}).status, 0);
-    EXPECT_EQ(values_of(folder / "T.mtx"),
-              (std::vector<double>{1, 1, 2, 1, 2, -1, 3, 2, 5}));
+    EXPECT_EQ(values_of(folder / "T.mtx"), (std::vector<double>{1, 1, 2, 1, 2, -1, 3, 2, 5}));
     EXPECT_EQ(nequar({"add", a, a, "--weight", "-0.5", "-o", folder / "S.mtx"}).status, 0);
-    EXPECT_EQ(values_of(folder / "S.mtx"),
-              (std::vector<double>{1, 1, 1, 2, 1, -0.5, 2, 3, 2.5}));
+    EXPECT_EQ(values_of(folder / "S.mtx"), (std::vector<double>{1, 1, 1, 2, 1, -0.5, 2, 3, 2.5}));
     const Answer result = nequar({"add", a, folder / "T.mtx", "-o", folder / "X.mtx"});
     EXPECT_EQ(result.status, 2);
     EXPECT_TRUE(contains(result.err, "T.mtx:3: B must be 2 x 3")) << result.err;
@@ -28,10 +24,7 @@ TEST(ProgramSparse, TransposesAndAdds) {
 
 TEST(ProgramSparse, InfoAndSelfTest) {
     const Folder folder;
-    const std::string a =
-        folder.file("A.mtx",
-                    "%%MatrixMarket matrix coordinate real symmetric\n3 3 2\n2 1 3\n3 3 "
-                    "-4\n");
+    const std::string a = folder.file("A.mtx", kRealSymmetric + "3 3 2\n2 1 3\n3 3 -4\n");
     const Answer result = nequar({"sparse-info", a, "--plot", folder / "p.svg"});
     EXPECT_EQ(number_after(result.out, "stored"), 3);
     EXPECT_LT(std::fabs(number_after(result.out, "norm F") - std::sqrt(34)), 1e-13);
@@ -67,10 +60,8 @@ TEST(ProgramTables, StatisticsComponentsAndDensities) {
 
 TEST(ProgramTables, StructuredSystems) {
     const Folder folder;
-    const std::string r =
-        folder.file("r.mtx", "%%MatrixMarket matrix array real general\n3 1\n2\n1\n0\n");
-    const std::string b =
-        folder.file("b.mtx", "%%MatrixMarket matrix array real general\n3 1\n4\n8\n8\n");
+    const std::string r = folder.file("r.mtx", kArray + "3 1\n2\n1\n0\n");
+    const std::string b = folder.file("b.mtx", kArray + "3 1\n4\n8\n8\n");
     EXPECT_EQ(nequar({"toeplitz", "solve", r, b, "-o", folder / "f"}).status, 0);
     EXPECT_EQ(values_of(folder / "f_x.mtx").size(), 3U);
     EXPECT_LT(number_after(nequar({"toeplitz", "inverse", r}).out, "residual"), 1e-15);

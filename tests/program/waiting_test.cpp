@@ -14,8 +14,6 @@
 namespace program_test {
 namespace {
 
-const std::string kArray = "%%MatrixMarket matrix array real general\n";
-
 // What arrives at a descriptor until it holds `part` or five seconds have passed.
 std::string read_until(int descriptor, const std::string& part) {
     std::string text;

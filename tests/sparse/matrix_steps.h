@@ -5,27 +5,19 @@
 
 namespace sparse_test {
 
-inline constexpr int kLargest = 7;  // of the sizes
-
-// Two matrices with their mirrors; a is worked on, b is the other operand.
 template <class Real>
-struct Matrices {
+struct Matrices : Operands<nequar::SparseMatrix<Real>, Real> {
+    using Base = Operands<nequar::SparseMatrix<Real>, Real>;
     using Sparse = nequar::SparseMatrix<Real>;
-
-    Dice dice;
-    Sparse a, b;
-    Mirror<Real> ma, mb;
+    using Base::a, Base::b, Base::dice, Base::ma, Base::mb;
 
     void renew(Sparse& s, Mirror<Real>& m) {
         m = random_mirror<Real>(dice, dice(1, kLargest), dice(1, kLargest));
         s = matrix_of(m);
     }
-    void make_b_like_a() {
-        mb = random_mirror<Real>(dice, ma.height, ma.width);
-        b = matrix_of(mb);
-    }
+    void renew() { renew(a, ma); }
+    const Mirror<Real>& whole() const { return ma; }
 
-    // One operation on both; the return value of every operation has to be true.
     bool step() {
         const int h = ma.height;
         const int w = ma.width;
@@ -33,41 +25,16 @@ struct Matrices {
         const int y = dice(0, h - 1);
         const int dx = dice(1, w - x);
         const int dy = dice(1, h - y);
-        const Real v = dice.value<Real>();
+        const Real v = dice.template value<Real>();
         const bool itself = dice(0, 3) == 0;
         const Sparse* const other = itself ? &a : &b;
-        if (!itself && (mb.height != h || mb.width != w)) make_b_like_a();
+        if (!itself && (mb.height != h || mb.width != w)) {
+            mb = random_mirror<Real>(dice, h, w);
+            b = matrix_of(mb);
+        }
         const Mirror<Real>& mother = itself ? ma : mb;
-        switch (dice(0, 21)) {
-            case 0:
-                renew(b, mb);
-                return true;
-            case 1:
-            case 2:
-            case 3:
-                ma.set(x, y, v);
-                return a.se(x, y, v);
-            case 4:
-                ma.set(x, y, v);
-                return a.ace(x, y, v);
-            case 5:
-                ma.remove_zeros();
-                return a.rze();
-            case 6:
-                ma.add(mother, Real(1));
-                return a.amm(other);
-            case 7:
-                ma.add(mother, v);
-                return a.ammw(other, v);
-            case 8:
-                ma.add(mother, Real(-1));
-                return a.smm(other);
-            case 9:
-                ma.multiply(mother);
-                return a.mmme(other);
-            case 10:
-                ma.scale(v);
-                return a.mmc(v);
+        const int which = dice(0, 21);
+        switch (which) {
             case 11:
                 ma = ma.transposed();
                 return a.t(&a);
@@ -123,9 +90,14 @@ struct Matrices {
                 std::swap(ma, mb);
                 std::swap(a, b);
                 return true;
-            default:
+            case 10:
+                renew(b, mb);
+                return true;
+            case 21:
                 return a.sb(0, 0, &a) && a.mbs(dice(0, 3)) && (a = a * Real(1), true) &&
                        a == matrix_of(ma);
+            default:
+                return Base::shared(which, x, y, v, other, mother);
         }
     }
 };

@@ -3,15 +3,23 @@
 // column.
 #pragma once
 
+#include <algorithm>
+#include <functional>
+#include <initializer_list>
 #include <map>
 #include <random>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/sparse.h"
+#include "support/chain.h"
+#include "support/twins.h"
 
 namespace sparse_test {
+
+using nequar::test::fails_with;
 
 template <class Real>
 struct Mirror {
@@ -149,7 +157,7 @@ std::string fault_of(const nequar::SparseVector<Real>& s, const Mirror<Real>& m)
 // lowest.
 class Dice {
 public:
-    explicit Dice(unsigned seed) : engine_(seed) {}
+    explicit Dice(unsigned seed = 1) : engine_(seed) {}
     Dice(const unsigned char* bytes, std::size_t count)
         : bytes_(bytes), end_(bytes + count), has_bytes_(true) {}
 
@@ -206,16 +214,114 @@ nequar::SparseVector<Real> vector_of(const Mirror<Real>& m) {
 // The failures of the last failing call, innermost first, as "method: detail" joined by " | ".
 template <class Object>
 std::string failures_of(Object& object) {
-    const std::string trace = object.gft_Get_Failure_Trace().c_str();
+    std::string text = nequar::test::records_of(object);
     object.cr_Clear_Record();
-    std::string text;
-    for (std::size_t at = 0; at < trace.size();) {
-        const std::size_t end = std::min(trace.find('\n', at), trace.size());
-        const std::string line = trace.substr(at, end - at);
-        text += (text.empty() ? "" : " | ") + line.substr(line.find("::") + 2);
-        at = end + 1;
-    }
+    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos;)
+        text.replace(at, 1, " | ");
     return text;
+}
+
+// Every call fails with these records and leaves the object as it was.
+template <class Object>
+void expect_failures(Object& object,
+                     const std::vector<std::pair<std::string, std::function<bool()>>>& calls) {
+    const Object before = object;
+    for (const auto& [failures, call] : calls) {
+        EXPECT_FALSE(call()) << failures;
+        EXPECT_EQ(failures_of(object), failures);
+        EXPECT_TRUE(object == before && object.nee() == before.nee() &&
+                    object.sbs() == before.sbs())
+            << failures;
+    }
+}
+
+template <class T>
+nequar::GrowableVector<T> growable(std::initializer_list<T> list) {
+    nequar::GrowableVector<T> g;
+    for (const T v : list) g.ae_Append_Element(v);
+    return g;
+}
+inline CNqVectorInt ints(std::initializer_list<int> list) {
+    CNqVectorInt v;
+    v.c_Create(static_cast<int>(list.size()));
+    std::copy(list.begin(), list.end(), v.p());
+    return v;
+}
+
+inline constexpr int kLargest = 7;  // of the sizes
+
+// A matrix that is worked on, another operand, and their mirrors.
+template <class Sparse, class Real>
+struct Operands {
+    Dice dice;
+    Sparse a, b;
+    Mirror<Real> ma, mb;
+
+    // One of the operations that general and symmetric matrices share, on element (x, y) or with
+    // another matrix and its mirror; the return value of each has to be true. Symmetric matrices
+    // store an element below the diagonal, whichever side it is named from.
+    bool shared(int which, int x, int y, Real v, const Sparse* other, const Mirror<Real>& mother) {
+        const auto set = [&] {
+            if constexpr (std::is_same_v<Sparse, nequar::SparseSymmetricMatrix<Real>>)
+                ma.set(std::min(x, y), std::max(x, y), v);
+            else
+                ma.set(x, y, v);
+        };
+        switch (which) {
+            case 0:
+                set();
+                return a.ace(x, y, v);
+            case 1:
+                ma.remove_zeros();
+                return a.rze();
+            case 2:
+                ma.add(mother, Real(1));
+                return a.amm(other);
+            case 3:
+                ma.add(mother, v);
+                return a.ammw(other, v);
+            case 4:
+                ma.add(mother, Real(-1));
+                return a.smm(other);
+            case 5:
+                ma.multiply(mother);
+                return a.mmme(other);
+            case 6:
+                ma.scale(v);
+                return a.mmc(v);
+            default:
+                set();
+                return a.se(x, y, v);
+        }
+    }
+};
+
+// A hundred thousand steps, in episodes of forty that begin with a renewed matrix. After each step
+// the storage is in order and what is read is the whole matrix. Looking at the start pointers keeps
+// them up to date from then on: in every second episode only copies are looked at, and not after
+// each step.
+template <class Sequence>
+void expect_sequence(Sequence& m, float largest_magnitude) {
+    bool looks_at_copies = false;
+    for (int step = 0; step < 100000; ++step) {
+        SCOPED_TRACE(step);
+        if (step % 40 == 0 || m.ma.largest_magnitude() > largest_magnitude) {
+            looks_at_copies = step % 80 < 40;
+            m.a = {};
+            m.renew();
+        }
+        ASSERT_TRUE(m.step()) << failures_of(m.a);
+        if (looks_at_copies && m.dice(0, 3) != 0) continue;
+        const auto copy = m.a;
+        ASSERT_EQ(fault_of(looks_at_copies ? copy : m.a, m.ma), "");
+        ASSERT_EQ(fault_of(m.b, m.mb), "");
+        const auto whole = m.whole();
+        auto value = whole.at(0, 0);
+        for (int x = 0; x < whole.width; ++x)
+            for (int y = 0; y < whole.height; ++y)
+                ASSERT_TRUE(m.a.ge(x, y, &value) && value == whole.at(x, y));
+    }
+    EXPECT_EQ(failures_of(m.a), "");
 }
 
 }  // namespace sparse_test

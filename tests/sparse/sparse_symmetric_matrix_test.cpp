@@ -1,22 +1,18 @@
 // The symmetric matrix: failures with their chains, the tester, large dense halves, extreme values,
 // counts out of step, self-tests.
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cmath>
 #include <functional>
 #include <limits>
 
 #include "sparse/mirror.h"
+#include "support/twins.h"
 
 namespace {
 
 using namespace sparse_test;
 
-template <class Real>
-class SparseSymmetric : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(SparseSymmetric, Reals);
+TWINS(SparseSymmetric);
 
 template <class Real>
 using Symmetric = nequar::SparseSymmetricMatrix<Real>;
@@ -30,24 +26,20 @@ Symmetric<Real> sample() {
     return s;
 }
 
+// Compressed columns; the value in row r is r + 1.
 template <class Real>
 struct Arrays {
     nequar::GrowableVector<Real> values;
     CNqXvectorInt rows;
     CNqVectorInt start;
 
-    Arrays(std::initializer_list<int> row_numbers, std::initializer_list<int> pointers) {
-        for (const int r : row_numbers) {
-            rows.ae_Append_Element(r);
-            values.ae_Append_Element(Real(r + 1));
-        }
-        start.c_Create(static_cast<int>(pointers.size()));
-        std::copy(pointers.begin(), pointers.end(), start.p());
+    Arrays(std::initializer_list<int> row_numbers, std::initializer_list<int> pointers)
+        : rows(growable(row_numbers)), start(ints(pointers)) {
+        for (const int r : row_numbers) values.ae_Append_Element(Real(r + 1));
     }
 };
 
-TYPED_TEST(SparseSymmetric, Tester) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, Tester) {
     const struct {
         int n;
         Arrays<Real> arrays;
@@ -81,12 +73,11 @@ TYPED_TEST(SparseSymmetric, Tester) {
     Arrays<Real> uneven({0}, {0, 1});
     uneven.values.ae_Append_Element(Real(1));
     Symmetric<Real> s;
-    EXPECT_FALSE(s.tip(1, &uneven.values, &uneven.rows, &uneven.start));
-    EXPECT_STREQ(s.ged_Get_Error_Detail().c_str(), "bad row-index 0");
+    EXPECT_TRUE(
+        fails_with(s, "bad row-index 0", s.tip(1, &uneven.values, &uneven.rows, &uneven.start)));
 }
 
-TYPED_TEST(SparseSymmetric, FailuresLeaveEverythingAsItWas) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, FailuresLeaveEverythingAsItWas) {
     using Matrix = Symmetric<Real>;
     Matrix small;
     nequar::SparseVector<Real> v;
@@ -96,72 +87,61 @@ TYPED_TEST(SparseSymmetric, FailuresLeaveEverythingAsItWas) {
     dense.c_Create(2, 3, Real(1));
     oblong.czm(2, 3, 1);
     Real value = 7;
-    const struct {
-        const char* chain;
-        std::function<bool(Matrix&)> call;
-    } cases[] = {
-        {"czm_Create_Zero_Matrix: number_of_expected_non_zero_elements<0",
-         [](Matrix& s) { return s.czm(0, -1); }},
-        {"czm_Create_Zero_Matrix: bad matrix size", [](Matrix& s) { return s.czm(0, 0); }},
-        {"czm_Create_Zero_Matrix: bad matrix size", [](Matrix& s) { return s.czm(INT_MAX, 0); }},
-        {"cim_Create_Identity_Matrix: matrix_width_or_height <= 0",
-         [](Matrix& s) { return s.cim(0, -1); }},
-        {"cim_Create_Identity_Matrix: number_of_expected_non_zeros < matrix_width_or_height",
-         [](Matrix& s) { return s.cim(1, -1); }},
-        {"cim_Create_Identity_Matrix: czm", [](Matrix& s) { return s.cim(2, INT_MAX); }},
-        {"ivip_Is_Valid_Index_for_Pixel: y>=height | ge_Get_Element: bad index",
-         [&](Matrix& s) { return s.ge(4, 0, &value) || value != Real(0); }},
-        {"ivip_Is_Valid_Index_for_Pixel: x<0 | se_Set_Element: bad index",
-         [](Matrix& s) { return s.se(0, -1, Real(1)); }},
-        {"ivip_Is_Valid_Index_for_Pixel: y>=height | ace_Add_Constant_to_an_Element: bad index",
-         [](Matrix& s) { return s.ace(0, 4, Real(1)); }},
-        {"im_Import: 1", [&](Matrix& s) { return s.im(&dense, true, &dense); }},
-        {"im_Import: 4", [&](Matrix& s) { return s.im(&oblong, false, nullptr); }},
-        {"ivrc_Is_Valid_Range_for_Column: (y+dy)>height | gc_Get_Column: bad index range",
-         [&](Matrix& s) { return s.gc(0, 2, INT_MAX, &v); }},
-        {"ivrc_Is_Valid_Range_for_Column: x>=width | gc_Get_Column: bad index range | gr_Get_Row: "
-         "1",
-         [&](Matrix& s) { return s.gr(0, 4, 1, &v); }},
-        {"ivrb_Is_Valid_Range_for_Block: dx<=0 | gb_Get_Block: 1",
-         [&](Matrix& s) { return s.gb(0, 0, 0, 1, &general); }},
-        {"mvva_Multiply_Vector_Vector_and_Accumulate: dim1!=hh",
-         [&](Matrix& s) { return s.mvva(&v); }},
-        {"amm_Add_Matrix_Matrix: different dimensions", [&](Matrix& s) { return s.amm(&small); }},
-        {"ammw_Add_Matrix_Matrix_with_Weight: different dimensions",
-         [&](Matrix& s) { return s.ammw(&small, Real(2)); }},
-        {"smm_Subtract_Matrix_Matrix: different dimensions",
-         [&](Matrix& s) { return s.smm(&small); }},
-        {"mmme_Multiply_Matrix_Matrix_Elementwise: different dimensions",
-         [&](Matrix& s) { return s.mmme(&small); }},
-        {"mse_Mean_Squared_Error: different width or height",
-         [&](Matrix& s) { return s.mse(&small) != Real(0); }},
-        {"operator/=: divide by zero", [](Matrix& s) { return s /= Real(0); }},
-        {"operator/: divide by zero",
-         [](Matrix& s) { return (s / Real(0)).nee() != 0 || (s / Real(0)).mh() != 4; }},
-        {"z_cne_Change_Number_of_Elements: 1", [](Matrix& s) { return s.z_cne(-1); }},
-        {"mbs_Modify_Blank_Space: 1", [](Matrix& s) { return s.mbs(-1); }},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.chain);
-        auto s = sample<Real>();
-        EXPECT_FALSE(c.call(s));
-        EXPECT_EQ(failures_of(s), c.chain);
-        EXPECT_TRUE(s == sample<Real>());
-        EXPECT_EQ(s.nee(), 3);
-    }
+    auto s = sample<Real>();
+    expect_failures<Matrix>(
+        s,
+        {
+            {"czm_Create_Zero_Matrix: number_of_expected_non_zero_elements<0",
+             [&] { return s.czm(0, -1); }},
+            {"czm_Create_Zero_Matrix: bad matrix size", [&] { return s.czm(0, 0); }},
+            {"czm_Create_Zero_Matrix: bad matrix size", [&] { return s.czm(INT_MAX, 0); }},
+            {"cim_Create_Identity_Matrix: matrix_width_or_height <= 0",
+             [&] { return s.cim(0, -1); }},
+            {"cim_Create_Identity_Matrix: number_of_expected_non_zeros < matrix_width_or_height",
+             [&] { return s.cim(1, -1); }},
+            {"cim_Create_Identity_Matrix: czm", [&] { return s.cim(2, INT_MAX); }},
+            {"ivip_Is_Valid_Index_for_Pixel: y>=height | ge_Get_Element: bad index",
+             [&] { return s.ge(4, 0, &value) || value != Real(0); }},
+            {"ivip_Is_Valid_Index_for_Pixel: x<0 | se_Set_Element: bad index",
+             [&] { return s.se(0, -1, Real(1)); }},
+            {"ivip_Is_Valid_Index_for_Pixel: y>=height | ace_Add_Constant_to_an_Element: bad index",
+             [&] { return s.ace(0, 4, Real(1)); }},
+            {"im_Import: 1", [&] { return s.im(&dense, true, &dense); }},
+            {"im_Import: 4", [&] { return s.im(&oblong, false, nullptr); }},
+            {"ivrc_Is_Valid_Range_for_Column: (y+dy)>height | gc_Get_Column: bad index range",
+             [&] { return s.gc(0, 2, INT_MAX, &v); }},
+            {"ivrc_Is_Valid_Range_for_Column: x>=width | gc_Get_Column: bad index range | "
+             "gr_Get_Row: "
+             "1",
+             [&] { return s.gr(0, 4, 1, &v); }},
+            {"ivrb_Is_Valid_Range_for_Block: dx<=0 | gb_Get_Block: 1",
+             [&] { return s.gb(0, 0, 0, 1, &general); }},
+            {"mvva_Multiply_Vector_Vector_and_Accumulate: dim1!=hh", [&] { return s.mvva(&v); }},
+            {"amm_Add_Matrix_Matrix: different dimensions", [&] { return s.amm(&small); }},
+            {"ammw_Add_Matrix_Matrix_with_Weight: different dimensions",
+             [&] { return s.ammw(&small, Real(2)); }},
+            {"smm_Subtract_Matrix_Matrix: different dimensions", [&] { return s.smm(&small); }},
+            {"mmme_Multiply_Matrix_Matrix_Elementwise: different dimensions",
+             [&] { return s.mmme(&small); }},
+            {"mse_Mean_Squared_Error: different width or height",
+             [&] { return s.mse(&small) != Real(0); }},
+            {"operator/=: divide by zero", [&] { return s /= Real(0); }},
+            {"operator/: divide by zero",
+             [&] { return (s / Real(0)).nee() != 0 || (s / Real(0)).mh() != 4; }},
+            {"z_cne_Change_Number_of_Elements: 1", [&] { return s.z_cne(-1); }},
+            {"mbs_Modify_Blank_Space: 1", [&] { return s.mbs(-1); }},
+        });
     // A dense matrix that no memory holds: the sparse outputs stay as they were.
     Matrix huge;
     ASSERT_TRUE(huge.czm(2000000, 1) && huge.se(1999999, 5, Real(2)));
-    EXPECT_FALSE(huge.ex(&general, &dense));
-    EXPECT_STREQ(huge.ged_Get_Error_Detail().c_str(), "1");
+    EXPECT_TRUE(fails_with(huge, "1", huge.ex(&general, &dense)));
     EXPECT_TRUE(huge.itze());
     EXPECT_GT(huge.m(), Real(0));
     EXPECT_LT(huge.m(), Real(2e-12));
     EXPECT_EQ(huge.nf(), std::sqrt(Real(8)));
 }
 
-TYPED_TEST(SparseSymmetric, LargeDenseHalves) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, LargeDenseHalves) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {63, 64, 65, 130, 600})
         for (const bool lower : {true, false}) {
@@ -193,8 +173,7 @@ TYPED_TEST(SparseSymmetric, LargeDenseHalves) {
         }
 }
 
-TYPED_TEST(SparseSymmetric, ExtremeValues) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, ExtremeValues) {
     const Real huge = std::numeric_limits<Real>::max() / 4;
     const Real tiny = std::numeric_limits<Real>::min() * 4;
     for (const Real v : {huge, tiny}) {
@@ -219,68 +198,44 @@ TYPED_TEST(SparseSymmetric, ExtremeValues) {
 }
 
 // The number of elements changed by itself: every operation stays inside the storage.
-TYPED_TEST(SparseSymmetric, CountsOutOfStep) {
-    using Real = TypeParam;
+TWIN_TEST(SparseSymmetric, CountsOutOfStep) {
     for (const int count : {0, 1, 2, 5, 40}) {
         const auto b = sample<Real>();
         const auto v = vector_of(Mirror<Real>{4, 1, {{{0, 1}, Real(1)}, {{0, 3}, Real(2)}}});
         nequar::SparseVector<Real> line;
         nequar::SparseMatrix<Real> general;
         nequar::Matrix<Real> dense;
-        for (int operation = 0; operation < 12; ++operation) {
+        Real value = 0;
+        int x = 0, y = 0;
+        const std::function<void(Symmetric<Real>&)> operations[] = {
+            [&](auto& s) { s.amm(&b); },
+            [&](auto& s) { s.smm(&s); },
+            [&](auto& s) { s.mmme(&b); },
+            [&](auto& s) { s.mvva(&v); },
+            [&](auto& s) { s.se(3, 0, Real(5)); },
+            [&](auto& s) { s.rze(); },
+            [&](auto& s) { s.gc(3, 0, 4, &line); },
+            [&](auto& s) { s.gb(1, 0, 3, 4, &general); },
+            [&](auto& s) { s.ex(&general, &dense); },
+            [&](auto& s) { s.maxmin(value, &x, &y); },
+            [&](auto& s) { s.mst(value); },
+            [&](auto& s) { s.nf(); },
+            [&](auto& s) { s.fize(x, y); },
+            [&](auto& s) { s.mse(&b); },
+            [&](auto& s) { s == b ? s.itze() : s.m(); },
+            [&](auto& s) { s = s * Real(2); }};
+        for (const auto& operation : operations) {
             auto s = sample<Real>();
             ASSERT_TRUE(s.mbs(60) && s.z_cne(count));
-            Real value = 0;
-            int x = 0, y = 0;
-            switch (operation) {
-                case 0:
-                    s.amm(&b);
-                    break;
-                case 1:
-                    s.smm(&s);
-                    break;
-                case 2:
-                    s.mmme(&b);
-                    break;
-                case 3:
-                    s.mvva(&v);
-                    break;
-                case 4:
-                    s.se(3, 0, Real(5));
-                    break;
-                case 5:
-                    s.rze();
-                    break;
-                case 6:
-                    s.gc(3, 0, 4, &line);
-                    break;
-                case 7:
-                    s.gb(1, 0, 3, 4, &general);
-                    break;
-                case 8:
-                    s.ex(&general, &dense);
-                    break;
-                case 9:
-                    s.maxmin(value, &x, &y);
-                    s.mst(value);
-                    s.nf();
-                    s.fize(x, y);
-                    break;
-                case 10:
-                    s.mse(&b);
-                    s == b ? s.itze() : s.m();
-                    break;
-                default:
-                    s = s * Real(2);
-            }
+            operation(s);
             for (x = 0; x < 4; ++x)
                 for (y = 0; y < 4; ++y) EXPECT_TRUE(s.ge(x, y, &value));
         }
     }
 }
 
-TYPED_TEST(SparseSymmetric, SelfTests) {
-    using Matrix = Symmetric<TypeParam>;
+TWIN_TEST(SparseSymmetric, SelfTests) {
+    using Matrix = Symmetric<Real>;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     Matrix s;
@@ -326,10 +281,10 @@ TYPED_TEST(SparseSymmetric, SelfTests) {
               "u_tor_Test_Operations_for_Rows: 5 | u_tot_Test_Operations_Total: "
               "u_tor_Test_Operations_for_Rows");
 
-    nequar::Matrix<TypeParam> dense;
+    nequar::Matrix<Real> dense;
     for (int repetition = 0; repetition < 50; ++repetition) {
         EXPECT_TRUE(s.u_mrsm_Make_a_Random_Sparse_Matrix(6, 9, -1, 2, &s, &dense));
-        nequar::Matrix<TypeParam> exported;
+        nequar::Matrix<Real> exported;
         EXPECT_TRUE(s.ex(&exported) && exported == dense && s.nee() <= 9 && s.nee() > 0);
         EXPECT_TRUE(s.max() < 2 && s.min() >= -1);
     }

@@ -32,62 +32,35 @@ nequar::SparseSymmetricMatrix<Real> symmetric_of(const Mirror<Real>& m) {
 }
 
 template <class Real>
-struct Symmetrics {
+struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
+    using Base = Operands<nequar::SparseSymmetricMatrix<Real>, Real>;
     using Sparse = nequar::SparseSymmetricMatrix<Real>;
     using General = nequar::SparseMatrix<Real>;
-
-    Dice dice;
-    Sparse a, b;
-    Mirror<Real> ma, mb;
+    using Base::a, Base::b, Base::dice, Base::ma, Base::mb;
 
     void renew(Sparse& s, Mirror<Real>& m, int n) {
         m = lower_of(random_mirror<Real>(dice, n, n));
         s = symmetric_of(m);
     }
+    void renew() { renew(a, ma, dice(1, kLargest)); }
+    Mirror<Real> whole() const { return full_of(ma); }
 
-    // One operation on both; the return value of every operation has to be true.
+    // Every eighth step or so looks at the statistics, too.
     bool step() {
+        if (dice(0, 7) == 0 && fault_of_statistics() != "") return false;
         const int n = ma.height;
         const int x = dice(0, n - 1);
         const int y = dice(0, n - 1);
         const int dx = dice(1, n - x);
         const int dy = dice(1, n - y);
-        const Real v = dice.value<Real>();
+        const Real v = dice.template value<Real>();
         const bool itself = dice(0, 3) == 0;
         const bool lower = dice(0, 1) == 0;
         if (!itself && mb.height != n) renew(b, mb, n);
         const Sparse* const other = itself ? &a : &b;
         const Mirror<Real>& mother = itself ? ma : mb;
-        switch (dice(0, 18)) {
-            case 0:
-                renew(b, mb, n);
-                return true;
-            case 1:
-            case 2:
-            case 3:
-                ma.set(std::min(x, y), std::max(x, y), v);
-                return a.se(x, y, v);
-            case 4:
-                ma.set(std::min(x, y), std::max(x, y), v);
-                return a.ace(x, y, v);
-            case 5:
-                ma.remove_zeros();
-                return a.rze();
-            case 6:
-                ma.add(mother, Real(1));
-                return a.amm(other);
-            case 7:
-                ma.add(mother, v);
-                return a.ammw(other, v);
-            case 8:
-                ma.add(mother, Real(-1));
-                return a.smm(other);
-            case 9:
-                ma.multiply(mother);
-                return a.mmme(other);
-            case 10:
-                ma.scale(v);
-                return a.mmc(v);
+        const int which = dice(0, 18);
+        switch (which) {
             case 11: {
                 const auto u = random_mirror<Real>(dice, n, 1);
                 const auto us = vector_of(u);
@@ -140,11 +113,16 @@ struct Symmetrics {
                 ma.remove_zeros();
                 return a.im(&packed, itself ? nullptr : &dense) && dense == dense_of(full_of(ma));
             }
-            default:
+            case 18:
                 std::swap(ma, mb);
                 std::swap(a, b);
                 return a.mbs(dice(0, 3)) && (a = a * Real(2) / Real(2), true) &&
                        a == symmetric_of(ma);
+            case 10:
+                renew(b, mb, n);
+                return true;
+            default:
+                return Base::shared(which, x, y, v, other, mother);
         }
     }
 

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -10,6 +8,7 @@
 
 #include "statistics/statistics_support.h"
 #include "support/residual.h"
+#include "support/twins.h"
 
 namespace {
 
@@ -38,11 +37,8 @@ protected:
         }
     }
 };
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(GaussianGeneratorTest, Reals);
 
-TYPED_TEST(GaussianGeneratorTest, NumbersAreTheSamplesOfTheSecondInTheirOrder) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, NumbersAreTheSamplesOfTheSecondInTheirOrder) {
     auto& g = this->generator;
     EXPECT_STREQ(g.gcn_Get_Class_Name().c_str(),
                  (std::is_same_v<Real, double> ? "CNqRandom_Number_Generator_Advanced"
@@ -82,14 +78,14 @@ TYPED_TEST(GaussianGeneratorTest, NumbersAreTheSamplesOfTheSecondInTheirOrder) {
     EXPECT_TRUE(x.nee() == 3 && x[0] == Real(1) && x[2] == Real(4));
 }
 
-TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
     auto& g = this->generator;
     Real a[4] = {};
-    EXPECT_FALSE(g.gng_wzu(0, a));
-    EXPECT_EQ(test::records_of(g),
-              "gng_wzu_Generate_random_Numbers_Gaussian_White_Zero_mean_Unit_variance: array size "
-              "<= 0");
+    EXPECT_TRUE(fails_as(
+        g,
+        "gng_wzu_Generate_random_Numbers_Gaussian_White_Zero_mean_Unit_variance: array size "
+        "<= 0",
+        g.gng_wzu(0, a)));
     struct Row {
         double variance;
         int n, begin, end;
@@ -102,10 +98,9 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
                            {-1, 4, 3, 2, "bad size or indices"},
                            {-1, 4, 0, 4, "negative variance"},
                            {kNan, 4, 0, 4, "negative variance"}}) {
-        EXPECT_FALSE(
-            g.rng(Real(7), Real(row.variance), row.n, a, row.begin, row.end, nullptr, nullptr));
-        EXPECT_EQ(test::records_of(g),
-                  std::string("rng_Replace_random_Numbers_Gaussian: ") + row.detail);
+        EXPECT_TRUE(fails_as(
+            g, std::string("rng_Replace_random_Numbers_Gaussian: ") + row.detail,
+            g.rng(Real(7), Real(row.variance), row.n, a, row.begin, row.end, nullptr, nullptr)));
         EXPECT_EQ(a[0], Real(0));
     }
     Vector<Real> v;
@@ -113,20 +108,18 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
     EXPECT_FALSE(g.gng(Real(0), Real(1), -3, v));
     EXPECT_EQ(v.vs(), 1);
     EXPECT_EQ(detail_of(g), "bad size or indices");
-    EXPECT_FALSE(g.ang(Real(0), Real(-1), 3, x));
-    EXPECT_EQ(test::records_of(g),
-              "rng_Replace_random_Numbers_Gaussian: negative variance\n"
-              "gng_Generate_random_Numbers_Gaussian: negative variance\n"
-              "ang_Append_random_Numbers_Gaussian: gng");
+    EXPECT_TRUE(fails_as(g,
+                         "rng_Replace_random_Numbers_Gaussian: negative variance\n"
+                         "gng_Generate_random_Numbers_Gaussian: negative variance\n"
+                         "ang_Append_random_Numbers_Gaussian: gng",
+                         g.ang(Real(0), Real(-1), 3, x)));
     Matrix<Real> m;
     for (const auto& [dim, count] : {std::pair{0, 3}, {3, 0}, {-1, 1}}) {
-        EXPECT_FALSE(g.gvg_wzu(dim, count, true, m));
-        EXPECT_EQ(detail_of(g), "bad dimension or numbers");
+        EXPECT_TRUE(fails_with(g, "bad dimension or numbers", g.gvg_wzu(dim, count, true, m)));
     }
 }
 
-TYPED_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
     auto& g = this->generator;
     const int n = 5;
     Matrix<Real> dense;
@@ -153,16 +146,15 @@ TYPED_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
     }
     for (const auto& bad : {symmetric_of<Real>(2, {1, 2, 2, 1}), symmetric_of<Real>(1, {-1e-20}),
                             symmetric_of<Real>(2, {1, 0, 0, -1e-3})}) {
-        EXPECT_FALSE(g.ctl(bad, T));
-        EXPECT_EQ(test::records_of(g), "ctl_Compute_Transform_Linear: Not valid covariance matrix");
+        EXPECT_TRUE(fails_as(g, "ctl_Compute_Transform_Linear: Not valid covariance matrix",
+                             g.ctl(bad, T)));
     }
     for (const double x : {kNan, std::numeric_limits<double>::infinity()})
         EXPECT_FALSE(g.ctl(symmetric_of<Real>(2, {1, x, x, 1}), T)) << x;
 }
 
 // Both layouts, whole ranges and masked ones: what is chosen is T Z, what is not stays.
-TYPED_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAreWanted) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAreWanted) {
     auto& g = this->generator;
     const auto cov = symmetric_of<Real>(2, {4, 1.2, 1.2, 1});
     const auto mean = vector_of<Real>({100, -50});  // which shifts nothing
@@ -213,8 +205,7 @@ TYPED_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAr
     EXPECT_NEAR(spread[1][1], 1, 0.04);
 }
 
-TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     auto& g = this->generator;
     const auto cov = symmetric_of<Real>(2, {1, 0, 0, 1});
     const auto mean = vector_of<Real>({0, 0});
@@ -223,9 +214,8 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     const Matrix<Real> before = m;
     const auto refused = [&](const Vector<Real>& mu, bool by_column, int begin, int end,
                              const CNqVectorBool* chosen, const char* detail) {
-        EXPECT_FALSE(g.rvg(mu, cov, by_column, m, begin, end, chosen, nullptr));
-        EXPECT_EQ(test::records_of(g),
-                  std::string("rvg_Replace_random_Vectors_Gaussian: ") + detail);
+        EXPECT_TRUE(fails_as(g, std::string("rvg_Replace_random_Vectors_Gaussian: ") + detail,
+                             g.rvg(mu, cov, by_column, m, begin, end, chosen, nullptr)));
         EXPECT_TRUE(m == before);
     };
     refused(vector_of<Real>({0, 0, 0}), true, 0, 1, nullptr,
@@ -235,24 +225,23 @@ TYPED_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     refused(mean, true, -1, 2, &mask, "bad size or indices");
     refused(mean, true, 1, 1, nullptr, "bad size or indices");
     refused(mean, true, 0, 3, &mask, "size of <CNqVectorBool> is too small");
-    EXPECT_FALSE(g.rvg(mean, symmetric_of<Real>(2, {1, 2, 2, 1}), true, m, 0, 1, nullptr, nullptr));
-    EXPECT_EQ(test::records_of(g),
-              "ctl_Compute_Transform_Linear: Not valid covariance matrix\n"
-              "rvg_Replace_random_Vectors_Gaussian: ctl");
+    EXPECT_TRUE(fails_as(
+        g,
+        "ctl_Compute_Transform_Linear: Not valid covariance matrix\n"
+        "rvg_Replace_random_Vectors_Gaussian: ctl",
+        g.rvg(mean, symmetric_of<Real>(2, {1, 2, 2, 1}), true, m, 0, 1, nullptr, nullptr)));
     int replaced = -1;
     const auto none = mask_of({false, false, false});
     EXPECT_TRUE(g.rvg(mean, cov, true, m, 0, 3, &none, &replaced));
     EXPECT_TRUE(m == before && replaced == 0);
-    EXPECT_FALSE(g.gvg(vector_of<Real>({0, 0, 0}), cov, 4, true, m));
-    EXPECT_EQ(detail_of(g), "mismatch between mean and covariance");
+    EXPECT_TRUE(fails_with(g, "mismatch between mean and covariance",
+                           g.gvg(vector_of<Real>({0, 0, 0}), cov, 4, true, m)));
     EXPECT_TRUE(m.mh() == 3 && m.mw() == 4);
-    EXPECT_FALSE(g.gvg(mean, cov, 0, true, m));
-    EXPECT_EQ(detail_of(g), "bad size or indices");
+    EXPECT_TRUE(fails_with(g, "bad size or indices", g.gvg(mean, cov, 0, true, m)));
     EXPECT_TRUE(m.mh() == 2 && m.mw() == 1);
 }
 
-TYPED_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
-    using Real = TypeParam;
+TWIN_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     auto& g = this->generator;
     const auto cov = symmetric_of<Real>(2, {2, 1, 1, 2});
     const auto mean = vector_of<Real>({0, 0});
@@ -271,12 +260,11 @@ TYPED_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     ASSERT_TRUE(columns.nee() == 4 && rows.nee() == 4 && columns.vs() == 2 && rows.vs() == 2);
     for (int v = 0; v < 4; ++v)
         for (int k = 0; k < 2; ++k) EXPECT_NEAR((*c)[k][v], (*r)[v][k], 8 * test::kEpsilon<Real>);
-    EXPECT_FALSE(g.avg(vector_of<Real>({0}), cov, 4, rows));
-    EXPECT_EQ(detail_of(g), "mismatch between mean and covariance");
-    EXPECT_FALSE(g.avg(mean, cov, 0, rows));
-    EXPECT_EQ(detail_of(g), "gvg");
-    EXPECT_FALSE(g.avg(vector_of<Real>({0}), symmetric_of<Real>(1, {1}), 1, columns));
-    EXPECT_EQ(detail_of(g), "dimension mismatch");
+    EXPECT_TRUE(fails_with(g, "mismatch between mean and covariance",
+                           g.avg(vector_of<Real>({0}), cov, 4, rows)));
+    EXPECT_TRUE(fails_with(g, "gvg", g.avg(mean, cov, 0, rows)));
+    EXPECT_TRUE(fails_with(g, "dimension mismatch",
+                           g.avg(vector_of<Real>({0}), symmetric_of<Real>(1, {1}), 1, columns)));
 
     // Its own vectors, some of them, once more.
     const auto mask = mask_of({true, false, true, true});
@@ -294,13 +282,12 @@ TYPED_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     std::as_const(picked).z_gii(&p);
     ASSERT_TRUE(picked.nee() == 4 && picked.vs() == 2);
     for (int k = 0; k < 2; ++k) EXPECT_TRUE((*p)[k][1] == (*c)[k][2] && (*p)[k][3] == (*c)[k][3]);
-    EXPECT_FALSE(g.evv(columns, 0, 5, nullptr, picked));
-    EXPECT_EQ(detail_of(g), "bad size or indices");
+    EXPECT_TRUE(fails_with(g, "bad size or indices", g.evv(columns, 0, 5, nullptr, picked)));
     const auto few = mask_of({true});
     const char* const short_mask =
         "size of CNqVectorBool is less than in_last_index_of_range_plus_1";
-    EXPECT_FALSE(g.evv(columns, 0, 2, &few, picked));
-    EXPECT_EQ(test::records_of(g), std::string("evv_Extract_Valid_random_Vectors: ") + short_mask);
+    EXPECT_TRUE(fails_as(g, std::string("evv_Extract_Valid_random_Vectors: ") + short_mask,
+                         g.evv(columns, 0, 2, &few, picked)));
 
     const auto v = vector_of<Real>({1, 2, 3, 4});
     GrowableVector<Real> x;
@@ -311,10 +298,9 @@ TYPED_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
         ASSERT_TRUE(g.evn(x.nee(), x.p(), 0, x.nee(), nullptr, x));
     EXPECT_EQ(x.nee(), 96);
     EXPECT_EQ(x[93], Real(3));
-    EXPECT_FALSE(g.evn(v, 0, 2, &few, x));
-    EXPECT_EQ(test::records_of(g), std::string("evn_Extract_Valid_random_Numbers: ") + short_mask);
-    EXPECT_FALSE(g.evn(v, 2, 2, nullptr, x));
-    EXPECT_EQ(detail_of(g), "bad size or indices");
+    EXPECT_TRUE(fails_as(g, std::string("evn_Extract_Valid_random_Numbers: ") + short_mask,
+                         g.evn(v, 0, 2, &few, x)));
+    EXPECT_TRUE(fails_with(g, "bad size or indices", g.evn(v, 2, 2, nullptr, x)));
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 namespace statistics_test {
 
 using namespace nequar;
+using test::fails_as;
+using test::fails_with;
 using test::vector_of;
 
 inline CNqVectorBool mask_of(std::initializer_list<bool> values) {

@@ -1,5 +1,5 @@
-// Diagonal, symmetric and triangular matrices: every element, band, row and column, import and
-// export against a plain enumeration of what is stored, with packed element i = i + 1.
+// Diagonal, symmetric, triangular and band matrices: every element, band, row and column, import
+// and export against a plain enumeration of what is stored, with packed element i = i + 1.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,10 +20,11 @@ struct Enumerated {
     int height, width;
     std::vector<Position> stored = {};
     typename Kind::Packed packed = {};
+    int below = 0, above = 0;  // the bands of a band matrix
 
     // Where the element at column x and row y is stored; -1 where it is not.
     int index(int x, int y) const {
-        if (is_symmetric<Kind> && x > y) std::swap(x, y);
+        if (is_mirrored<Kind> && x > y) std::swap(x, y);
         for (std::size_t i = 0; i < stored.size(); ++i)
             if (stored[i].x == x && stored[i].y == y) return static_cast<int>(i);
         return -1;
@@ -38,20 +39,51 @@ struct Enumerated {
     }
 };
 
-// Every shape up to 7 x 7.
+// Band after band from the lowest sub-diagonal on, each by increasing min(x, y).
+std::vector<Position> band_positions(int height, int width, int p, int q) {
+    std::vector<Position> positions;
+    for (int d = -p; d <= q; ++d)
+        for (int i = 0; i < std::max(height, width); ++i) {
+            const Position at = {i + std::max(d, 0), i + std::max(-d, 0)};
+            if (at.x < width && at.y < height) positions.push_back(at);
+        }
+    return positions;
+}
+
+// Every shape up to 7 x 7, for bands with every width.
 template <class Kind, class Check>
 void for_every_shape(const Check& check) {
+    const auto numbered = [&check](Enumerated<Kind>& e) {
+        ASSERT_EQ(e.packed.vs(), static_cast<int>(e.stored.size()));
+        for (int i = 0; i < e.packed.vs(); ++i) e.packed[i] = typename Kind::Real(i + 1);
+        check(e);
+    };
     for (int height = 1; height <= 7; ++height)
         for (int width = 1; width <= 7; ++width) {
-            if (is_symmetric<Kind> && height != width) continue;
+            if (is_mirrored<Kind> && height != width) continue;
             SCOPED_TRACE(std::to_string(height) + " x " + std::to_string(width));
             Enumerated<Kind> e{height, width};
-            e.stored = stored_positions(is_lower<Kind> || is_symmetric<Kind>, height, width);
-            if (is_diagonal<Kind>) e.stored.resize(std::size_t(std::min(height, width)));
-            e.packed.c_Create(height, width);
-            ASSERT_EQ(e.packed.vs(), static_cast<int>(e.stored.size()));
-            for (int i = 0; i < e.packed.vs(); ++i) e.packed[i] = typename Kind::Real(i + 1);
-            check(e);
+            for (int p = 0; is_band<Kind> && p < height; ++p)
+                for (int q = 0; q < (is_mirrored<Kind> ? 1 : width); ++q) {
+                    SCOPED_TRACE("bands " + std::to_string(p) + ", " + std::to_string(q));
+                    if constexpr (is_band_symmetric<Kind>) {
+                        e.packed.c_Create(height, p);
+                        std::erase_if(e.stored = stored_positions(true, height, height),
+                                      [p](Position at) { return at.y - at.x > p; });
+                    } else if constexpr (is_band<Kind>) {
+                        e.packed.c_Create(height, width, p, q);
+                        e.stored = band_positions(height, width, p, q);
+                    }
+                    e.below = p;
+                    e.above = q;
+                    numbered(e);
+                }
+            if constexpr (!is_band<Kind>) {
+                e.stored = stored_positions(is_lower<Kind> || is_symmetric<Kind>, height, width);
+                if (is_diagonal<Kind>) e.stored.resize(std::size_t(std::min(height, width)));
+                e.packed.c_Create(height, width);
+                numbered(e);
+            }
         }
 }
 
@@ -59,12 +91,23 @@ template <class Kind>
 class Layout : public testing::Test {};
 template <class Kind>
 class LinesOfLayout : public testing::Test {};
+template <class Kind>
+class PackedLayout : public testing::Test {};
+template <class Kind>
+class ShortenedLayout : public testing::Test {};
 using Kinds = testing::Types<Diagonal, DiagonalFloat, Symmetric, SymmetricFloat, Lower, LowerFloat,
                              Upper, UpperFloat>;
+using AllKinds = testing::Types<Diagonal, DiagonalFloat, Symmetric, SymmetricFloat, Lower,
+                                LowerFloat, Upper, UpperFloat, Band<double>, Band<float>,
+                                BandSymmetric<double>, BandSymmetric<float>>;
 using KindsWithLines =
-    testing::Types<Symmetric, SymmetricFloat, Lower, LowerFloat, Upper, UpperFloat>;
-TYPED_TEST_SUITE(Layout, Kinds);
+    testing::Types<Symmetric, SymmetricFloat, Lower, LowerFloat, Upper, UpperFloat, Band<double>,
+                   Band<float>, BandSymmetric<double>, BandSymmetric<float>>;
+TYPED_TEST_SUITE(Layout, AllKinds);
 TYPED_TEST_SUITE(LinesOfLayout, KindsWithLines);
+TYPED_TEST_SUITE(PackedLayout, Kinds);
+using Triangles = testing::Types<Symmetric, SymmetricFloat, Lower, LowerFloat, Upper, UpperFloat>;
+TYPED_TEST_SUITE(ShortenedLayout, Triangles);
 
 TYPED_TEST(Layout, ElementsAndBands) {
     using Real = typename TypeParam::Real;
@@ -75,14 +118,24 @@ TYPED_TEST(Layout, ElementsAndBands) {
             const int x_given = x - 3 * e.width;  // coordinates wrap
             const int y_given = y + 2 * e.height;
             const int index = e.index(x, y);
-            const auto failure = [index](const char* of_diagonal, const char* of_others) {
+            const auto failure = [index](const std::string& of_diagonal,
+                                         const std::string& of_others) {
                 return index >= 0 ? "" : is_diagonal<TypeParam> ? of_diagonal : of_others;
+            };
+            // A band matrix tells the two sides apart.
+            const bool has_sides = is_band<TypeParam> && !is_mirrored<TypeParam>;
+            const std::string fi =
+                std::string("fi_Find_Index_of_element: ") + (has_sides && x > y ? "2" : "1");
+            const std::string fib =
+                std::string("fib_Find_Index_range_of_a_Band: ") + (has_sides && x < y ? "2" : "1");
+            const auto distance = [](int column, int row) {
+                return is_mirrored<TypeParam> ? std::abs(column - row) : column - row;
             };
             auto t = e.packed;
             EXPECT_EQ(t.ge_Get_Element(x_given, y_given), Real(index + 1));
-            EXPECT_EQ(failures_of(t), failure("", "fi_Find_Index_of_element: 1"));
+            EXPECT_EQ(failures_of(t), failure("", fi));
             t.se_Set_Element(x_given, y_given, Real(-1));
-            EXPECT_EQ(failures_of(t), failure("se_Set_Element: 1", "fi_Find_Index_of_element: 1"));
+            EXPECT_EQ(failures_of(t), failure("se_Set_Element: 1", fi));
             auto expected = e.packed;
             if (index >= 0) expected[index] = Real(-1);
             EXPECT_TRUE(t == expected);
@@ -91,22 +144,20 @@ TYPED_TEST(Layout, ElementsAndBands) {
             std::vector<int> band;
             for (int i = 0; index >= 0 && i < t.vs(); ++i) {
                 const Position at = e.stored[std::size_t(i)];
-                if (std::abs(at.x - at.y) == std::abs(x - y)) band.push_back(i);
+                if (distance(at.x, at.y) == distance(x, y)) band.push_back(i);
             }
             const int length = band.empty() ? -1 : static_cast<int>(band.size());
             std::vector<Real> out(8, Real(-1));
             int count = -1;
             t = e.packed;
             t.gb_Get_Band(x_given, y_given, out.data(), count);
-            EXPECT_EQ(failures_of(t),
-                      failure("gb_Get_Band: 1", "fib_Find_Index_range_of_a_Band: 1"));
+            EXPECT_EQ(failures_of(t), failure("gb_Get_Band: 1", fib));
             EXPECT_EQ(count, length);
             for (std::size_t k = 0; k < band.size(); ++k) EXPECT_EQ(out[k], Real(band[k] + 1));
             EXPECT_EQ(out[band.size()], Real(-1));
             count = -1;
             t.sb_Set_Band(x_given, y_given, Real(50), count);
-            EXPECT_EQ(failures_of(t),
-                      failure("sb_Set_Band: 1", "fib_Find_Index_range_of_a_Band: 1"));
+            EXPECT_EQ(failures_of(t), failure("sb_Set_Band: 1", fib));
             EXPECT_EQ(count, length);
             expected = e.packed;
             for (const int i : band) expected[i] = Real(50);
@@ -130,7 +181,7 @@ TYPED_TEST(Layout, ElementsAndBands) {
                 if (index < 0) continue;
                 t.fp_Find_Position_of_element(index, a, b);
                 EXPECT_EQ(e.index(a, b), index);
-                EXPECT_TRUE(!is_symmetric<TypeParam> || a <= b);
+                EXPECT_TRUE(!is_mirrored<TypeParam> || a <= b);
             }
         }
     });
@@ -174,7 +225,7 @@ TYPED_TEST(LinesOfLayout, RowsAndColumns) {
                    : t.gc_Get_Column(line - lines, out.data(), first, last);
             expect_answer();
             EXPECT_EQ(out, wanted);
-            if constexpr (!is_symmetric<TypeParam>) {
+            if constexpr (!is_mirrored<TypeParam>) {
                 int wrapped = line - lines;
                 of_row ? t.fvr_Find_Valid_range_of_Row(wrapped, first, last)
                        : t.fvc_Find_Valid_range_of_Column(wrapped, first, last);
@@ -201,7 +252,7 @@ TYPED_TEST(LinesOfLayout, RowsAndColumns) {
     });
 }
 
-TYPED_TEST(Layout, ImportAndExport) {
+TYPED_TEST(PackedLayout, ImportAndExport) {
     using Real = typename TypeParam::Real;
     using Packed = typename TypeParam::Packed;
     for_every_shape<TypeParam>([](const Enumerated<TypeParam>& e) {
@@ -297,7 +348,7 @@ TYPED_TEST(Layout, ImportAndExport) {
     });
 }
 
-TYPED_TEST(Layout, RefusedShapesChangeNothing) {
+TYPED_TEST(PackedLayout, RefusedShapesChangeNothing) {
     using Real = typename TypeParam::Real;
     typename TypeParam::Packed t;
     t.c_Create(3, 3, Real(6));
@@ -364,7 +415,7 @@ TYPED_TEST(Layout, RefusedShapesChangeNothing) {
 }
 
 // A moved-from matrix, and one whose vector was shortened.
-TYPED_TEST(LinesOfLayout, LinesThatAreNotThere) {
+TYPED_TEST(ShortenedLayout, LinesThatAreNotThere) {
     using Real = typename TypeParam::Real;
     typename TypeParam::Packed shortened;
     shortened.c_Create(4, 4, Real(2));

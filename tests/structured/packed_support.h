@@ -8,6 +8,7 @@
 
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/structured.h"
+#include "support/chain.h"
 
 namespace packed_test {
 
@@ -15,18 +16,8 @@ namespace packed_test {
 // name of the class; the record is cleared.
 template <class Object>
 std::string failures_of(Object& object) {
-    const std::string trace = object.gft_Get_Failure_Trace().c_str();
-    const std::string prefix = std::string(object.gcn_Get_Class_Name().c_str()) + "::";
+    const std::string text = nequar::test::records_of(object);
     object.cr_Clear_Record();
-    std::string text;
-    for (std::size_t at = 0; at < trace.size();) {
-        std::size_t end = trace.find('\n', at);
-        if (end == std::string::npos) end = trace.size();
-        std::string line = trace.substr(at, end - at);
-        if (line.compare(0, prefix.size(), prefix) == 0) line.erase(0, prefix.size());
-        text += (text.empty() ? "" : "\n") + line;
-        at = end + 1;
-    }
     return text;
 }
 
@@ -61,6 +52,16 @@ NEQUAR_PACKED_KIND(LowerFloat, AnyPacked, float, CNqMatrixFloat_TriangularLower)
 NEQUAR_PACKED_KIND(Upper, AnyPacked, double, CNqMatrix_TriangularUpper)
 NEQUAR_PACKED_KIND(UpperFloat, AnyPacked, float, CNqMatrixFloat_TriangularUpper)
 #undef NEQUAR_PACKED_KIND
+template <class Number>
+struct Band {
+    using Real = Number;
+    using Packed = nequar::MatrixBand<Number>;
+};
+template <class Number>
+struct BandSymmetric {
+    using Real = Number;
+    using Packed = nequar::MatrixBandSymmetric<Number>;
+};
 
 template <class Kind>
 inline constexpr bool is_lower = std::is_same_v<Kind, Lower> || std::is_same_v<Kind, LowerFloat>;
@@ -69,6 +70,16 @@ inline constexpr bool is_diagonal = std::is_base_of_v<AnyDiagonal, Kind>;
 template <class Kind>
 inline constexpr bool is_symmetric =
     std::is_same_v<Kind, Symmetric> || std::is_same_v<Kind, SymmetricFloat>;
+
+template <class Kind>
+inline constexpr bool is_band_symmetric =
+    std::is_same_v<typename Kind::Packed, nequar::MatrixBandSymmetric<typename Kind::Real>>;
+template <class Kind>
+inline constexpr bool is_band =
+    is_band_symmetric<Kind> ||
+    std::is_same_v<typename Kind::Packed, nequar::MatrixBand<typename Kind::Real>>;
+template <class Kind>  // an element stands for its mirror, too
+inline constexpr bool is_mirrored = is_symmetric<Kind> || is_band_symmetric<Kind>;
 
 // The forms of import and export that differ in their arguments.
 template <class Kind>

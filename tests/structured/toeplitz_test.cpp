@@ -1,7 +1,5 @@
 #include "nequar_algebra/structured/toeplitz.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -9,16 +7,14 @@
 
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
+#include "support/twins.h"
 
 namespace {
 
 using namespace nequar;
 using test::vector_of;
 
-template <class Real>
-class ToeplitzTest : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(ToeplitzTest, Reals);
+TWINS(ToeplitzTest);
 
 enum class Sequence { kms, slow_kms, prolate, prediction_error, negative };
 
@@ -75,8 +71,7 @@ double residual(const Vector<Real>& r, const Vector<Real>& x, const Vector<Real>
     return test::solution_residual(full(r, b.vs()), column(x), column(b));
 }
 
-TYPED_TEST(ToeplitzTest, SolutionsAndInversesHaveSmallResiduals) {
-    using Real = TypeParam;
+TWIN_TEST(ToeplitzTest, SolutionsAndInversesHaveSmallResiduals) {
     for (const Sequence kind : kSequences)
         for (const int n : {1, 2, 3, 4, 7, 17, 32, 33, 64, 65, 66, 131, 500}) {
             if (n > 131 && std::is_same_v<Real, float>) break;
@@ -123,8 +118,7 @@ TYPED_TEST(ToeplitzTest, SolutionsAndInversesHaveSmallResiduals) {
         }
 }
 
-TYPED_TEST(ToeplitzTest, ArgumentsMayBeOneObjectAndOthersDoNotChange) {
-    using Real = TypeParam;
+TWIN_TEST(ToeplitzTest, ArgumentsMayBeOneObjectAndOthersDoNotChange) {
     const MatrixToeplitzSymmetric<Real> t;
     const auto r = vector_of<Real>({4, 2, 1});
     const auto b = vector_of<Real>({1, -2, 3});
@@ -158,8 +152,7 @@ TYPED_TEST(ToeplitzTest, ArgumentsMayBeOneObjectAndOthersDoNotChange) {
     EXPECT_TRUE(packed == expected);
 }
 
-TYPED_TEST(ToeplitzTest, FailuresAreNamedAndSmallOrdersAreNot) {
-    using Real = TypeParam;
+TWIN_TEST(ToeplitzTest, FailuresAreNamedAndSmallOrdersAreNot) {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double inf = std::numeric_limits<double>::infinity();
     const MatrixToeplitzSymmetric<Real> t;
@@ -221,8 +214,7 @@ TYPED_TEST(ToeplitzTest, FailuresAreNamedAndSmallOrdersAreNot) {
     EXPECT_EQ(inverse[0][0], Real(0.5));
 }
 
-TYPED_TEST(ToeplitzTest, ImportElementsRowsAndExports) {
-    using Real = TypeParam;
+TWIN_TEST(ToeplitzTest, ImportElementsRowsAndExports) {
     MatrixToeplitzSymmetric<Real> t;
     EXPECT_EQ(t.ge_Get_Element(0, 0), Real(1));
     const auto v = vector_of<Real>({5, 4, 3, 2});

@@ -1,22 +1,18 @@
 #include "nequar_algebra/structured/vandermonde.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
+#include "support/twins.h"
 
 namespace {
 
 using namespace nequar;
 using test::vector_of;
 
-template <class Real>
-class VandermondeTest : public testing::Test {};
-using Reals = testing::Types<double, float>;
-TYPED_TEST_SUITE(VandermondeTest, Reals);
+TWINS(VandermondeTest);
 
 template <class Real>
 Matrix<Real> column(const Vector<Real>& v) {
@@ -26,8 +22,7 @@ Matrix<Real> column(const Vector<Real>& v) {
     return m;
 }
 
-TYPED_TEST(VandermondeTest, InterpolatesAndSolves) {
-    using Real = TypeParam;
+TWIN_TEST(VandermondeTest, InterpolatesAndSolves) {
     const MatrixVandermonde<Real> any;
     auto f = vector_of<Real>({1, 2, 5});
     ASSERT_TRUE(any.u_fcp_Find_Coefficients_of_Polynomial(vector_of<Real>({0, 1, 2}), f, true));
@@ -71,8 +66,7 @@ TYPED_TEST(VandermondeTest, InterpolatesAndSolves) {
     }
 }
 
-TYPED_TEST(VandermondeTest, RefusesEqualNodesAndOtherSizes) {
-    using Real = TypeParam;
+TWIN_TEST(VandermondeTest, RefusesEqualNodesAndOtherSizes) {
     constexpr const char* kEqual = "All the elements should be different !!!";
     const MatrixVandermonde<Real> any;
     const auto data = vector_of<Real>({1, 2, 3});
@@ -115,8 +109,7 @@ TYPED_TEST(VandermondeTest, RefusesEqualNodesAndOtherSizes) {
         }
 }
 
-TYPED_TEST(VandermondeTest, ElementsRowsAndExportsAgree) {
-    using Real = TypeParam;
+TWIN_TEST(VandermondeTest, ElementsRowsAndExportsAgree) {
     MatrixVandermonde<Real> v;
     EXPECT_EQ(v.ge_Get_Element(3, 7), Real(1));
     const int n = 9;

@@ -1,6 +1,8 @@
 // The chain of records that a failing call leaves on an object.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <initializer_list>
 #include <string>
 
@@ -26,6 +28,20 @@ std::string records_of(const Object& object) {
     for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos;)
         text.erase(at, name.size());
     return text;
+}
+
+// Whether a call that answered `done` failed, and left this detail (these records) on the object.
+template <class Object>
+testing::AssertionResult fails_with(const Object& object, const std::string& detail, bool done) {
+    const std::string found = object.ged_Get_Error_Detail().c_str();
+    if (!done && found == detail) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "done: " << done << ", \"" << found << "\" is left";
+}
+template <class Object>
+testing::AssertionResult fails_as(const Object& object, const std::string& records, bool done) {
+    const std::string found = records_of(object);
+    if (!done && found == records) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "done: " << done << ", \"" << found << "\" is left";
 }
 
 }  // namespace nequar::test

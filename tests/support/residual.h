@@ -3,10 +3,11 @@
 // EXPECT_LT(measure, bound), which NaN fails.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "nequar_algebra/frame.h"
+#include "support/matrix_gallery.h"
 
 namespace nequar::test {
 
@@ -35,6 +36,13 @@ double largest_of(const Matrix<Real>& a) {
     for (int i = 0; i < a.mh(); ++i)
         for (int j = 0; j < a.mw(); ++j) largest = worse(std::abs(double(a[i][j])), largest);
     return largest;
+}
+
+// What rounding may do to every element of A: max |A| max(m, n) eps, and a subnormal number.
+template <class Real>
+double rounding_of(const Matrix<Real>& a) {
+    return largest_of(a) * std::max(a.mh(), a.mw()) * kEpsilon<Real> +
+           double(std::numeric_limits<Real>::denorm_min());
 }
 
 template <class Real>
@@ -92,6 +100,43 @@ double solution_residual(const Matrix<Real>& a, const Matrix<Real>& x, const Mat
     return largest;
 }
 
+// max |A - B C ...| / (max |A| max(m, n) eps), A m x n; the rounding of subnormal numbers is
+// allowed for. Of several factors the first ones are multiplied to one that is rounded.
+template <class Real>
+double rebuilding_error(const Matrix<Real>& a, const Matrix<Real>& b, const Matrix<Real>& c) {
+    if (b.mw() != c.mh() || a.mh() != b.mh() || a.mw() != c.mw()) return std::nan("");
+    double largest = 0;
+    for (int i = 0; i < a.mh(); ++i)
+        for (int j = 0; j < a.mw(); ++j) {
+            long double sum = -static_cast<long double>(a[i][j]);
+            for (int k = 0; k < b.mw(); ++k) sum += static_cast<long double>(b[i][k]) * c[k][j];
+            largest = worse(double(std::abs(sum)), largest);
+        }
+    return largest / rounding_of(a);
+}
+template <class Real, class... Factors>
+double rebuilding_error(const Matrix<Real>& a, const Matrix<Real>& b, const Matrix<Real>& c,
+                        const Factors&... factors) {
+    return rebuilding_error(a, product(b, c), factors...);
+}
+
+// The same of A - U diag(d) V^T, with as many columns of U and V as d has elements.
+template <class Real>
+double spectral_error(const Matrix<Real>& a, const Matrix<Real>& u, const Vector<Real>& d,
+                      const Matrix<Real>& v) {
+    if (a.mh() != u.mh() || a.mw() != v.mh() || u.mw() < d.vs() || v.mw() < d.vs())
+        return std::nan("");
+    double largest = 0;
+    for (int i = 0; i < a.mh(); ++i)
+        for (int j = 0; j < a.mw(); ++j) {
+            long double sum = -static_cast<long double>(a[i][j]);
+            for (int k = 0; k < d.vs(); ++k)
+                sum += static_cast<long double>(u[i][k]) * d[k] * v[j][k];
+            largest = worse(double(std::abs(sum)), largest);
+        }
+    return largest / rounding_of(a);
+}
+
 // max |Q^T Q - I| / (n eps)
 template <class Real>
 double orthogonality_error(const Matrix<Real>& q) {
@@ -103,7 +148,7 @@ double orthogonality_error(const Matrix<Real>& q) {
             largest = worse(double(std::abs(sum)), largest);
         }
     }
-    return largest / (kEpsilon<Real> * q.mh());
+    return largest / (kEpsilon<Real> * std::max(q.mh(), 1));
 }
 
 template <class Real>
@@ -121,6 +166,15 @@ Matrix<Real> transposed(const Matrix<Real>& a) {
     for (int i = 0; i < a.mh(); ++i)
         for (int j = 0; j < a.mw(); ++j) b[j][i] = a[i][j];
     return b;
+}
+
+// The vector as a matrix of one column.
+template <class Real>
+Matrix<Real> column_of(const Vector<Real>& v) {
+    Matrix<Real> a;
+    a.c_Create(v.vs(), 1);
+    for (int i = 0; i < v.vs(); ++i) a[i][0] = v[i];
+    return a;
 }
 
 // The matrix whose row i is row perm[i] of A.

@@ -17,10 +17,15 @@ struct View;
 /// All operations answer true on success; on failure they store a detail, record their name, and
 /// answer false. Beside the details named below: "out of memory" and "cannot size the output".
 /// The output may be any of the inputs unless stated otherwise: what is still needed is copied.
+///
+/// Source: Golub and Van Loan, Matrix Computations, 3.1; Higham, Accuracy and Stability of
+/// Numerical Algorithms, 14.2 (inverses).
 template <class Real>
 class NEQUAR_API AlgebraForMatrixSpecial : public AlgebraForMatrix<Real> {
 public:
+    /// The packed lower triangles of this twin.
     using Lower = MatrixTriangular<Real, TriangleSide::lower>;
+    /// The packed upper triangles of this twin.
     using Upper = MatrixTriangular<Real, TriangleSide::upper>;
 
     AlgebraForMatrixSpecial();
@@ -80,7 +85,7 @@ public:
     /// C := A B, C sized here; it may be A or B. "1": A and B are not square and of one order, or
     /// do not hold their elements.
     bool mll_Multiply_Lmatrix_Lmatrix(const Lower* a, const Lower* b, Lower* c) const;
-    /// The same for upper triangles.
+    /// The two products for upper triangles.
     bool muua_Multiply_Umatrix_Umatrix_and_Accumulate(const Upper* a, const Upper* b,
                                                       Upper* c) const;
     bool muu_Multiply_Umatrix_Umatrix(const Upper* a, const Upper* b, Upper* c) const;

@@ -17,11 +17,14 @@ namespace nequar {
 /// The output may be any of the inputs. An elementwise operation then works in place and does not
 /// size it.
 ///
+/// Cost: one pass over the elements.
+///
 /// The object has no state of its own beside the frame's; one object must not be used by two
 /// threads at the same time.
 template <class Real>
 class NEQUAR_API AlgebraForVector : public CNqClass {
 public:
+    /// The vectors of this twin.
     using VectorReal = Vector<Real>;
 
     AlgebraForVector();

@@ -10,6 +10,9 @@ namespace nequar {
 /// other output ("1"), and may be the input of an object form. Every output is sized here; a failed
 /// check leaves the outputs as they were; where the form in place fails, both forms are recorded.
 /// Beside the details named below there are "out of memory" and "cannot size the output".
+///
+/// Sources: Golub and Van Loan, Matrix Computations, 7.4.2 and 5.2.5; Quintana-Orti and van de
+/// Geijn, Improving the performance of reduction to Hessenberg form, ACM TOMS 32, 2006.
 template <class Real>
 class NEQUAR_API HessenbergFactorization : public OrthogonalFactorization<Real> {
 public:
@@ -36,8 +39,8 @@ public:
     /// written. "1": h and Q are one object. "2": not square. O(n^2).
     bool u_dhqrg_Decompose_square_upper_Hessenberg_matrix_into_QR_matrices_via_Givens(
         Matrix<Real>* h, Matrix<Real>* q) const;
-    /// "non-square matrix". "2": the form in place failed. R holds below its subdiagonal what H
-    /// held there.
+    /// H = Q R with H kept. "non-square matrix". "2": the form in place failed. R holds below its
+    /// subdiagonal what H held there.
     bool dhqrg_Decompose_square_upper_Hessenberg_matrix_into_QR_matrices_via_Givens(
         const Matrix<Real>* h, Matrix<Real>* q, Matrix<Real>* r) const;
 

@@ -40,7 +40,12 @@ enum class OrthogonalForm : int;
 /// held. A NaN or an infinity makes NaN of what is computed from it, and all ends.
 ///
 /// Cost for an m x n matrix, m >= n: 2 n^2 (m - n/3), and 4 m n (m - n) + 4/3 n^3 for Q. Blocked
-/// throughout. Sources are named in src/factorization/algorithm.
+/// throughout, the reflectors of a block applied as one, I - V T V^T.
+///
+/// Sources: Golub and Van Loan, Matrix Computations, 5.1 (reflectors, rotations), 5.2 (QR), 5.4.1
+/// (pivoting; here with 1-norms), 5.4.2 (complete orthogonal); Elmroth and Gustavson, Applying
+/// recursion to serial and parallel QR factorization, IBM J. Res. Dev. 44, 2000; Hartley and
+/// Zisserman, Multiple View Geometry, A4.1.1 (3 x 3 RQ).
 template <class Real>
 class NEQUAR_API OrthogonalFactorization : public TriangularFactorization<Real> {
 public:
@@ -65,7 +70,8 @@ public:
     /// null) the orthogonal factor. "1": a and Q are one object.
     bool u_dqrh_Decompose_into_QR_matrices_based_on_Householder(Matrix<Real>* a,
                                                                 Matrix<Real>* q) const;
-    /// "1": the form in place failed, or Q and R are one object. Q may be null.
+    /// A = Q R with A kept. "1": the form in place failed, or Q and R are one object. Q may be
+    /// null.
     bool dqrh_Decompose_into_QR_matrices_based_on_Householder(const Matrix<Real>* a,
                                                               Matrix<Real>* q,
                                                               Matrix<Real>* r) const;
@@ -123,12 +129,13 @@ public:
     /// "1": the height is below the width, or a and Q are one object. Q may be null.
     bool u_dqrh_Decompose_into_QR_matrices_based_on_Householder_with_Column_Pivoting(
         Matrix<Real>* a, Matrix<Real>* q, CNqVectorInt* perm, int& interchanges, int& rank) const;
-    /// "1": the form in place failed, or Q and R are one object. Q may be null.
+    /// A P = Q R with A kept. "1": the form in place failed, or Q and R are one object. Q may be
+    /// null.
     bool dqrc_Decompose_into_QR_matrices_with_Column_pivoting(const Matrix<Real>* a,
                                                               Matrix<Real>* q, Matrix<Real>* r,
                                                               CNqVectorInt* perm, int& interchanges,
                                                               int& rank) const;
-    /// With R packed, which holds the triangle alone, also where the rank is below n.
+    /// The same with R packed, which holds the triangle alone, also where the rank is below n.
     bool dqrc_Decompose_into_QR_matrices_with_Column_pivoting(const Matrix<Real>* a,
                                                               Matrix<Real>* q,
                                                               MatrixTriangularUpper<Real>* r,
@@ -147,8 +154,8 @@ public:
     /// "1": the pivoted QR failed, or two of a, Q and Z are one object.
     bool u_dco_Decompose_matrix_Complete_Orthogonal_algorithm(Matrix<Real>* a, Matrix<Real>* q,
                                                               Matrix<Real>* z, int& rank) const;
-    /// With T packed. "1": the form in place failed. "2": the rank is 0, so there is no T; Q, Z and
-    /// rank are those of a matrix of rank 0, T is untouched.
+    /// The same with A kept and T packed. "1": the form in place failed. "2": the rank is 0, so
+    /// there is no T; Q, Z and rank are those of a matrix of rank 0, T is untouched.
     bool dco_Decompose_matrix_Complete_Orthogonal_algorithm(const Matrix<Real>* a, Matrix<Real>* q,
                                                             MatrixTriangularLower<Real>* t,
                                                             Matrix<Real>* z, int& rank) const;

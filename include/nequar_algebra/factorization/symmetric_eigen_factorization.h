@@ -20,16 +20,22 @@ namespace nequar {
 /// Outputs are sized here, after the checks. Beside the details named below there are "out of
 /// memory" and "cannot size the output" (also for a matrix of order 0, as packed results have
 /// none).
+///
+/// Sources: Golub and Van Loan, Matrix Computations, 8.5 (Jacobi), 8.3 (tridiagonal form, implicit
+/// QR), 8.7.1 (the generalized problem), 5.2.5 (rotations); Rutishauser, The Jacobi method for real
+/// symmetric matrices, Numerische Mathematik 9, 1966; Dongarra, Hammarling and Sorensen, Block
+/// reduction of matrices to condensed forms, J. Comput. Appl. Math. 27, 1989.
 template <class Real>
 class NEQUAR_API SymmetricEigenFactorization : public HessenbergFactorization<Real> {
 public:
     // ---- Jacobi rotations: 6 n^3 operations a sweep with V, some seven sweeps ----
 
-    /// The mode: 0, classical: the largest element off the diagonal is annihilated, at most
-    /// max_sweeps n (n-1) / 2 times, until sqrt(sum of a_ij^2, i < j) <= tolerance, which is
-    /// absolute (each search costs n^2); 1, cyclic: all pairs by rows, at most max_sweeps times,
-    /// with a threshold in the first three sweeps, until everything off the diagonal is 0.0; 2,
-    /// cyclic, until sqrt(2 sum) <= tolerance times the Frobenius norm. A negative tolerance is 0.
+    /// A = V D V^T by rotations. The mode: 0, classical: the largest element off the diagonal is
+    /// annihilated, at most max_sweeps n (n-1) / 2 times, until sqrt(sum of a_ij^2, i < j) <=
+    /// tolerance, which is absolute (each search costs n^2); 1, cyclic: all pairs by rows, at most
+    /// max_sweeps times, with a threshold in the first three sweeps, until everything off the
+    /// diagonal is 0.0; 2, cyclic, until sqrt(2 sum) <= tolerance times the Frobenius norm. A
+    /// negative tolerance is 0.
     ///
     /// `a` (n x n) is used up. `sweeps`: sweeps made, rotations tried in mode 0. `annihilated`:
     /// rotations made, and negligible elements set to zero.
@@ -38,7 +44,7 @@ public:
     bool u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(
         int mode, Matrix<Real>* a, Matrix<Real>* v, MatrixDiagonal<Real>* d, int max_sweeps,
         Real tolerance, int& sweeps, int& annihilated) const;
-    /// Mode 2, 100 sweeps, tolerance 1e-31. "1": the form above failed (recorded too).
+    /// The same in mode 2, 100 sweeps, tolerance 1e-31. "1": the form above failed (recorded too).
     bool u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(
         Matrix<Real>* a, Matrix<Real>* v, MatrixDiagonal<Real>* d) const;
     /// The same for a packed matrix, which is kept. "1": `u_dsj_…` failed (recorded too), or the
@@ -46,7 +52,8 @@ public:
     bool devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
         int mode, const MatrixSymmetric<Real>* a, Matrix<Real>* v, MatrixDiagonal<Real>* d,
         int max_sweeps, Real tolerance, int& sweeps, int& annihilated) const;
-    /// Mode 2, 100 sweeps, tolerance 1e-32 (unlike the 1e-31 of the dense form, deliberately).
+    /// The same in mode 2, 100 sweeps, tolerance 1e-32 (unlike the 1e-31 of the dense form,
+    /// deliberately).
     bool devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(const MatrixSymmetric<Real>* a,
                                                                     Matrix<Real>* v,
                                                                     MatrixDiagonal<Real>* d) const;
@@ -60,15 +67,16 @@ public:
 
     // ---- tridiagonal form: A = Q T Q^T, 4/3 n^3, and 4/3 n^3 for Q (null: not formed) ----
 
-    /// `a` becomes T in place: all else is set to exact zeros. "1": Q is `a`. "2": not square.
+    /// A = Q T Q^T: `a` becomes T in place, all else is set to exact zeros. "1": Q is `a`. "2": not
+    /// square.
     bool u_td_Tridiagonalize_matrix(Matrix<Real>* a, Matrix<Real>* q) const;
-    /// T as two vectors: the diagonal d (n) and the off-diagonal e (n-1). `a` is used up. "1": Q is
-    /// `a`, or d is e. "2": not square.
+    /// The same with T as two vectors: the diagonal d (n) and the off-diagonal e (n-1). `a` is used
+    /// up. "1": Q is `a`, or d is e. "2": not square.
     bool u_td_Tridiagonalize_matrix(Matrix<Real>* a, Matrix<Real>* q, Vector<Real>* d,
                                     Vector<Real>* e) const;
-    /// T may be the input, Q may not be T ("1": it is, or the form in place failed). A dense input
-    /// that is not square: "non-square matrix". A band result has one sub- and one super-diagonal,
-    /// none for order 1.
+    /// A = Q T Q^T with A kept. T may be the input, Q may not be T ("1": it is, or the form in
+    /// place failed). A dense input that is not square: "non-square matrix". A band result has one
+    /// sub- and one super-diagonal, none for order 1.
     bool tdm_Tridiagonalize_Matrix(const Matrix<Real>* a, Matrix<Real>* q, Matrix<Real>* t) const;
     bool tdm_Tridiagonalize_Matrix(const Matrix<Real>* a, Matrix<Real>* q,
                                    MatrixSymmetric<Real>* t) const;
@@ -91,9 +99,10 @@ public:
     bool u_Implicit_Symmetric_QR_step_with_Wilkinson_Shift(Vector<Real>* d, Vector<Real>* e,
                                                            int start, int size,
                                                            Matrix<Real>* q) const;
-    /// QR steps on the last block that is not diagonal, until none is left. Each is counted in
-    /// `iterations` before it is made, and the one with which the count reaches max_iterations is
-    /// not made any more. Convergence takes about two steps a value: 30 n is ample; more than 50 n
+    /// A = V D V^T by QR steps on the last block that is not diagonal, until none is left. Each is
+    /// counted in `iterations` before it is made, and the one with which the count reaches
+    /// max_iterations is not made any more. Convergence takes about two steps a value: 30 n is
+    /// ample; more than 50 n
     /// + 100 are never made. "1": the tridiagonalization failed, or the matrix no longer holds its
     /// elements. 4/3 n^3, with vectors some 9 n^3.
     bool devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(const MatrixSymmetric<Real>* a,
@@ -101,8 +110,8 @@ public:
                                                                     MatrixDiagonal<Real>* d,
                                                                     int max_iterations,
                                                                     int& iterations) const;
-    /// With a limit of 100: a matrix of order above about 50 MAY STOP UNCONVERGED, its diagonal
-    /// passed off as eigenvalues. Large matrices take the form above.
+    /// The same with a limit of 100: a matrix of order above about 50 MAY STOP UNCONVERGED, its
+    /// diagonal passed off as eigenvalues. Large matrices take the form above.
     bool devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(const MatrixSymmetric<Real>* a,
                                                                     Matrix<Real>* v,
                                                                     MatrixDiagonal<Real>* d) const;
@@ -115,7 +124,9 @@ public:
     /// A x = lambda B x, B positive definite: eigenvalues in D, in descending order, eigenvectors
     /// of length 1 as the columns of X (null: none); X^T B X is diagonal. With B = L L^T it is the
     /// problem of C = L^-1 A L^-T, X = L^-T Y. Orders up to 10 take the tridiagonal route (100
-    /// iterations), larger ones Jacobi rotations (mode 2).
+    /// iterations), larger ones Jacobi rotations (mode 2), which is what most of the cost is: some
+    /// 40 n^3, beside about 3 n^3 for the rest. An ill-conditioned B takes as many digits as its
+    /// condition has.
     ///
     /// "1": A and B are not of one order, or no longer hold their elements. "2": B is not positive
     /// definite. "3", "4": a solve with L failed. "5": Jacobi rotations failed. "6": the
@@ -124,16 +135,15 @@ public:
                                             const MatrixSymmetric<Real>* b, Matrix<Real>* x,
                                             MatrixDiagonal<Real>* d) const;
 
-    // ---- QR of a tridiagonal matrix: T = Q R by n-1 plane rotations, R with two super-diagonals
-    // ----
+    // ---- QR of a tridiagonal matrix, T = Q R: n-1 rotations, R has two super-diagonals ----
 
-    /// `t` becomes R, what is outside its three bands is not read and set to zero; Q may be null.
-    /// "1": Q is `t`. "2": not square. O(n^2), the rotations themselves O(n).
+    /// T = Q R in place: `t` becomes R, what is outside its three bands is not read and set to
+    /// zero; Q may be null. "1": Q is `t`. "2": not square. O(n^2), the rotations themselves O(n).
     bool u_dqrt_Decompose_into_QR_matrices_for_Tri_diagonal_matrix(Matrix<Real>* t,
                                                                    Matrix<Real>* q) const;
-    /// The symmetric tridiagonal matrix of the diagonal d (n) and the off-diagonal e (n-1, or
-    /// longer). "1": Q is R. "2": d is empty, or e too short. A band R has two super-diagonals, as
-    /// far as the order allows them.
+    /// The same for the symmetric tridiagonal matrix of the diagonal d (n) and the off-diagonal e
+    /// (n-1, or longer). "1": Q is R. "2": d is empty, or e too short. A band R has two
+    /// super-diagonals, as far as the order allows them.
     bool u_dqrt_Decompose_into_QR_matrices_for_Tri_diagonal_matrix(const Vector<Real>* d,
                                                                    const Vector<Real>* e,
                                                                    Matrix<Real>* q,
@@ -142,8 +152,8 @@ public:
                                                                    const Vector<Real>* e,
                                                                    Matrix<Real>* q,
                                                                    MatrixBand<Real>* r) const;
-    /// The same with "1" (the form with vectors failed, recorded too). What a matrix holds outside
-    /// its three bands is ignored; a dense one need not be symmetric. "non-square matrix".
+    /// T = Q R with T kept. "1": the form with vectors failed, recorded too. What a matrix holds
+    /// outside its three bands is ignored; a dense one need not be symmetric. "non-square matrix".
     bool dqrt_Decompose_into_QR_matrices_for_Tridiagonal_matrix(const Vector<Real>* d,
                                                                 const Vector<Real>* e,
                                                                 Matrix<Real>* q,

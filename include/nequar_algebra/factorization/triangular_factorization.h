@@ -13,8 +13,10 @@ struct Outcome;
 template <class Real>
 struct View;
 
+/// A packed lower triangle.
 template <class Real>
 using MatrixTriangularLower = MatrixTriangular<Real, TriangleSide::lower>;
+/// A packed upper triangle.
 template <class Real>
 using MatrixTriangularUpper = MatrixTriangular<Real, TriangleSide::upper>;
 
@@ -59,6 +61,8 @@ public:
     /// the input, rows are exchanged so far, perm and interchanges as they are.
     ///
     /// perm is sized here. An empty matrix succeeds. Cost 2/3 n^3, and n^2 elements of workspace.
+    /// Source: Crout's scheme; the recursion on columns after Golub and Van Loan, Matrix
+    /// Computations, 3.2.11.
     bool u_dluc_Decompose_into_LU_matrices_by_Crout(Matrix<Real>* a, CNqVectorInt* perm,
                                                     int& interchanges) const;
 
@@ -88,12 +92,13 @@ public:
     /// is finished all the same: `a`, perm and interchanges hold P A = L U with that zero on the
     /// diagonal of U (columns without a pivot keep zero multipliers).
     ///
-    /// Cost 2/3 n^3. Source: Toledo (1997), recursion on the columns.
+    /// Cost 2/3 n^3. Source: Toledo, Locality of reference in LU decomposition with partial
+    /// pivoting, SIAM J. Matrix Anal. Appl. 18, 1997: recursion on the columns.
     bool u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(Matrix<Real>* a,
                                                                  CNqVectorInt* perm,
                                                                  int& interchanges) const;
 
-    /// The same with packed factors, the diagonal of L stored as ones. "1": `u_dlup_…` failed; of
+    /// P A = L U as packed factors, the diagonal of L stored as ones. "1": `u_dlup_…` failed; of
     /// the outputs only perm and interchanges were written then.
     bool dlup_Decompose_into_LU_matrices_with_Partial_pivoting(const Matrix<Real>* a,
                                                                MatrixTriangularLower<Real>* l,
@@ -126,7 +131,8 @@ public:
     ///
     /// "non-square matrix": nothing was changed. "non-positive definite": a pivot is not above
     /// zero, NaN included (no tolerance); the triangle of the factor is partly overwritten, the
-    /// diagonal and the triangle of the input are as they were. Cost 1/3 n^3.
+    /// diagonal and the triangle of the input are as they were. Cost 1/3 n^3. Source: Golub and Van
+    /// Loan, Matrix Computations, 4.2.
     bool u_dch_Decompose_matrix_by_Cholesky_algorithm(bool lower, Matrix<Real>* a) const;
 
     /// A = L L^T. "1": `u_dch_…` failed; L is untouched.
@@ -145,7 +151,7 @@ public:
     /// A matrix that `u_dluc_…` calls singular makes this FAIL, rather than give 0.0; and regular
     /// matrices that `u_dluc_…` refuses are refused here too.
     ///
-    /// "not square"; "1": `u_dluc_…` failed. `determinant` is then untouched.
+    /// "not square"; "1": `u_dluc_…` failed. `determinant` is then untouched. Cost 2/3 n^3.
     bool d_Determinant(const Matrix<Real>* a, Real& determinant) const;
     bool d_Determinant(const MatrixSymmetric<Real>* a, Real& determinant) const;
     /// The same as a value; 0.0, and one more record with detail "1", on failure.
@@ -153,12 +159,12 @@ public:
     Real d_Determinant(const MatrixSymmetric<Real>* a) const;
 
     /// Whether all pivots of the Cholesky decomposition are above zero. It reports nothing: a
-    /// matrix that it cannot look at is not positive definite.
+    /// matrix that it cannot look at is not positive definite. At most 1/3 n^3, on a copy.
     bool ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(
         const MatrixSymmetric<Real>* a) const;
 
     /// Whether the matrix is square and a(i, j) equals a(j, i) exactly, for every i < j; a NaN off
-    /// the diagonal equals nothing, one on it is not looked at. It reports nothing.
+    /// the diagonal equals nothing, one on it is not looked at. It reports nothing. O(n^2).
     bool is_Is_Symmetric(const Matrix<Real>* a) const;
 
 protected:

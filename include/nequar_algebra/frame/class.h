@@ -55,7 +55,7 @@ protected:
     /// Records the message of a failure that the caller, or a fatal report, makes known.
     void zsm_Save_Message(const CNqString& method) const;
 
-    // ---- how the library's own classes use the above ----
+    // ---- for the library's own classes ----
     //
     // Names and details given here are string literals: they are pointed at, not copied.
 

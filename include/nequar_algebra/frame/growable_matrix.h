@@ -6,7 +6,11 @@
 
 namespace nequar {
 
-enum class NEQUAR_API Growth { columns, rows };
+/// Which vectors of its matrix a `GrowableMatrix` grows by.
+enum class NEQUAR_API Growth {
+    columns,  ///< the columns, as in `CNqXCmatrix`
+    rows      ///< the rows, as in `CNqXRmatrix`
+};
 
 /// A collection of vectors of one size that grows: the columns (the rows) of a matrix, of which
 /// the first `count` are stored and the rest is blank space, reserved for more.

@@ -42,7 +42,8 @@ namespace nequar {
 /// `A.p()[0][y * width + x]`.
 ///
 /// The object owns its elements: copies are deep, moves are cheap and leave an empty matrix, and
-/// the storage is kept when `c_Create` asks for a size that fits it.
+/// the storage is kept when `c_Create` asks for a size that fits it. Sizing touches no element
+/// unless a value is given (and the row pointers); elements and sizes cost O(1), the rest one pass.
 template <class Element>
 class NEQUAR_API Matrix : public CNqMatrix_Base {
 public:

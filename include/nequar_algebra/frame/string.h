@@ -34,6 +34,7 @@ public:
     /// changes nothing, when count is negative or the memory cannot be had.
     bool zcs_Create_Space(int count);
 
+    /// Same characters.
     friend NEQUAR_API bool operator==(const CNqString& a, const CNqString& b) noexcept;
     friend NEQUAR_API bool operator==(const CNqString& a, const char* b) noexcept;
 

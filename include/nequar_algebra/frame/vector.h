@@ -27,7 +27,8 @@ namespace nequar {
 /// A dense vector: one contiguous array of elements, aligned to 64 bytes.
 ///
 /// The object owns its elements: copies are deep, moves are cheap and leave an empty vector, and
-/// the storage is kept when `c_Create` asks for a size that fits it.
+/// the storage is kept when `c_Create` asks for a size that fits it. Sizing touches no element
+/// unless a value is given; elements and sizes cost O(1), the rest one pass.
 template <class Element>
 class NEQUAR_API Vector : public CNqVector_Base {
 public:
@@ -48,6 +49,7 @@ public:
     /// does, when memory cannot be had. Nothing when the source is the object itself.
     Element* cp_Copy(const Vector* other);
 
+    /// Element i, unchecked.
     Element& operator[](int i) noexcept { return storage_.data()[i]; }
     const Element& operator[](int i) const noexcept { return storage_.data()[i]; }
     /// The elements; null for a vector that never held any.

@@ -8,7 +8,7 @@ namespace nequar {
 
 /// A ring of vectors of one length. All its slots hold a vector from the start, filled with the
 /// value given when the ring is made; each vector put in takes the place of the oldest. Slots are
-/// filled in the order 0, 1, … capacity-1, 0, …
+/// filled in the order 0, 1, … capacity-1, 0, … Putting a vector in costs one copy of it.
 template <class Real>
 class NEQUAR_API VectorQueue : public CNqClass {
 public:

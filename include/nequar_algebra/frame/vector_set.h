@@ -5,7 +5,7 @@
 
 namespace nequar {
 
-/// An indexed set of vectors, each with a size of its own.
+/// An indexed set of vectors, each with a size of its own. A member is found in O(1).
 template <class Real>
 class NEQUAR_API VectorSet : public CNqClass {
 public:

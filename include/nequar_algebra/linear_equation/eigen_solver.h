@@ -20,36 +20,40 @@ namespace nequar {
 /// failed (each recorded before; with NaN or infinity in A the latter). Beside those named below
 /// there are "out of memory" and "cannot size the output".
 ///
-/// Cost: that of the decomposition, about 10 n^3.
+/// Cost: that of the decomposition, about 10 n^3. Source: Golub and Van Loan, Matrix Computations,
+/// 8.3 and 5.5.
 template <class Real>
 class NEQUAR_API EigenSolver : public OrthogonalSolver<Real> {
 public:
+    /// A X = B, A x = b, for a symmetric A of full rank, definite or not.
     bool sev_Solve_based_on_EVD(const MatrixSymmetric<Real>* a, Real tolerance,
                                 const Matrix<Real>* b, Matrix<Real>* x) const;
     bool sev_Solve_based_on_EVD(const MatrixSymmetric<Real>* a, Real tolerance,
                                 const Vector<Real>* b, Vector<Real>* x) const;
+    /// A^-1, for A of full rank.
     bool iev_Inverse_matrix_based_on_EVD(const MatrixSymmetric<Real>* a, Real tolerance,
                                          Matrix<Real>* inverse) const;
+    /// A^+, for a symmetric A of any rank.
     bool piev_Pseudo_Inverse_matrix_based_on_EVD(const MatrixSymmetric<Real>* a, Real tolerance,
                                                  Matrix<Real>* inverse) const;
 
-    /// From the decomposition. "1": `u_tce_…` refuses it. "2": the rank is not the number of rows
-    /// of the right-hand side. Layout of raw arrays, n x k: with row_major element (i, c) is
-    /// data[i k + c]; without, right-hand side c is data[c n … c n + n-1].
+    /// A X = B, A x = b from the decomposition. "1": `u_tce_…` refuses it. "2": the rank is not the
+    /// number of rows of the right-hand side. Layout of raw arrays, n x k: with row_major element
+    /// (i, c) is data[i k + c]; without, right-hand side c is data[c n … c n + n-1].
     bool u_sev_Solve_based_on_EVD(const Matrix<Real>* v, const MatrixDiagonal<Real>* values,
                                   Real tolerance, const Matrix<Real>* b, Matrix<Real>* x) const;
     bool u_sev_Solve_based_on_EVD(const Matrix<Real>* v, const MatrixDiagonal<Real>* values,
                                   Real tolerance, const Vector<Real>* b, Vector<Real>* x) const;
     bool u_sev_Solve_based_on_EVD(const Matrix<Real>* v, const MatrixDiagonal<Real>* values,
                                   Real tolerance, Real* data, bool row_major, int k, int n) const;
-    /// "1": `u_tce_…` refuses the decomposition.
+    /// A^-1 from the decomposition. "1": `u_tce_…` refuses it.
     bool u_iev_Inverse_matrix_based_on_EVD(const Matrix<Real>* v,
                                            const MatrixDiagonal<Real>* values, Real tolerance,
                                            Matrix<Real>* inverse) const;
-    /// Every component whose eigenvalue is above the threshold in magnitude, wherever it stands; a
-    /// zero matrix has the pseudo-inverse zero. "1": the tolerance is not in [0, 1). "2": V has not
-    /// one column for each value. "incorrect ordering", "not finite": as in `u_rev_…`, but under
-    /// this name.
+    /// A^+ from every component whose eigenvalue is above the threshold in magnitude, wherever it
+    /// stands; a zero matrix has the pseudo-inverse zero. "1": the tolerance is not in [0, 1). "2":
+    /// V has not one column for each value. "incorrect ordering", "not finite": as in `u_rev_…`,
+    /// but under this name.
     bool u_piev_Pseudo_Inverse_matrix_based_on_EVD(const Matrix<Real>* v,
                                                    const MatrixDiagonal<Real>* values,
                                                    Real tolerance, Matrix<Real>* inverse) const;

@@ -51,6 +51,8 @@ public:
     LinearEquation& operator=(const LinearEquation&) = default;
     LinearEquation& operator=(LinearEquation&&) noexcept = default;
 
+    /// A X = B, or A x = b, by the method of the code; details as in the table. Cost: that of the
+    /// method.
     bool sle_Solve_Linear_Equation(int method, const Matrix<Real>* a, const Matrix<Real>* b,
                                    Matrix<Real>* x) const;
     bool sle_Solve_Linear_Equation(int method, const Matrix<Real>* a, const Vector<Real>* b,
@@ -59,13 +61,14 @@ public:
                                    const Matrix<Real>* b, Matrix<Real>* x) const;
     bool sle_Solve_Linear_Equation(int method, const MatrixSymmetric<Real>* a,
                                    const Vector<Real>* b, Vector<Real>* x) const;
+    /// A^-1 by the method of the code; details as in the table.
     bool im_Inverse_Matrix(int method, const Matrix<Real>* a, Matrix<Real>* inverse) const;
     bool im_Inverse_Matrix(int method, const MatrixSymmetric<Real>* a, Matrix<Real>* inverse) const;
 
     /// x := the unit vector with C x = 0 that minimises |A x|; A and C have one width. The null
     /// space of C is that of `fin_…` with the tolerance, x = N y where y solves A N y = 0.
     /// "1": there is no such space, `fin_…` failed. "2": the solution in it failed, as it does when
-    /// C x = 0 for x = 0 alone or the widths differ.
+    /// C x = 0 for x = 0 alone or the widths differ. Two singular value decompositions.
     bool shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(const Matrix<Real>* a,
                                                                 const Matrix<Real>* c,
                                                                 Real tolerance,
@@ -74,7 +77,8 @@ public:
     /// unless x_hat is null, x_hat of size p with G x_hat = x, the shortest of these when the
     /// columns of G depend on each other. The range is that of `for_…` with the tolerance. "1":
     /// `for_…` failed, or x and x_hat are one object. "2": the solution in it failed, as it does
-    /// for G = 0, or when A has another width than G rows.
+    /// for G = 0, or when A has another width than G rows. Two singular value decompositions, a
+    /// third for x_hat. Source of both: Hartley and Zisserman, Multiple View Geometry, A5.4.
     bool shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(const Matrix<Real>* a,
                                                                     const Matrix<Real>* g,
                                                                     Real tolerance, Vector<Real>* x,

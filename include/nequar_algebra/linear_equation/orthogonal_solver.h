@@ -42,73 +42,89 @@ namespace nequar {
 /// side c is data[c n … c n + n-1]. Sizes multiply in 64 bits.
 ///
 /// Cost: 4/3 n^3 for the factorization, 4 n^2 for a right-hand side in QRD and QLD; Q is not formed
-/// for a solve. An inverse costs 11/3 n^3.
+/// for a solve. An inverse costs 11/3 n^3. Source: Golub and Van Loan, Matrix Computations, 5.2.
 template <class Real>
 class NEQUAR_API OrthogonalSolver : public TriangularSolver<Real> {
 public:
     // ---- QRD ----
 
+    /// A X = B, A x = b by A = Q R.
     bool sqr_Solve_based_on_QRD(const Matrix<Real>* a, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;
     bool sqr_Solve_based_on_QRD(const Matrix<Real>* a, const Vector<Real>* b,
                                 Vector<Real>* x) const;
+    /// A^-1 by A = Q R.
     bool iqr_Inverse_matrix_based_on_QRD(const Matrix<Real>* a, Matrix<Real>* inverse) const;
+    /// From the factors: R x = Q^T b. The raw form works in place.
     bool u_sqr_Solve_based_on_QRD(const Matrix<Real>* q, const MatrixTriangularUpper<Real>* r,
                                   const Matrix<Real>* b, Matrix<Real>* x) const;
     bool u_sqr_Solve_based_on_QRD(const Matrix<Real>* q, const MatrixTriangularUpper<Real>* r,
                                   const Vector<Real>* b, Vector<Real>* x) const;
     bool u_sqr_Solve_based_on_QRD(const Matrix<Real>* q, const MatrixTriangularUpper<Real>* r,
                                   Real* data, bool row_major, int k, int n) const;
+    /// R^-1 Q^T.
     bool u_iqr_Inverse_matrix_based_on_QRD(const Matrix<Real>* q,
                                            const MatrixTriangularUpper<Real>* r,
                                            Matrix<Real>* inverse) const;
 
     // ---- QLD ----
 
+    /// A X = B, A x = b by A = Q L.
     bool sql_Solve_based_on_QLD(const Matrix<Real>* a, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;
     bool sql_Solve_based_on_QLD(const Matrix<Real>* a, const Vector<Real>* b,
                                 Vector<Real>* x) const;
+    /// A^-1 by A = Q L.
     bool iql_Inverse_matrix_based_on_QLD(const Matrix<Real>* a, Matrix<Real>* inverse) const;
+    /// From the factors: L x = Q^T b. The raw form works in place.
     bool u_sql_Solve_based_on_QLD(const Matrix<Real>* q, const MatrixTriangularLower<Real>* l,
                                   const Matrix<Real>* b, Matrix<Real>* x) const;
     bool u_sql_Solve_based_on_QLD(const Matrix<Real>* q, const MatrixTriangularLower<Real>* l,
                                   const Vector<Real>* b, Vector<Real>* x) const;
     bool u_sql_Solve_based_on_QLD(const Matrix<Real>* q, const MatrixTriangularLower<Real>* l,
                                   Real* data, bool row_major, int k, int n) const;
+    /// L^-1 Q^T.
     bool u_iql_Inverse_matrix_based_on_QLD(const Matrix<Real>* q,
                                            const MatrixTriangularLower<Real>* l,
                                            Matrix<Real>* inverse) const;
 
     // ---- RQD ----
 
+    /// A X = B, A x = b by A = R Q.
     bool srq_Solve_based_on_RQD(const Matrix<Real>* a, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;
     bool srq_Solve_based_on_RQD(const Matrix<Real>* a, const Vector<Real>* b,
                                 Vector<Real>* x) const;
+    /// A^-1 by A = R Q.
     bool irq_Inverse_matrix_based_on_RQD(const Matrix<Real>* a, Matrix<Real>* inverse) const;
+    /// x = Q (R^-1 b), Q as handed over: beware, see above. The raw form works in place.
     bool u_srq_Solve_based_on_RQD(const MatrixTriangularUpper<Real>* r, const Matrix<Real>* q,
                                   const Matrix<Real>* b, Matrix<Real>* x) const;
     bool u_srq_Solve_based_on_RQD(const MatrixTriangularUpper<Real>* r, const Matrix<Real>* q,
                                   const Vector<Real>* b, Vector<Real>* x) const;
     bool u_srq_Solve_based_on_RQD(const MatrixTriangularUpper<Real>* r, const Matrix<Real>* q,
                                   Real* data, bool row_major, int k, int n) const;
+    /// Q R^-1, Q as handed over.
     bool u_irq_Inverse_matrix_based_on_RQD(const MatrixTriangularUpper<Real>* r,
                                            const Matrix<Real>* q, Matrix<Real>* inverse) const;
 
     // ---- LQD ----
 
+    /// A X = B, A x = b by A = L Q.
     bool slq_Solve_based_on_LQD(const Matrix<Real>* a, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;
     bool slq_Solve_based_on_LQD(const Matrix<Real>* a, const Vector<Real>* b,
                                 Vector<Real>* x) const;
+    /// A^-1 by A = L Q.
     bool ilq_Inverse_matrix_based_on_LQD(const Matrix<Real>* a, Matrix<Real>* inverse) const;
+    /// x = Q (L^-1 b), Q as handed over: beware, see above. The raw form works in place.
     bool u_slq_Solve_based_on_LQD(const MatrixTriangularLower<Real>* l, const Matrix<Real>* q,
                                   const Matrix<Real>* b, Matrix<Real>* x) const;
     bool u_slq_Solve_based_on_LQD(const MatrixTriangularLower<Real>* l, const Matrix<Real>* q,
                                   const Vector<Real>* b, Vector<Real>* x) const;
     bool u_slq_Solve_based_on_LQD(const MatrixTriangularLower<Real>* l, const Matrix<Real>* q,
                                   Real* data, bool row_major, int k, int n) const;
+    /// Q L^-1, Q as handed over.
     bool u_ilq_Inverse_matrix_based_on_LQD(const MatrixTriangularLower<Real>* l,
                                            const Matrix<Real>* q, Matrix<Real>* inverse) const;
 

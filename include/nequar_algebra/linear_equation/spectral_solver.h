@@ -22,23 +22,29 @@ namespace nequar {
 /// with the decomposition failed (recorded before). Beside those named below there are "out of
 /// memory" and "cannot size the output".
 ///
-/// Cost: that of the decomposition with both factors, about 25 n^3.
+/// A decomposition that has not converged within its limit, 100 + 40 n steps, is a failure here:
+/// "not converged" under the name of `u_dsvb_…`, then "1" under that of `dsvb_…`, then "1".
+///
+/// Cost: that of the decomposition with both factors, about 25 n^3. Source: Golub and Van Loan,
+/// Matrix Computations, 5.5.
 template <class Real>
 class NEQUAR_API SpectralSolver : public EigenSolver<Real> {
 public:
+    /// A X = B, A x = b, for a square A of full rank.
     bool ssv_Solve_based_on_SVD(const Matrix<Real>* a, Real tolerance, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;
     bool ssv_Solve_based_on_SVD(const Matrix<Real>* a, Real tolerance, const Vector<Real>* b,
                                 Vector<Real>* x) const;
+    /// A^-1, for a square A of full rank.
     bool isv_Inverse_matrix_based_on_SVD(const Matrix<Real>* a, Real tolerance,
                                          Matrix<Real>* inverse) const;
     /// The pseudo-inverse, n x m for A of m x n with m >= n or m < n.
     bool pisv_Pseudo_Inverse_matrix_based_on_SVD(const Matrix<Real>* a, Real tolerance,
                                                  Matrix<Real>* inverse) const;
 
-    /// From the decomposition. "1": `u_tcs_…` refuses it. "2": the rank is not the number of rows
-    /// of the right-hand side. Layout of raw arrays, n x k: with row_major element (i, c) is
-    /// data[i k + c]; without, right-hand side c is data[c n … c n + n-1].
+    /// A X = B, A x = b from the decomposition. "1": `u_tcs_…` refuses it. "2": the rank is not the
+    /// number of rows of the right-hand side. Layout of raw arrays, n x k: with row_major element
+    /// (i, c) is data[i k + c]; without, right-hand side c is data[c n … c n + n-1].
     bool u_ssv_Solve_based_on_SVD(const Matrix<Real>* u, const MatrixDiagonal<Real>* s,
                                   const Matrix<Real>* v, Real tolerance, const Matrix<Real>* b,
                                   Matrix<Real>* x) const;
@@ -48,13 +54,13 @@ public:
     bool u_ssv_Solve_based_on_SVD(const Matrix<Real>* u, const MatrixDiagonal<Real>* s,
                                   const Matrix<Real>* v, Real tolerance, Real* data, bool row_major,
                                   int k, int n) const;
-    /// "1": `u_tcs_…` refuses the decomposition.
+    /// A^-1 from the decomposition. "1": `u_tcs_…` refuses it.
     bool u_isv_Inverse_matrix_based_on_SVD(const Matrix<Real>* u, const MatrixDiagonal<Real>* s,
                                            const Matrix<Real>* v, Real tolerance,
                                            Matrix<Real>* inverse) const;
-    /// The components whose singular values exceed tolerance s[0], up to the first that does not;
-    /// a zero matrix has the pseudo-inverse zero. U may have all of its columns, or the leading
-    /// ones alone, as many as there are singular values; V as many as S is wide.
+    /// A^+ from the components whose singular values exceed tolerance s[0], up to the first that
+    /// does not; a zero matrix has the pseudo-inverse zero. U may have all of its columns, or the
+    /// leading ones alone, as many as there are singular values; V as many as S is wide.
     ///
     /// "1", "2": the sizes of U, of V do not fit those of S. "3": the tolerance is not in [0, 1).
     /// "incorrect ordering", "negative value", "not finite": as in `u_rsv_…`, but under this name.

@@ -44,17 +44,22 @@ struct Strided;
 /// side c is data[c n … c n + n-1]. Sizes multiply in 64 bits.
 ///
 /// Cost: the factorization (LU 2/3 n^3, Cholesky 1/3 n^3), 2 n^2 for a right-hand side, 4/3 n^3
-/// more for an inverse from LU and 2/3 n^3 from Cholesky. The object forms work on the dense
-/// factors: nothing is packed.
+/// more for an inverse from LU and 2/3 n^3 from Cholesky. Gauss-Jordan takes 2 n^3 and 2 n^2 for a
+/// right-hand side. The object forms work on the dense factors: nothing is packed.
+///
+/// Sources: Golub and Van Loan, Matrix Computations, 3.1 to 3.4 and 4.2; Higham, Accuracy and
+/// Stability of Numerical Algorithms, chapter 14 (inverses).
 template <class Real>
 class NEQUAR_API TriangularSolver : public MatrixFactorization<Real> {
 public:
     // ---- LUD ----
 
+    /// A X = B, A x = b. "1", "2" as said above. 2/3 n^3, and 2 n^2 for each right-hand side.
     bool slu_Solve_based_on_LUD(const Matrix<Real>* a, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;
     bool slu_Solve_based_on_LUD(const Matrix<Real>* a, const Vector<Real>* b,
                                 Vector<Real>* x) const;
+    /// A^-1. "1", "2" as said above. 2 n^3.
     bool ilu_Inverse_matrix_based_on_LUD(const Matrix<Real>* a, Matrix<Real>* inverse) const;
 
     /// Solves with P A = L U: row i of L U is row perm[i] of A. L need not have a unit diagonal.
@@ -64,7 +69,7 @@ public:
     bool u_slu_Solve_based_on_LUD(const MatrixTriangularLower<Real>* l,
                                   const MatrixTriangularUpper<Real>* u, const CNqVectorInt* perm,
                                   const Vector<Real>* b, Vector<Real>* x) const;
-    /// In place on an array of n k elements. k below 1 gives "1" too.
+    /// The same in place on an array of n k elements. k below 1 gives "1" too.
     ///
     /// Right-hand sides are read at data[perm[i] k + c] WHATEVER THE LAYOUT, all of them before
     /// anything is overwritten; solutions are written in the layout. So without row_major, and with
@@ -72,53 +77,66 @@ public:
     bool u_slu_Solve_based_on_LUD(const MatrixTriangularLower<Real>* l,
                                   const MatrixTriangularUpper<Real>* u, const CNqVectorInt* perm,
                                   Real* data, bool row_major, int k, int n) const;
+    /// A^-1 from the factors.
     bool u_ilu_Inverse_matrix_based_on_LUD(const MatrixTriangularLower<Real>* l,
                                            const MatrixTriangularUpper<Real>* u,
                                            const CNqVectorInt* perm, Matrix<Real>* inverse) const;
 
     // ---- LUP: as LUD, with partial pivoting; `u_slu_…` solves with its factors, too ----
 
+    /// A X = B, A x = b, for a general matrix.
     bool slup_Solve_based_on_LUP(const Matrix<Real>* a, const Matrix<Real>* b,
                                  Matrix<Real>* x) const;
     bool slup_Solve_based_on_LUP(const Matrix<Real>* a, const Vector<Real>* b,
                                  Vector<Real>* x) const;
+    /// A^-1. 2 n^3.
     bool ilup_Inverse_matrix_based_on_LUP(const Matrix<Real>* a, Matrix<Real>* inverse) const;
 
     // ---- LLD and UUD ----
 
+    /// A X = B, A x = b by A = L L^T. 1/3 n^3, and 2 n^2 for each right-hand side.
     bool sll_Solve_based_on_LLD(const MatrixSymmetric<Real>* a, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;
     bool sll_Solve_based_on_LLD(const MatrixSymmetric<Real>* a, const Vector<Real>* b,
                                 Vector<Real>* x) const;
+    /// A^-1 by A = L L^T, both triangles. n^3.
     bool ill_Inverse_matrix_based_on_LLD(const MatrixSymmetric<Real>* a,
                                          Matrix<Real>* inverse) const;
+    /// The same by A = U U^T.
     bool suu_Solve_based_on_UUD(const MatrixSymmetric<Real>* a, const Matrix<Real>* b,
                                 Matrix<Real>* x) const;
     bool suu_Solve_based_on_UUD(const MatrixSymmetric<Real>* a, const Vector<Real>* b,
                                 Vector<Real>* x) const;
+    /// A^-1 by A = U U^T, both triangles. n^3.
     bool iuu_Inverse_matrix_based_on_UUD(const MatrixSymmetric<Real>* a,
                                          Matrix<Real>* inverse) const;
 
+    /// From the factor: L L^T X = B.
     bool u_sll_Solve_based_on_LLD(const MatrixTriangularLower<Real>* l, const Matrix<Real>* b,
                                   Matrix<Real>* x) const;
     bool u_sll_Solve_based_on_LLD(const MatrixTriangularLower<Real>* l, const Vector<Real>* b,
                                   Vector<Real>* x) const;
-    /// In place. The number k is not checked: below 1 there is nothing to solve.
+    /// The same in place. The number k is not checked: below 1 there is nothing to solve.
     bool u_sll_Solve_based_on_LLD(const MatrixTriangularLower<Real>* l, Real* data, bool row_major,
                                   int k, int n) const;
+    /// (L L^T)^-1.
     bool u_ill_Inverse_matrix_based_on_LLD(const MatrixTriangularLower<Real>* l,
                                            Matrix<Real>* inverse) const;
+    /// From the factor: U U^T X = B, the raw form as that of LLD.
     bool u_suu_Solve_based_on_UUD(const MatrixTriangularUpper<Real>* u, const Matrix<Real>* b,
                                   Matrix<Real>* x) const;
     bool u_suu_Solve_based_on_UUD(const MatrixTriangularUpper<Real>* u, const Vector<Real>* b,
                                   Vector<Real>* x) const;
     bool u_suu_Solve_based_on_UUD(const MatrixTriangularUpper<Real>* u, Real* data, bool row_major,
                                   int k, int n) const;
+    /// (U U^T)^-1.
     bool u_iuu_Inverse_matrix_based_on_UUD(const MatrixTriangularUpper<Real>* u,
                                            Matrix<Real>* inverse) const;
 
     // ---- GJE ----
 
+    /// A X = B, A x = b by Gauss-Jordan elimination with full pivoting.
+    ///
     /// "1": A is not square; "2": B does not have n rows; "3": the elimination failed. The vector
     /// form: "1": A is not square or b not of size n; "2": the elimination failed.
     ///
@@ -127,7 +145,7 @@ public:
                                 Matrix<Real>* x) const;
     bool sgj_Solve_based_on_GJE(const Matrix<Real>* a, const Vector<Real>* b,
                                 Vector<Real>* x) const;
-    /// "1": A is not square; "2": the elimination failed.
+    /// A^-1 by Gauss-Jordan elimination. "1": A is not square; "2": the elimination failed.
     bool igj_Inverse_matrix_based_on_GJE(const Matrix<Real>* a, Matrix<Real>* inverse) const;
 
     /// Gauss-Jordan elimination of A, n x n, and B, n x k, both overwritten; B becomes the

@@ -29,6 +29,9 @@ struct SparseInside;
 /// leaves an empty 0 x 0 matrix. Changing the number of elements by `z_cne` alone can put it out of
 /// step with the start pointers: nothing is then read or written outside the storage, but what the
 /// operations give is not specified.
+///
+/// Cost, where an operation does not name it: O(stored elements + width) for what speaks of the
+/// whole matrix, O(1) for sizes and tests of indices.
 template <class Real>
 class NEQUAR_API CompressedColumns : public CNqClass {
 public:
@@ -104,7 +107,8 @@ public:
         return ivrb(x, y, dx, dy);
     }
 
-    /// Removes the explicit zeros, O(stored + width).
+    /// Removes the explicit zeros, O(stored + width). ("dec[ww-1]!=count", a failed check of the
+    /// count, does not occur.)
     bool rze();
     bool rze_Remove_Zero_Elements() { return rze(); }
 

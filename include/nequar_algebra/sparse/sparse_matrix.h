@@ -91,32 +91,35 @@ public:
     // ---- columns, rows, blocks ------------------------------------------------------------------
 
     /// Rows y … y+dy-1 of column x, explicit zeros included; room for four more elements than the
-    /// column has. "bad index range", "czv", "z_cne".
+    /// column has. "bad index range", "czv", "z_cne". O(log of the column + elements found).
     bool gc(int x, int y, int dy, SparseVector<Real>* out) const;
     bool gc_Get_Column(int x, int y, int dy, SparseVector<Real>* out) const {
         return gc(x, y, dy, out);
     }
     /// Columns x … x+dx-1 of row y, explicit zeros included: "bad index range", "czv", "z_cne".
+    /// O(dx log of a column).
     bool gr(int x, int y, int dx, SparseVector<Real>* out) const;
     bool gr_Get_Row(int x, int y, int dx, SparseVector<Real>* out) const {
         return gr(x, y, dx, out);
     }
     /// The dy x dx block whose first element is (x, y), without explicit zeros: "bad index range",
-    /// "czm", "11".
+    /// "czm", "11" ("s1[in_dx1]!=k1", a failed check of the count, does not occur). O(dx log of a
+    /// column + elements found).
     bool gb(int x, int y, int dx, int dy, SparseMatrix* out) const;
     bool gb_Get_Block(int x, int y, int dx, int dy, SparseMatrix* out) const {
         return gb(x, y, dx, dy, out);
     }
     /// Replaces rows y … y+m-1 of column x by what a vector of dimension m stores, explicit zeros
-    /// included: "bad index range", "r_Replace 1", "r_Replace 2".
+    /// included: "bad index range", "r_Replace 1", "r_Replace 2". What stands behind is moved:
+    /// O(stored + width).
     bool sc(int x, int y, const SparseVector<Real>* v);
     bool sc_Set_Column(int x, int y, const SparseVector<Real>* v) { return sc(x, y, v); }
     /// Makes columns x … x+m-1 of row y equal to a vector of dimension m: stored elements are
     /// overwritten and stay stored, by 0.0 where v stores nothing; others are inserted where v is
-    /// not 0.0. "bad index range", "i_Insert 1", "i_Insert 2".
+    /// not 0.0. "bad index range", "i_Insert 1", "i_Insert 2". O(stored + width + m), in one pass.
     bool sr(int x, int y, const SparseVector<Real>* v);
     bool sr_Set_Row(int x, int y, const SparseVector<Real>* v) { return sr(x, y, v); }
-    /// The same for the block whose first element is (x, y).
+    /// The same for the block whose first element is (x, y), in one pass.
     bool sb(int x, int y, const SparseMatrix* b);
     bool sb_Set_Block(int x, int y, const SparseMatrix* b) { return sb(x, y, b); }
 
@@ -136,7 +139,7 @@ public:
     bool smm(const SparseMatrix* b);
     bool smm_Subtract_Matrix_Matrix(const SparseMatrix* b) { return smm(b); }
     /// this += u v^T over the stored non-zeros of u (dimension height) and v (dimension width):
-    /// "dim1!=hh", "dim2!=ww", "i_Insert 1", "i_Insert 2".
+    /// "dim1!=hh", "dim2!=ww", "i_Insert 1", "i_Insert 2". O(stored + width + products).
     bool mvva(const SparseVector<Real>* u, const SparseVector<Real>* v);
     bool mvva_Multiply_Vector_Vector_and_Accumulate(const SparseVector<Real>* u,
                                                     const SparseVector<Real>* v) {
@@ -200,12 +203,14 @@ public:
     /// division has to fail); a constant that is not finite is refused ("1").
     bool u_toe_Test_Operations_Elementary(int d1, int d2, double density, double min, double max,
                                           double constant, int repetitions);
+    /// Every part of a column (row, block) read, and written into another matrix.
     bool u_toc_Test_Operations_for_Columns(int d1, int d2, double density, double min, double max,
                                            int repetitions);
     bool u_tor_Test_Operations_for_Rows(int d1, int d2, double density, double min, double max,
                                         int repetitions);
     bool u_tob_Test_Operations_for_Blocks(int d1, int d2, double density, double min, double max,
                                           int repetitions);
+    /// Sums, products and distances of two matrices, the rank-one update, the transpose.
     bool u_tom_Test_Operations_with_Matrices(int d1, int d2, double density, double min, double max,
                                              int repetitions);
     /// All of them in this order, each with its repetitions, to the first that fails; its name is

@@ -23,6 +23,10 @@ namespace nequar {
 /// entry is true, and may choose none. All operations answer true on success and record their
 /// failures; outputs sized before a failing check stay sized. Beside the details named below there
 /// are "out of memory" and "cannot size the output". Short names forward to the long ones.
+///
+/// Cost: O(1) a number, by the ziggurat of `Nq_Rand_Gaussianf`; a vector of dimension d with a
+/// covariance costs 2 d^2 operations beside its numbers, and each call that generates such vectors
+/// decomposes the covariance once, by Jacobi rotations (some 40 d^3).
 template <class Real>
 class NEQUAR_API GaussianGenerator : public RandomNumberGenerator<Real> {
 public:

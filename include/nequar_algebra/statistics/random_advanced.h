@@ -11,6 +11,11 @@ namespace nequar {
 /// rows of an n x d matrix when it is false. Outputs may be inputs. All operations answer true on
 /// success and record their failures; vectors sized before a failing check stay sized, scalar
 /// outputs are written on success alone.
+///
+/// Cost: O(n d) where nothing else is said; a covariance n d^2, a density 2/3 d^3 for the
+/// determinant and 2 d^2 a sample, an estimate O(n d) a query.
+///
+/// Source of the estimates: Duda, Hart and Stork, Pattern Classification, 4.3 and 4.4.
 template <class Real>
 class NEQUAR_API RandomNumberGeneratorAdvanced : public GaussianGenerator<Real> {
 public:
@@ -101,28 +106,35 @@ public:
         const Matrix<Real>& queries, const Matrix<Real>& samples, bool by_column, Real h,
         Vector<Real>& p);
 
-    // Short names.
+    // ---- short names: the arguments are handed on as they are ----
+
+    /// `csn_Compute_Statistics_of_random_Numbers`.
     template <class... Arguments>
     bool csn(Arguments&&... arguments) const {
         return csn_Compute_Statistics_of_random_Numbers(static_cast<Arguments&&>(arguments)...);
     }
+    /// `csv_Compute_Statistics_of_random_Vectors`.
     template <class... Arguments>
     bool csv(Arguments&&... arguments) const {
         return csv_Compute_Statistics_of_random_Vectors(static_cast<Arguments&&>(arguments)...);
     }
+    /// `csd_Compute_Set_of_Distances`.
     template <class... Arguments>
     bool csd(Arguments&&... arguments) const {
         return csd_Compute_Set_of_Distances(static_cast<Arguments&&>(arguments)...);
     }
+    /// `cpgm_Compute_Pdf_of_Gaussian_Multivariate`.
     template <class... Arguments>
     bool cpgm(Arguments&&... arguments) {
         return cpgm_Compute_Pdf_of_Gaussian_Multivariate(static_cast<Arguments&&>(arguments)...);
     }
+    /// `epknne_Estimated_Pdf_based_on_K_Nearest_Neighbor_Estimation`.
     template <class... Arguments>
     bool epknne(Arguments&&... arguments) {
         return epknne_Estimated_Pdf_based_on_K_Nearest_Neighbor_Estimation(
             static_cast<Arguments&&>(arguments)...);
     }
+    /// `eppwh_Estimate_Pdf_based_on_Parzen_Window_with_Hypercube_window`.
     template <class... Arguments>
     bool eppwh(Arguments&&... arguments) {
         return eppwh_Estimate_Pdf_based_on_Parzen_Window_with_Hypercube_window(

@@ -6,7 +6,11 @@
 
 namespace nequar {
 
-enum class NEQUAR_API TriangleSide { lower, upper };
+/// Which triangle a `MatrixTriangular` stores.
+enum class NEQUAR_API TriangleSide {
+    lower,  ///< on and below the diagonal
+    upper   ///< on and above the diagonal
+};
 
 /// What matrices that keep their elements packed in a vector share: their shape and the rules of
 /// their coordinates.
@@ -29,6 +33,10 @@ enum class NEQUAR_API TriangleSide { lower, upper };
 ///
 /// Copies are deep. A move leaves an empty matrix, 0 x 0 without elements, which may be used like
 /// any other.
+///
+/// Cost: an element is found in O(1), a band is one run of memory, a row or a column one step
+/// through memory for each of its elements; the position of an index is searched in O(log order).
+/// Imports and exports are one pass over the matrix.
 template <class Real>
 class NEQUAR_API PackedMatrix : public Vector<Real> {
 public:

@@ -51,8 +51,8 @@ public:
     /// elements[r * order + c] when row_major is true, elements[c * order + r] when it is false.
     void ex_Export(bool row_major, Real* elements, int* order) const;
 
-    /// a_x^y, x and y wrapped: -1 is the last. By squarings, so rounding differs from that of
-    /// repeated products. 0.0 and detail "1" without nodes, as for rows and columns.
+    /// Element a_x^y, x and y wrapped: -1 is the last. By squarings, so rounding differs from that
+    /// of repeated products. 0.0 and detail "1" without nodes, as for rows and columns.
     Real ge_Get_Element(int x, int y) const;
     /// Row `index` (wrapped), that power of all nodes; column `index`, all powers of that node.
     void gr_Get_Row(int index, Real* out) const;

@@ -158,17 +158,6 @@ void reduce_one(const Panel<Real>& panel, Size j, Size k, Real* d, Real* f,
                  Update::accumulate, x);
 }
 
-// Zeros above the reflectors within each block, and the couplings.
-template <class Real>
-void finish_blocks(const ReflectorStore<Real>* store) {
-    if (store == nullptr) return;
-    for (Size k = 0; k < store->count(); k += store->block) {
-        const View<Real> vectors = store->vectors_of_block(k);
-        for (Size j = 1; j < vectors.width; ++j) kernel::fill(Real(0), vectors.block(0, j, j, 1));
-        couple_reflectors(reading(vectors), store->coupling_of_block(k));
-    }
-}
-
 template <class Real>
 Outcome bidiagonalize_blocked(View<Real> a, Real* d, Real* f, const BidiagonalStores<Real>& stores,
                               Size block) {
@@ -218,8 +207,8 @@ Outcome bidiagonalize(View<Real> a, Real* d, Real* f, const BidiagonalStores<Rea
     const Outcome outcome = block <= 1 ? bidiagonalize_plain(a, d, f, stores)
                                        : bidiagonalize_blocked(a, d, f, stores, block);
     if (!outcome) return outcome;
-    finish_blocks(stores.left);
-    finish_blocks(stores.right);
+    if (stores.left != nullptr) finish_store(*stores.left);
+    if (stores.right != nullptr) finish_store(*stores.right);
     return Outcome::success();
 }
 

@@ -83,6 +83,15 @@ void apply_block_reflector(Side side, View<const Real> u, View<const Real> s, Vi
 }
 
 template <class Real>
+void finish_store(const ReflectorStore<Real>& store) {
+    for (Size k = 0; k < store.count(); k += store.block) {
+        const View<Real> u = store.vectors_of_block(k);
+        for (Size j = 1; j < u.width; ++j) kernel::fill(Real(0), u.block(0, j, j, 1));
+        couple_reflectors(reading(u), store.coupling_of_block(k));
+    }
+}
+
+template <class Real>
 void apply_reflectors(Side side, const ReflectorStore<Real>& store, View<Real> c, View<Real> w) {
     const Size count = store.count();
     const Size blocks = (count + store.block - 1) / store.block;
@@ -196,11 +205,7 @@ Outcome form_orthogonal(View<Real> q, Size count) {
     if (!couplings) return {OutcomeKind::no_memory};
     const ReflectorStore<Real> store{q.columns(0, count),
                                      View<Real>(couplings.data(), kBlock, count, count), kBlock};
-    for (Size k = 0; k < count; k += kBlock) {
-        const View<Real> u = store.vectors_of_block(k);
-        for (Size j = 1; j < u.width; ++j) kernel::fill(Real(0), u.block(0, j, j, 1));
-        couple_reflectors(reading(u), store.coupling_of_block(k));
-    }
+    finish_store(store);
     return form_orthogonal(store, q);
 }
 
@@ -236,6 +241,7 @@ void form_orthogonal_plain(View<const Real> vectors, View<Real> q, Scratch<Real>
     template void couple_blocks(View<const Real>, View<const Real>, View<Real>);               \
     template void apply_block_reflector(Side, View<const Real>, View<const Real>, View<Real>,  \
                                         View<Real>);                                           \
+    template void finish_store(const ReflectorStore<Real>&);                                   \
     template void apply_reflectors(Side, const ReflectorStore<Real>&, View<Real>, View<Real>); \
     template void apply_reflectors_plain(Side, View<const Real>, View<Real>, Strided<Real>);   \
     template void form_orthogonal(const ReflectorStore<Real>&, View<Real>, Scratch<Real>);     \

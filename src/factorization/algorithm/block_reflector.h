@@ -56,6 +56,11 @@ struct ReflectorStore {
     }
 };
 
+// Of reflectors that were found one by one, vector k in column k from row k down: zeros above them
+// within each block, and the couplings.
+template <class Real>
+void finish_store(const ReflectorStore<Real>& store);
+
 // C := Q C or Q^T C, C with as many rows as the vectors; w (block x width of C) is scratch
 template <class Real>
 void apply_reflectors(Side side, const ReflectorStore<Real>& store, View<Real> c, View<Real> w);

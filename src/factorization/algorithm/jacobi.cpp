@@ -5,13 +5,14 @@
 
 #include "core/checked_size.h"
 #include "core/workspace.h"
+#include "factorization/algorithm/scratch.h"
 #include "kernel/kernel.h"
 
 namespace nequar {
 
 namespace {
 
-constexpr Size kBlock = 16;  // rows q whose columns are copied together
+constexpr Size kBlock = 16;  // rows q whose angles are found before they are rotated
 constexpr Size kRows = 16;   // rows p whose rotations reach V together
 constexpr Size kLane = 32;   // columns of V's narrowest strip
 
@@ -65,18 +66,6 @@ Real sum_above_diagonal(View<const Real> a) {
     return sum;
 }
 
-template <class Real>
-void mirror_upper(View<Real> a) {
-    for (Size i = 0; i < a.height; i += kBlock) {
-        const Size height = a.height - i < kBlock ? a.height - i : kBlock;
-        const Size next = i + height;
-        const Size rest = a.height - next;
-        kernel::transpose(reading(a.block(i, next, height, rest)), a.block(next, i, rest, height));
-        for (Size r = i; r < next; ++r)
-            for (Size c = r + 1; c < next; ++c) a(c, r) = a(r, c);
-    }
-}
-
 // ---- classical ----------------------------------------------------------------------------------
 
 template <class Real>
@@ -113,42 +102,63 @@ void jacobi_classical(View<Real> a, Real* d, const View<Real>* vt, std::int64_t 
 
 // ---- cyclic -------------------------------------------------------------------------------------
 
-// All pairs (p, q) of one p; the pairs of s and tau, 2 (n - p - 1) numbers, are kept for V.
+// The pairs (p, q) of one p and of a block of rows q, as far as they concern the block's own
+// columns: the angles come out of these alone.
 template <class Real>
-void rotate_row(View<Real> a, Real* d, Size p, Real threshold, Real* pairs,
+bool find_angles(View<Real> square, Real* d, Size p, Size begin, Real* row, Real threshold,
+                 Real* pairs, std::int64_t& annihilated) {
+    const Size count = square.height;
+    bool any = false;
+    for (Size i = 0; i < count; ++i) {
+        pairs[2 * i] = pairs[2 * i + 1] = 0;
+        const Real apq = row[i];
+        if (!(std::abs(apq) > threshold)) continue;
+        const Angle<Real> angle = annihilate(apq, d[p], d[begin + i]);
+        ++annihilated;
+        if (angle.s != 0) {
+            pairs[2 * i] = angle.s;
+            pairs[2 * i + 1] = angle.tau;
+            kernel::rotate_with_rows(pairs + 2 * i, row, square.rows(i, 1));
+            square(i, i) = 0;
+            for (Size r = 0; r < count; ++r) square(r, i) = square(i, r);
+            any = true;
+        }
+        row[i] = 0;
+    }
+    return any;
+}
+
+// All pairs (p, q) of one p; the pairs of s and tau, 2 (n - p - 1) numbers, are kept for V. `lines`
+// has room for a block of rows.
+template <class Real>
+void rotate_row(View<Real> a, Real* d, Size p, Real threshold, Real* pairs, View<Real> lines,
                 std::int64_t& annihilated) {
     const Size n = a.height;
     Real* const row = a.row(p).data;
-    row[p] = 0;
+    Real elements[kBlock * kBlock];
     for (Size begin = p + 1; begin < n; begin += kBlock) {
-        const Size end = n - begin < kBlock ? n : begin + kBlock;
-        bool any = false;
-        for (Size q = begin; q < end; ++q) {
-            Real* const pair = pairs + 2 * (q - p - 1);
-            pair[0] = pair[1] = 0;
-            const Real apq = row[q];
-            if (!(std::abs(apq) > threshold)) continue;
-            const Angle<Real> angle = annihilate(apq, d[p], d[q]);
-            ++annihilated;
-            if (angle.s != 0) {
-                pair[0] = angle.s;
-                pair[1] = angle.tau;
-                kernel::rotate_with_rows(pair, row, a.rows(q, 1));
-                a(q, q) = 0;
-                for (Size r = begin; r < end; ++r) a(r, q) = a(q, r);
-                any = true;
-            }
-            row[q] = 0;
-            row[p] = 0;
+        const Size height = n - begin < kBlock ? n - begin : kBlock;
+        const Size end = begin + height;
+        Real* const angles = pairs + 2 * (begin - p - 1);
+        const View<Real> square(elements, height, height, kBlock);
+        for (Size i = 0; i < height; ++i) {
+            square(i, i) = 0;
+            for (Size j = i + 1; j < height; ++j)
+                square(i, j) = square(j, i) = a(begin + i, begin + j);
         }
-        if (!any) continue;
-        const Size height = end - begin;
+        if (!find_angles(square, d, p, begin, row + begin, threshold, angles, annihilated))
+            continue;
+        for (Size i = 0; i < height; ++i)
+            for (Size j = i + 1; j < height; ++j) a(begin + i, begin + j) = square(i, j);
+        kernel::rotate_with_rows(angles, row, a.block(begin, 0, height, p));
+        kernel::rotate_with_rows(angles, row + end, a.block(begin, end, height, n - end));
         const Size between = begin - p - 1;
-        const Size after = n - end;
-        kernel::transpose(reading(a.block(begin, p + 1, height, between)),
-                          a.block(p + 1, begin, between, height));
-        kernel::transpose(reading(a.block(begin, end, height, after)),
-                          a.block(end, begin, after, height));
+        if (between == 0) continue;
+        const View<Real> columns = a.block(p + 1, begin, between, height);
+        const View<Real> turned = lines.block(0, 0, height, between);
+        kernel::transpose(reading(columns), turned);
+        kernel::rotate_with_rows(angles, row + p + 1, turned);
+        kernel::transpose(reading(turned), columns);
     }
     for (Size i = p + 1; i < n; ++i) a(i, p) = row[i];
 }
@@ -171,10 +181,17 @@ void rotate_vectors(View<Real> vt, Size first, Size count, const Real* pairs, Si
     }
 }
 
-// Takes the lower triangle, where rotations of later rows have left what is current, to the upper.
+// Takes the lower triangle, where the sweep has left what is current, to the upper.
 template <class Real>
 void finish_sweep(View<Real> a) {
-    mirror_upper(a.transposed());
+    for (Size i = 0; i < a.height; i += kBlock) {
+        const Size height = a.height - i < kBlock ? a.height - i : kBlock;
+        const Size next = i + height;
+        const Size rest = a.height - next;
+        kernel::transpose(reading(a.block(next, i, rest, height)), a.block(i, next, height, rest));
+        for (Size r = i; r < next; ++r)
+            for (Size c = r + 1; c < next; ++c) a(r, c) = a(c, r);
+    }
 }
 
 }  // namespace
@@ -197,9 +214,11 @@ Outcome jacobi(JacobiMode mode, View<Real> a, Real* d, const View<Real>* vt,
         jacobi_classical(a, d, vt, rotations, tolerance * unit, counts);
         return Outcome::success();
     }
-    Workspace<Real> pairs(2 * n * kRows);
-    if (!pairs) return {OutcomeKind::no_memory};
-    mirror_upper(a);
+    const Size stride = padded_length(n);
+    Workspace<Real> work(2 * n * kRows + kBlock * stride);
+    if (!work) return {OutcomeKind::no_memory};
+    Real* const pairs = work.data() + kBlock * stride;
+    const View<Real> lines(work.data(), kBlock, n, stride);
     Real off = 2 * sum_above_diagonal(reading(a));
     if (mode == JacobiMode::relative) {
         const Strided<const Real> diagonal(d, n);
@@ -213,8 +232,8 @@ Outcome jacobi(JacobiMode mode, View<Real> a, Real* d, const View<Real>* vt,
         for (Size p = 0; p + 1 < n; p += kRows) {
             const Size count = n - 1 - p < kRows ? n - 1 - p : kRows;
             for (Size i = 0; i < count; ++i)
-                rotate_row(a, d, p + i, threshold, pairs.data() + i * 2 * n, counts.annihilated);
-            if (vt != nullptr) rotate_vectors(*vt, p, count, pairs.data(), 2 * n);
+                rotate_row(a, d, p + i, threshold, pairs + i * 2 * n, lines, counts.annihilated);
+            if (vt != nullptr) rotate_vectors(*vt, p, count, pairs, 2 * n);
         }
         finish_sweep(a);
         off = 2 * sum_above_diagonal(reading(a));

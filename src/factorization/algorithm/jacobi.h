@@ -13,14 +13,15 @@
 //   j) threshold   cyclic by rows; in the first three sweeps the threshold 0.2 off / n^2; until off
 //   = 0 relative    cyclic by rows; until sqrt(off) <= tolerance * the Frobenius norm of the input
 //
-// with off = 2 sum of a_ij^2 over i < j. The cyclic forms keep A whole, both triangles, and walk
-// its rows. While the rows of p's pairs are rotated,
+// with off = 2 sum of a_ij^2 over i < j. The cyclic forms work on p's pairs in blocks of rows q:
 //
-//          j < p    p    p < j          row p and row q are rotated as they lie;
-//      p  [ row p, in use      ]        what a rotation changes in column q of the rows below is
-//      q  [ row q              ]        copied there for a block of rows q at once, by a transpose;
-//         [ .......            ]        column p, from row p, when p is done; and the columns of
-//                                       rows above, which rest until the next sweep, at its end.
+//          j < p    p  between   block    after    the angles come out of r and the block's own
+//      p  [ left  |   |         | r    | right ]   square; then row p and the rows of the block
+//         [       |   |         | B    |       ]   are rotated: L and R as they lie, L in the lower
+//      q  [ L     |   |         | \    | R     ]   triangle, R in the upper; between the two as
+//      q  [ L     |   |         |   \  | R     ]   columns B, turned
+//
+// and what the sweep has left in the lower triangle is taken to the upper at its end.
 //
 // V is kept transposed, so that its rows are rotated: one row p with many rows q at once.
 //

@@ -48,10 +48,14 @@ auto RotationSweeps<Real>::range_of(Size begin, Size end) const -> Range {
 template <class Real>
 void RotationSweeps<Real>::fill_with_identity(Size sweep, Size first, Size last) {
     Real* const pairs = pairs_ + sweep * stride();
-    for (Size i = first; i < last; ++i) {
-        pairs[2 * i] = 1;
-        pairs[2 * i + 1] = 0;
-    }
+    for (Size i = 2 * first; i < 2 * last; ++i) pairs[i] = 0;
+}
+
+// (c, s) -> (s / (1 + c), s), the form that the kernel takes.
+template <class Real>
+void RotationSweeps<Real>::turn_into_shears(Size sweep, Size first, Size last) {
+    Real* const pairs = pairs_ + sweep * stride();
+    for (Size i = first; i < last; ++i) pairs[2 * i] = pairs[2 * i + 1] / (1 + pairs[2 * i]);
 }
 
 //   column   j          Rows i with i + 1 + reach < j have nothing but zeros in the strip from
@@ -66,6 +70,7 @@ void RotationSweeps<Real>::apply(View<Real> a, Size reach) {
         const Range group = range_of(r, end);
         for (Size k = r; k < end; ++k) {
             fill_with_identity(k, group.first, ranges_[k].first);
+            turn_into_shears(k, ranges_[k].first, ranges_[k].last);
             fill_with_identity(k, ranges_[k].last, group.last);
         }
     }

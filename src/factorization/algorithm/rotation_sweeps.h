@@ -42,7 +42,7 @@ public:
 
     // Records one more sweep, of the rotations first ... last - 1, 0 <= first < last < rows, all of
     // which the caller writes: that of rows i and i + 1 to [2 i] and [2 i + 1] of the answer. Not
-    // when full.
+    // when full. No c is near -1 (the larger of c and s is not negative).
     Real* begin(Size first, Size last);
 
     // Applies what is recorded to the rows of A, and forgets it.
@@ -53,7 +53,7 @@ public:
 
 private:
     static constexpr Size kCapacity = 96;  // sweeps of a batch
-    static constexpr Size kGroup = 8;      // sweeps that go over one range of rows together
+    static constexpr Size kGroup = 12;     // sweeps that go over one range of rows together
 
     struct Range {
         Size first;
@@ -63,6 +63,7 @@ private:
     Size stride() const { return 2 * rows_; }
     Range range_of(Size begin, Size end) const;
     void fill_with_identity(Size sweep, Size first, Size last);
+    void turn_into_shears(Size sweep, Size first, Size last);
     static Size width_of_strip(Size rows);
 
     Real* pairs_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "core/workspace.h"
 #include "factorization/algorithm/bidiagonal.h"
@@ -24,8 +25,9 @@ struct Plan {
     Size qr_block;  // 0: no QR
     bool has_u, has_v;
     Size full_width;  // columns of U that are asked for
+    Size right_sides;
 
-    Plan(View<const Real> a, const SvdTargets<Real>& targets)
+    Plan(View<const Real> a, const SvdTargets<Real>& targets, const SvdInverse<Real>* inverse)
         : m(a.height),
           n(a.width),
           height(a.height),
@@ -33,7 +35,10 @@ struct Plan {
           qr_block(0),
           has_u(targets.u != nullptr),
           has_v(targets.v != nullptr),
-          full_width(has_u ? targets.u->width : 0) {
+          full_width(has_u ? targets.u->width : 0),
+          right_sides(inverse != nullptr && inverse->right_sides != nullptr
+                          ? inverse->right_sides->width
+                          : 0) {
         constexpr Size narrowest = 8;
         if (2 * m < 3 * n || n < narrowest) return;
         qr_block = block_of_qr(m, n, {});
@@ -48,11 +53,11 @@ struct Plan {
         return of_vectors(rows, columns) + Scratch<Real>::rounded(block_size * columns);
     }
     Size widest_block() const { return std::max(block, qr_block); }
-    Size widest_target() const { return std::max(full_width, n); }
+    Size widest_target() const { return std::max({full_width, n, right_sides}); }
 
     Size elements() const {
         using S = Scratch<Real>;
-        Size sum = of_vectors(m, n) + 2 * S::rounded(n) + S::rounded(4 * n);
+        Size sum = of_vectors(m, n) + 4 * S::rounded(n) + S::rounded(4 * n);
         if (has_qr()) sum += of_vectors(n, n) + scratch_of_qr<Real>(m, n, 0, {});
         if (has_qr() && has_u) sum += of_store(m, n, qr_block);
         const Size sweeps = S::rounded(RotationSweeps<Real>::scratch(n));
@@ -74,6 +79,88 @@ template <class Real>
 void set_identity(View<Real> a) {
     kernel::fill(Real(0), a);
     for (Size i = 0; i < a.height && i < a.width; ++i) a(i, i) = 1;
+}
+
+// A = U_B B V_B^T: the two orthogonal factors as reflectors.
+template <class Real>
+struct Reflectors {
+    ReflectorStore<Real> of_qr, of_left, of_right;
+    bool has_qr;
+    Real* w;  // scratch
+
+    View<Real> scratch_for(View<Real> c, const ReflectorStore<Real>& store) const {
+        return scratch_by_rows(w, store.block, c.width, c.column_stride);
+    }
+    // C := U_B C or U_B^T C, m rows
+    void apply_left(Side side, View<Real> c) const {
+        const View<Real> top = c.rows(0, of_left.vectors.height);
+        if (has_qr && side == Side::q_transposed)
+            apply_reflectors(side, of_qr, c, scratch_for(c, of_qr));
+        apply_reflectors(side, of_left, top, scratch_for(top, of_left));
+        if (has_qr && side == Side::q) apply_reflectors(side, of_qr, c, scratch_for(c, of_qr));
+    }
+    // C := V_B C, n rows
+    void apply_right(View<Real> c) const {
+        if (c.height < 2) return;
+        const View<Real> below = c.rows(1, c.height - 1);
+        apply_reflectors(Side::q, of_right, below, scratch_for(below, of_right));
+    }
+    // The same to an upper triangle: rows from i on have nothing left of column i.
+    void apply_right_to_triangle(View<Real> c) const {
+        const Size count = of_right.count();
+        const Size block = of_right.block;
+        for (Size k = (count - 1) / block * block; k >= 0 && count > 0; k -= block) {
+            const View<Real> part = c.block(k + 1, k + 1, c.height - k - 1, c.width - k - 1);
+            apply_block_reflector(Side::q, reading(of_right.vectors_of_block(k)),
+                                  reading(of_right.coupling_of_block(k)), part,
+                                  scratch_for(part, of_right).rows(0, of_right.width_of_block(k)));
+        }
+    }
+};
+
+// ---- the inverse without vectors ---------------------------------------------------------------
+
+// X := B^-1, both triangles, X's rows contiguous
+template <class Real>
+void invert_bidiagonal(const Real* d, const Real* f, View<Real> x) {
+    const Size n = x.height;
+    kernel::fill(Real(0), x);
+    for (Size i = n - 1; i >= 0; --i) {
+        x(i, i) = 1 / d[i];
+        if (i + 1 < n)
+            kernel::scale(n - i - 1, x.row(i + 1).data + i + 1, -f[i] / d[i],
+                          x.row(i).data + i + 1);
+    }
+}
+
+// C := B^-1 C
+template <class Real>
+void solve_bidiagonal(const Real* d, const Real* f, View<Real> c) {
+    const Size n = c.height;
+    for (Size i = n - 1; i >= 0; --i)
+        for (Size j = 0; j < c.width; ++j)
+            c(i, j) = (i + 1 < n ? c(i, j) - f[i] * c(i + 1, j) : c(i, j)) / d[i];
+}
+
+// X, n x n with contiguous rows, is scratch.
+template <class Real>
+void divide(const Reflectors<Real>& reflectors, const Real* d, const Real* f, int exponent,
+            const View<Real>* right_sides, View<Real> u, View<Real> x) {
+    const Size n = x.height;
+    if (right_sides != nullptr) {
+        const View<Real> solution = right_sides->rows(0, n);
+        reflectors.apply_left(Side::q_transposed, *right_sides);
+        solve_bidiagonal(d, f, solution);
+        reflectors.apply_right(solution);
+        scale_by_power_of_two(solution, -exponent);
+        return;
+    }
+    invert_bidiagonal(d, f, x);
+    reflectors.apply_right_to_triangle(x);
+    kernel::fill(Real(0), u);
+    kernel::transpose(reading(x), u.rows(0, n));
+    reflectors.apply_left(Side::q, u);
+    scale_by_power_of_two(u, -exponent);
 }
 
 // ---- the iteration -----------------------------------------------------------------------------
@@ -156,8 +243,9 @@ void sort_into(Size n, Real* d, View<Real> wv, int exponent, int* order, Real* s
 }  // namespace
 
 template <class Real>
-Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, SvdSteps& steps) {
-    const Plan<Real> plan(a, targets);
+Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, SvdSteps& steps,
+            SvdInverse<Real>* inverse) {
+    const Plan<Real> plan(a, targets, inverse);
     const Size m = plan.m;
     const Size n = plan.n;
     Workspace<Real, 8192> work(plan.elements());
@@ -171,11 +259,11 @@ Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, S
     scale_by_power_of_two(copy, -exponent);
 
     View<Real> reduced = copy;
-    ReflectorStore<Real> of_qr, of_left, of_right;
+    Reflectors<Real> reflectors{{}, {}, {}, plan.has_qr(), nullptr};
     if (plan.has_qr()) {
-        if (plan.has_u) of_qr = take_store(scratch, m, n, plan.qr_block);
+        if (plan.has_u) reflectors.of_qr = take_store(scratch, m, n, plan.qr_block);
         Scratch<Real> of_reduction = scratch;
-        qr_into(copy, {plan.has_u ? &of_qr : nullptr, {}}, {}, of_reduction);
+        qr_into(copy, {plan.has_u ? &reflectors.of_qr : nullptr, {}}, {}, of_reduction);
         scratch.take(scratch_of_qr<Real>(m, n, 0, {}));
         reduced = scratch_by_columns(scratch.take(plan.of_vectors(n, n)), n, n, Size(1));
         for (Size j = 0; j < n; ++j) {
@@ -189,19 +277,42 @@ Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, S
     BidiagonalStores<Real> stores;
     View<Real> wu, wv;
     if (plan.has_u) {
-        of_left = take_store(scratch, plan.height, n, plan.block);
-        stores.left = &of_left;
+        reflectors.of_left = take_store(scratch, plan.height, n, plan.block);
+        stores.left = &reflectors.of_left;
         wu = scratch_by_rows(scratch.take(plan.of_vectors(n, n)), n, n, Size(1));
-        set_identity(wu);
     }
     if (plan.has_v) {
-        of_right = take_store(scratch, n > 1 ? n - 1 : 0, right_reflections(n), plan.block);
-        stores.right = &of_right;
+        reflectors.of_right =
+            take_store(scratch, n > 1 ? n - 1 : 0, right_reflections(n), plan.block);
+        stores.right = &reflectors.of_right;
         wv = scratch_by_rows(scratch.take(plan.of_vectors(n, n)), n, n, Size(1));
-        set_identity(wv);
     }
+    if (plan.has_u || plan.has_v)
+        reflectors.w = scratch.take(plan.of_vectors(plan.widest_target(), plan.widest_block()));
     const Outcome outcome = bidiagonalize(reduced, d, f, stores, block_of_bidiagonal(n));
     if (!outcome) return outcome;
+    if (inverse != nullptr) {
+        Real* const values = scratch.take(n);
+        Real* const above = scratch.take(n);
+        std::copy_n(d, n, values);
+        std::copy_n(f, n, above);
+        Accumulator<Real> none_left({}, nullptr), none_right({}, nullptr);
+        iterate(n, values, above, none_left, none_right, rotations, steps);
+        Real* const s = targets.sigma;
+        sort_into(n, values, {}, exponent, order.data(), s);
+        const Real doubt = Real(n) * std::numeric_limits<Real>::epsilon();
+        const Real last = n > 0 ? values[order.data()[n - 1]] : Real(0);
+        const Real first = n > 0 ? values[order.data()[0]] : Real(0);
+        inverse->is_done =
+            steps.has_converged && last > inverse->tolerance * first && last > doubt * first;
+        if (inverse->is_done)
+            divide(reflectors, d, f, exponent, inverse->right_sides, *targets.u, wv);
+        if (inverse->is_done || !steps.has_converged ||
+            (inverse->needs_full_rank && !(last > inverse->tolerance * first)))
+            return Outcome::success();
+    }
+    if (plan.has_u) set_identity(wu);
+    if (plan.has_v) set_identity(wv);
     {
         Accumulator<Real> on_left(
             wu, plan.has_u ? scratch.take(Accumulator<Real>::scratch(n)) : nullptr);
@@ -210,32 +321,20 @@ Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, S
         iterate(n, d, f, on_left, on_right, rotations, steps);
     }
     sort_into(n, d, wv, exponent, order.data(), targets.sigma);
-    if (!plan.has_u && !plan.has_v) return Outcome::success();
 
     // the columns of W in their order, then the reflectors
-    Real* const w = scratch.take(plan.of_vectors(plan.widest_target(), plan.widest_block()));
     const View<Real> sorted(copy.data, n, n, padded_length(n));
     if (plan.has_v) {
-        const View<Real>& v = *targets.v;
         kernel::gather_rows(reading(wv), order.data(), sorted);
-        kernel::transpose(reading(sorted), v);
-        if (n > 1)
-            apply_reflectors(Side::q, of_right, v.rows(1, n - 1),
-                             scratch_by_rows(w, plan.block, n, v.column_stride));
+        kernel::transpose(reading(sorted), *targets.v);
+        reflectors.apply_right(*targets.v);
     }
     if (plan.has_u) {
         const View<Real>& u = *targets.u;
         kernel::gather_rows(reading(wu), order.data(), sorted);
         set_identity(u);
         kernel::transpose(reading(sorted), u.block(0, 0, n, n));
-        const View<Real> w_of_u = scratch_by_rows(w, plan.widest_block(), u.width, u.column_stride);
-        if (plan.has_qr()) {
-            apply_reflectors(Side::q, of_left, u.block(0, 0, n, n),
-                             scratch_by_rows(w, plan.block, n, u.column_stride));
-            apply_reflectors(Side::q, of_qr, u, w_of_u);
-        } else {
-            apply_reflectors(Side::q, of_left, u, w_of_u.rows(0, plan.block));
-        }
+        reflectors.apply_left(Side::q, u);
     }
     return Outcome::success();
 }
@@ -279,11 +378,12 @@ void scale_columns(Strided<const Real> s, View<Real> a) {
         for (Size j = 0; j < a.width; ++j) a(i, j) *= s(j);
 }
 
-#define NEQUAR_INSTANTIATE(Real)                                                      \
-    template Outcome svd(View<const Real>, Real, const SvdTargets<Real>&, SvdSteps&); \
-    template RankFault find_rank(Strided<const Real>, Real, bool, int&);              \
-    template int count_above(Strided<const Real>, Real);                              \
-    template int count_leading(Strided<const Real>, Real);                            \
+#define NEQUAR_INSTANTIATE(Real)                                                     \
+    template Outcome svd(View<const Real>, Real, const SvdTargets<Real>&, SvdSteps&, \
+                         SvdInverse<Real>*);                                         \
+    template RankFault find_rank(Strided<const Real>, Real, bool, int&);             \
+    template int count_above(Strided<const Real>, Real);                             \
+    template int count_leading(Strided<const Real>, Real);                           \
     template void scale_columns(Strided<const Real>, View<Real>);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)

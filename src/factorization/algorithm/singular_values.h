@@ -41,9 +41,28 @@ inline std::int64_t generous_limit(Size n) {
     return 100 + 40 * std::int64_t(n);
 }
 
-// A, whose largest magnitude is given, is finite and read only; it overlaps no target.
+// For callers that only divide by A. When its rank is full beyond doubt, s(n-1) > max(tolerance,
+// n eps) s(0), no vector is needed:
+//
+//   A = U_B B V_B^T:    A^+ = V_B B^-1 U_B^T
+//
+// `is_done` is set then, V is not touched, and where right sides C are given (m x k, they overlap
+// nothing) A^+ C comes to stand in their first n rows; where not, U, m x n, becomes the transposed
+// A^+. Otherwise U and V are formed as asked for; but not, if `needs_full_rank`, when s(n-1) <=
+// tolerance s(0).
 template <class Real>
-Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, SvdSteps& steps);
+struct SvdInverse {
+    Real tolerance = 0;
+    bool needs_full_rank = false;
+    const View<Real>* right_sides = nullptr;
+    bool is_done = false;
+};
+
+// A, whose largest magnitude is given, is finite and read only; it overlaps no target. `inverse`,
+// unless null, wants both U and V.
+template <class Real>
+Outcome svd(View<const Real> a, Real largest, const SvdTargets<Real>& targets, SvdSteps& steps,
+            SvdInverse<Real>* inverse = nullptr);
 
 // The rank by singular values in descending order.
 enum class RankFault { none, tolerance, ordering, negative, not_finite };

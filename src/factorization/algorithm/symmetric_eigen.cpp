@@ -117,29 +117,42 @@ Outcome eigen_by_qr_steps(View<Real> a, Real* values, const View<Real>* v, std::
         fill_with_nan(values, n, v);
         return Outcome::success();
     }
+    const bool has_vectors = v != nullptr;
+    const Size block = n < 200 ? 16 : n < 600 ? 32 : 48;  // reflectors applied at once
+    const Size count = tridiagonal_reflections(n);
     using S = Scratch<Real>;
-    Workspace<Real> work(2 * S::rounded(n) + (v != nullptr ? RotationSweeps<Real>::scratch(n) : 0));
+    const Size for_sweeps = RotationSweeps<Real>::scratch(n);
+    const Size for_reflectors = S::rounded(block * count) + S::rounded(block * padded_length(n));
+    Workspace<Real> work(2 * S::rounded(n) +
+                         (has_vectors ? std::max(for_sweeps, for_reflectors) : 0));
     Workspace<int> order(n);
     if (!work || !order) return {OutcomeKind::no_memory};
     S scratch(work.data());
     Real* const e = scratch.take(n);
     Real* const line = scratch.take(n);
-    // V's storage holds Q^T, so that rows are rotated.
-    const View<Real> q = v != nullptr ? v->transposed() : View<Real>();
     const Outcome outcome =
-        tridiagonalize(a, Strided<Real>(values, n), Strided<Real>(e, n > 0 ? n - 1 : 0),
-                       v != nullptr ? &q : nullptr);
+        tridiagonalize(a, Strided<Real>(values, n), Strided<Real>(e, n > 0 ? n - 1 : 0));
     if (!outcome) return outcome;
-    if (v != nullptr) {
+    if (has_vectors) {
+        // V's storage holds G until the end.
+        kernel::fill(Real(0), *v);
+        for (Size i = 0; i < n; ++i) (*v)(i, i) = 1;
         RotationSweeps<Real> sweeps(scratch.take(0), n);
-        const RotatedRows<Real> target = {&sweeps, *v};
+        const RotatedIdentity<Real> target = {&sweeps, *v};
         iterations = diagonalize_tridiagonal(n, values, e, limit, &target);
     } else {
         iterations = diagonalize_tridiagonal<Real>(n, values, e, limit, nullptr);
     }
     sort_descending(values, n, order.data(), line);
     multiply_by_power_of_two(values, n, prepared.exponent);
-    if (v == nullptr) return Outcome::success();
+    if (!has_vectors) return Outcome::success();
+    if (count > 0) {
+        const View<Real> couplings(scratch.take(block * count), block, count, count);
+        Real* const elements = scratch.take(block * padded_length(n));
+        const View<Real> vectors = v->transposed().rows(1, n - 1);
+        apply_reflectors(Side::q, tridiagonal_store(a, couplings), vectors,
+                         scratch_by_columns(elements, block, n, Size(1)));
+    }
     kernel::gather_rows(reading(*v), order.data(), a);
     kernel::transpose(reading(a), *v);
     return Outcome::success();

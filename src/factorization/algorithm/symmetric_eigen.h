@@ -1,7 +1,7 @@
 // A = V diag(values) V^T for a symmetric A, n x n, the values in descending order (stable), the
 // columns of V with them.
 //
-//   route of QR steps   A = Q T Q^T, T -> diagonal, V = Q G^T ...       tridiagonal_qr.h
+//   route of QR steps   A = Q T Q^T, G T G^T diagonal, V = Q G^T         tridiagonal_qr.h
 //   route of rotations  A -> J^T A J                                    jacobi.h
 //
 // An A whose largest element is near an end of the range is multiplied by a power of two first, and

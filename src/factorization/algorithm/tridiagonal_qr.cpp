@@ -110,9 +110,10 @@ void implicit_qr_step(Real* d, Real* e, Size first, Size last, Real* pairs) {
 
 template <class Real>
 std::int64_t diagonalize_tridiagonal(Size n, Real* d, Real* e, std::int64_t limit,
-                                     const RotatedRows<Real>* target) {
+                                     const RotatedIdentity<Real>* target) {
     limit = std::min<std::int64_t>(limit, 50 * n + 100);
     std::int64_t count = 0;
+    std::int64_t applied = 0;  // so far have the rows of G filled towards the right
     Size last = n - 1;
     while (last > 0) {
         // Only the block that the step before has changed needs looking at again; what is above the
@@ -127,19 +128,22 @@ std::int64_t diagonalize_tridiagonal(Size n, Real* d, Real* e, std::int64_t limi
         if (first > 0) e[first - 1] = 0;
         Real* pairs = nullptr;
         if (target != nullptr) {
-            if (target->sweeps->is_full()) target->sweeps->apply(target->rows);
+            if (target->sweeps->is_full()) {
+                target->sweeps->apply(target->rows, applied);
+                applied = count - 1;
+            }
             pairs = target->sweeps->begin(first, last);
         }
         implicit_qr_step(d, e, first, last, pairs);
     }
-    if (target != nullptr) target->sweeps->apply(target->rows);
+    if (target != nullptr) target->sweeps->apply(target->rows, applied);
     return count;
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                    \
     template void implicit_qr_step(Real*, Real*, Size, Size, Real*);                \
     template std::int64_t diagonalize_tridiagonal(Size, Real*, Real*, std::int64_t, \
-                                                  const RotatedRows<Real>*);
+                                                  const RotatedIdentity<Real>*);
 NEQUAR_INSTANTIATE(double)
 NEQUAR_INSTANTIATE(float)
 #undef NEQUAR_INSTANTIATE

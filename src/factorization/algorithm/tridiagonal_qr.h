@@ -10,7 +10,7 @@
 //                               d_k -= s t,  d_(k+1) += s t,  e_k = c t - e_k,  e_(k-1) = r
 //                               x = e_k,  z = -s e_(k+1),  e_(k+1) = c e_(k+1)
 //
-// The rotations of a step are one sweep over rows k, k + 1 of Q^T; they are recorded and applied in
+// The rotations of a step are one sweep over rows k, k + 1 of G; they are recorded and applied in
 // batches.
 //
 // Golub & Van Loan, Matrix Computations, algorithms 8.3.2 and 8.3.3.
@@ -28,9 +28,9 @@ namespace nequar {
 template <class Real>
 void implicit_qr_step(Real* d, Real* e, Size first, Size last, Real* pairs);
 
-// Where rotations go: sweeps over the rows of Q^T.
+// Where rotations go: sweeps over the rows of G, which is the identity at first.
 template <class Real>
-struct RotatedRows {
+struct RotatedIdentity {
     RotationSweeps<Real>* sweeps;
     View<Real> rows;
 };
@@ -46,6 +46,6 @@ struct RotatedRows {
 // limit be above 50 n + 100 steps, it is that: convergence takes about two steps a value.
 template <class Real>
 std::int64_t diagonalize_tridiagonal(Size n, Real* d, Real* e, std::int64_t limit,
-                                     const RotatedRows<Real>* target);
+                                     const RotatedIdentity<Real>* target);
 
 }  // namespace nequar

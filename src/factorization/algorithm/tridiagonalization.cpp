@@ -59,24 +59,19 @@ void reduce_row(View<Real> a, Size i, Size j, const Panel<Real>& panel, Strided<
 }  // namespace
 
 template <class Real>
-Outcome tridiagonalize(View<Real> a, Strided<Real> d, Strided<Real> e, const View<Real>* q,
-                       Size block) {
+Outcome tridiagonalize(View<Real> a, Strided<Real> d, Strided<Real> e, Size block) {
     const Size n = a.height;
     if (n == 0) return Outcome::success();
-    const Size count = n > 2 ? n - 2 : 0;  // reflectors; the last off-diagonal needs none
     if (block == 0) block = n < 128 ? 16 : 32;
     if (block > n) block = n;
-    const Size kept = q != nullptr ? count : 0;
     const Size stride = padded_length(n);
     using S = Scratch<Real>;
-    Workspace<Real> work(2 * S::rounded(2 * block * stride) + S::rounded(2 * block) +
-                         S::rounded(block * kept));
+    Workspace<Real> work(2 * S::rounded(2 * block * stride) + S::rounded(2 * block));
     if (!work) return {OutcomeKind::no_memory};
     S scratch(work.data());
     const View<Real> uw(scratch.take(2 * block * stride), 2 * block, n, stride);
     const View<Real> wu(scratch.take(2 * block * stride), 2 * block, n, stride);
     const Panel<Real> panel = {uw, wu, scratch.take(2 * block)};
-    const View<Real> couplings(scratch.take(block * kept), block, kept, kept);
 
     for (Size k = 0; k < n; k += block) {
         const Size height = n - k < block ? n - k : block;
@@ -88,24 +83,48 @@ Outcome tridiagonalize(View<Real> a, Strided<Real> d, Strided<Real> e, const Vie
                           reading(uw.block(0, next, 2 * height, rest).transposed()),
                           reading(wu.block(0, next, 2 * height, rest)), Update::accumulate,
                           a.block(next, next, rest, rest));
-        if (k >= kept) continue;
-        const Size width = kept - k < height ? kept - k : height;
-        const View<Real> u(uw.data + k + 1, width, n - k - 1, 2 * stride);
-        for (Size j = 1; j < width; ++j) kernel::fill(Real(0), u.block(j, 0, 1, j));
-        const View<Real> vectors = q->block(k + 1, k + 1, n - k - 1, width);
-        kernel::transpose(reading(u), vectors);
-        couple_reflectors(reading(vectors), couplings.block(0, k, width, width));
+        for (Size i = k; i < next && i + 1 < n; ++i)
+            kernel::copy(reading(uw.row(2 * (i - k)).part(i + 1, n - i - 1)),
+                         a.row(i).part(i + 1, n - i - 1));
     }
-    if (q == nullptr) return Outcome::success();
+    return Outcome::success();
+}
+
+template <class Real>
+ReflectorStore<Real> tridiagonal_store(View<Real> a, View<Real> couplings) {
+    const Size n = a.height;
+    const Size count = tridiagonal_reflections(n);
+    const View<Real> vectors = a.block(0, n > 0 ? 1 : 0, count, n > 0 ? n - 1 : 0).transposed();
+    const ReflectorStore<Real> store{vectors, couplings, couplings.height};
+    finish_store(store);
+    return store;
+}
+
+template <class Real>
+Outcome tridiagonalize(View<Real> a, Strided<Real> d, Strided<Real> e, const View<Real>* q,
+                       Size block) {
+    const Outcome outcome = tridiagonalize(a, d, e, block);
+    const Size n = a.height;
+    if (!outcome || q == nullptr || n == 0) return outcome;
     kernel::fill(Real(0), q->block(0, 0, 1, n));
     kernel::fill(Real(0), q->block(0, 0, n, 1));
     (*q)(0, 0) = 1;
     if (n == 1) return Outcome::success();
+    constexpr Size kTogether = 32;
+    const Size count = tridiagonal_reflections(n);
+    Workspace<Real> elements(kTogether * count);
+    if (!elements) return {OutcomeKind::no_memory};
+    const View<Real> couplings(elements.data(), kTogether, count, count);
+    const ReflectorStore<Real> in_rows = tridiagonal_store(a, couplings);
     const View<Real> part = q->block(1, 1, n - 1, n - 1);
-    return form_orthogonal(ReflectorStore<Real>{part.columns(0, count), couplings, block}, part);
+    kernel::copy(reading(in_rows.vectors), part.columns(0, count));
+    return form_orthogonal(ReflectorStore<Real>{part.columns(0, count), couplings, kTogether},
+                           part);
 }
 
 #define NEQUAR_INSTANTIATE(Real)                                                                 \
+    template Outcome tridiagonalize(View<Real>, Strided<Real>, Strided<Real>, Size);             \
+    template ReflectorStore<Real> tridiagonal_store(View<Real>, View<Real>);                     \
     template Outcome tridiagonalize(View<Real>, Strided<Real>, Strided<Real>, const View<Real>*, \
                                     Size);
 NEQUAR_INSTANTIATE(double)

@@ -1,6 +1,6 @@
 // A = Q T Q^T, A symmetric, T tridiagonal, by Householder similarity transforms.
 //
-//   A n x n, its upper triangle in contiguous rows alone is read; it is used up
+//   A n x n, its upper triangle in contiguous rows alone is read; its rows keep the reflectors
 //   d n, e n - 1: diagonal and off-diagonal of T
 //   Q n x n, the first row and column those of the identity
 //
@@ -26,10 +26,25 @@
 
 #include "core/outcome.h"
 #include "core/view.h"
+#include "factorization/algorithm/block_reflector.h"
 
 namespace nequar {
 
-// Q (no overlap with A) is left out when null. block: rows of a panel, 0: by the size.
+// The last off-diagonal element needs no reflector.
+inline Size tridiagonal_reflections(Size n) {
+    return n > 2 ? n - 2 : 0;
+}
+
+// Row i of A holds u_i from column i + 1 on afterwards. block: rows of a panel, 0: by the size.
+template <class Real>
+Outcome tridiagonalize(View<Real> a, Strided<Real> d, Strided<Real> e, Size block = 0);
+
+// The reflectors that A's rows hold, ready to be applied to rows 1 ... n - 1 of a matrix. The
+// couplings, block x reflections, are written, and parts of A's lower triangle.
+template <class Real>
+ReflectorStore<Real> tridiagonal_store(View<Real> a, View<Real> couplings);
+
+// The same, and Q (no overlap with A) unless null.
 template <class Real>
 Outcome tridiagonalize(View<Real> a, Strided<Real> d, Strided<Real> e, const View<Real>* q,
                        Size block = 0);

@@ -43,6 +43,32 @@ void fill(Size n, Real value, Real* out) {
 }
 
 template <class Real>
+Real sum(Size n, const Real* x) {
+    Real total = 0;
+    for (Size i = 0; i < n; ++i) total += x[i];
+    return total;
+}
+
+template <class Real>
+Real squares_about(Size n, const Real* x, Real centre) {
+    Real total = 0;
+    for (Size i = 0; i < n; ++i) total += (x[i] - centre) * (x[i] - centre);
+    return total;
+}
+
+template <class Real>
+Real largest(Size n, const Real* x, Real other) {
+    for (Size i = 0; i < n; ++i) other = x[i] > other ? x[i] : other;
+    return other;
+}
+
+template <class Real>
+Real smallest(Size n, const Real* x, Real other) {
+    for (Size i = 0; i < n; ++i) other = x[i] < other ? x[i] : other;
+    return other;
+}
+
+template <class Real>
 Real dot(Size n, const Real* x, Size sx, const Real* y, Size sy) {
     Real sum = 0;
     for (Size i = 0; i < n; ++i) sum += x[i * sx] * y[i * sy];

@@ -19,8 +19,8 @@ void gemm_element(Size i, Size j, Size k, Real alpha, const Block<const Real>& a
 }
 
 template <class Real>
-void gemm(Size m, Size n, Size k, Real alpha, Block<const Real> a, Block<const Real> b,
-          bool accumulate, Block<Real> c) {
+void gemm(Size m, Size n, Size k, Real alpha, const Block<const Real>& a,
+          const Block<const Real>& b, bool accumulate, const Block<Real>& c) {
     for (Size i = 0; i < m; ++i) {
         for (Size j = 0; j < n; ++j) gemm_element(i, j, k, alpha, a, b, accumulate, c);
     }

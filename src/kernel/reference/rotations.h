@@ -10,14 +10,14 @@ void rotate_rows(Size sweeps, Size count, Size n, const Real* pairs, Size sweep_
                  Size row_stride) {
     for (Size r = 0; r < sweeps; ++r)
         for (Size i = 0; i < count; ++i) {
-            const Real c = pairs[r * sweep_stride + 2 * i];
+            const Real t = pairs[r * sweep_stride + 2 * i];
             const Real s = pairs[r * sweep_stride + 2 * i + 1];
             Real* const x = a + i * row_stride;
             Real* const y = x + row_stride;
             for (Size j = 0; j < n; ++j) {
-                const Real old = x[j];
-                x[j] = c * old - s * y[j];
-                y[j] = s * old + c * y[j];
+                const Real sheared = x[j] - t * y[j];
+                y[j] += s * sheared;
+                x[j] = sheared - t * y[j];
             }
         }
 }

@@ -18,6 +18,9 @@
 // triangle in rows, transposed) take a transposition of square blocks instead: in band d, position
 // p, the dense element lies at p * (column_stride + 1) + d.
 //
+// The two triangles of a symmetric matrix are read or written together: the squares that leave or
+// enter the shear are transposed for the other side.
+//
 // Rows (bands) go in chunks, so that their pages and cache lines stay at hand while the strips of a
 // chunk pass. Strips end in a triangle of partial vectors: the rows of a strip begin with one, its
 // bands end with one.
@@ -33,6 +36,11 @@ template <class Real>
 inline constexpr unsigned kLaneCount = unsigned(kLanes<Real>);
 
 inline constexpr Size kChunk = 128;  // rows or bands, a multiple of the lanes of every vector
+
+// A strip touches a line of each row and band of a chunk, more streams than the CPU follows by
+// itself; what comes this many elements later along each of them is asked for in time.
+template <class Real>
+inline constexpr Size kAhead = 2 * 64 / Size(sizeof(Real));
 
 // A packed trapezoid: height >= width.
 template <class Real>
@@ -79,22 +87,14 @@ NEQUAR_INLINE Vector<float> blend(Vector<float> a, Vector<float> b) {
     return _mm256_blend_ps(a, b, static_cast<int>(mask));
 }
 #else
-template <unsigned... Lane>
-struct Lanes {};
-template <unsigned count, unsigned... Lane>
-struct FirstLanesOf : FirstLanesOf<count - 1, count - 1, Lane...> {};
-template <unsigned... Lane>
-struct FirstLanesOf<0, Lane...> {
-    using Type = Lanes<Lane...>;
-};
 template <unsigned mask, class AnyVector, unsigned... Lane>
-NEQUAR_INLINE AnyVector blend_lanes(const AnyVector& a, const AnyVector& b, Lanes<Lane...>) {
+NEQUAR_INLINE AnyVector blend_lanes(const AnyVector& a, const AnyVector& b, LaneList<Lane...>) {
     return __builtin_shufflevector(a, b, ((mask >> Lane) % 2 ? sizeof...(Lane) + Lane : Lane)...);
 }
 template <unsigned mask, class AnyVector>
 NEQUAR_INLINE AnyVector blend(const AnyVector& a, const AnyVector& b) {
     constexpr unsigned lanes = sizeof(AnyVector) / sizeof(a[0]);
-    return blend_lanes<mask>(a, b, typename FirstLanesOf<lanes>::Type{});
+    return blend_lanes<mask>(a, b, typename AscendingLanes<lanes>::Type{});
 }
 #endif
 
@@ -141,28 +141,42 @@ NEQUAR_INLINE void for_each_strip(Size columns, const Strip& strip) {
     constexpr Size lanes = kLanes<Real>;
     Size j = 0;
     for (; j + lanes <= columns; j += lanes) strip(j);
-    if (j < columns) strip(columns - lanes);
+    if (j < columns) strip(j == 0 ? 0 : columns - lanes);
 }
 
-// Whether there are vectors to work on; what is smaller is moved element by element.
+// The first `count` elements of a vector; a count beyond its ends means none or all.
 template <class Real>
-NEQUAR_INLINE bool has_strips(const Bands<Real>& bands) {
-    return bands.width >= kLanes<Real> && bands.height >= 2 * kLanes<Real>;
+NEQUAR_INLINE Vector<Real> load_first(const Real* p, Size count) {
+#if NEQUAR_VECTOR_BYTES == 64 && defined(__AVX512F__)
+    return load(p, first_lanes<Real>(count < 0 ? 0 : smaller(count, kLanes<Real>)));
+#else
+    if (count >= kLanes<Real>) return load(p);
+    return count > 0 ? load(p, first_lanes<Real>(count)) : Vector<Real>{};
+#endif
+}
+template <class Real>
+NEQUAR_INLINE void store_first(Real* p, const Vector<Real>& v, Size count) {
+#if NEQUAR_VECTOR_BYTES == 64 && defined(__AVX512F__)
+    store(p, v, first_lanes<Real>(count < 0 ? 0 : smaller(count, kLanes<Real>)));
+#else
+    if (count >= kLanes<Real>) {
+        store(p, v);
+    } else if (count > 0) {
+        store(p, v, first_lanes<Real>(count));
+    }
+#endif
 }
 
-// The first `count` elements of a vector to (from) every stride-th element of an array. Called for
-// the few vectors at the ends of strips, so it stays out of their loops.
+// What is so small is moved element by element.
 template <class Real>
-__attribute__((noinline)) void scatter(const Vector<Real>& v, Size count, Real* out, Size stride) {
-    alignas(64) Real elements[kLaneCount<Real>];
-    store(elements, v);
-    for (Size q = 0; q < count; ++q) out[q * stride] = elements[q];
+NEQUAR_INLINE bool is_small(const Bands<Real>& bands, Size most) {
+    return bands.height * bands.width <= most;
 }
+
+// The columns of a strip that begins at j.
 template <class Real>
-__attribute__((noinline)) void gather(const Real* in, Size stride, Size count, Vector<Real>& v) {
-    alignas(64) Real elements[kLaneCount<Real>] = {};
-    for (Size q = 0; q < count; ++q) elements[q] = in[q * stride];
-    v = load(static_cast<const Real*>(elements));
+NEQUAR_INLINE Size width_of_strip(const Bands<Real>& bands, Size j) {
+    return smaller(kLanes<Real>, bands.width - j);
 }
 
 // ---- bands to dense rows ------------------------------------------------------------------------
@@ -179,122 +193,90 @@ void unpack_elements(const Bands<const Real>& bands, const Block<Real>& a) {
     }
 }
 
-// Row after row of a strip of columns [j, j + lanes).
-template <bool mirror, class Real>
+// Row after row of a strip of columns [j, j + lanes): band r - j arrives with row r.
+template <class Real>
 struct UnpackedStrip {
     static constexpr Size lanes = kLanes<Real>;
 
-    Block<Real> a;
-    Size j;
-    Size r;              // the next row
-    const Real* in;      // band r - j at position j
+    const Real* in;      // the next band at position j
     const Real* in_end;  // of all bands
     Size length;         // of this band
     Shear<Real, Delay::first_lane_least> shear;
-
-    NEQUAR_INLINE Real* row(Size i) const { return a.data + i * a.row_stride + j; }
 
     NEQUAR_INLINE Vector<Real> next(const Vector<Real>& v, Size shrink) {
         in += length;
         length -= shrink;
         return shear.next(v);
     }
-
-    NEQUAR_INLINE void put(const Vector<Real>& v) {
-        store(row(r), v);
-        if constexpr (mirror) scatter<Real>(v, lanes, a.data + j * a.row_stride + r, a.row_stride);
-        ++r;
-    }
-
     // A vector may reach into the next band, but not past the last one.
-    NEQUAR_INLINE Vector<Real> load_up_to_end() const {
-        return in_end - in >= lanes ? load(in) : load(in, first_lanes<Real>(in_end - in));
+    NEQUAR_INLINE Vector<Real> next_up_to_end(Size shrink) {
+        return next(load_first(in, in_end - in), shrink);
     }
-
-    // Rows up to `end`; from one to the next the bands grow shorter by `shrink`.
-    NEQUAR_INLINE void rows(Size end, Size shrink) {
-        for (; r + lanes <= end; r += lanes) {
-            alignas(64) Real block[kLaneCount<Real> * kLaneCount<Real>];
+    // `count` whole rows, and with each the bands grow shorter by `shrink`.
+    NEQUAR_INLINE Real* rows(Real* out, Size out_row, Size count, Size shrink) {
+        for (; count >= lanes; count -= lanes) {
             NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
-                const Vector<Real> v = next(load(in), shrink);
-                store(row(r + i), v);
-                if constexpr (mirror) store(block + i * lanes, v);
-            }
-            if constexpr (mirror) {
-                Vector<Real> columns[kLaneCount<Real>];
-                load_transposed<kLaneCount<Real>>(static_cast<const Real*>(block), lanes, columns);
-                NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) {
-                    store(a.data + (j + q) * a.row_stride + r, columns[q]);
-                }
+                prefetch(in + kAhead<Real>);
+                prefetch_for_writing(out + kAhead<Real>);
+                store(out, next(load(in), shrink));
+                out += out_row;
             }
         }
-        while (r < end) put(next(load(in), shrink));
+        for (; count > 0; --count) {
+            store(out, next(load(in), shrink));
+            out += out_row;
+        }
+        return out;
     }
 };
 
-// The rows [r, end) of a strip, and, when r = j, all of the triangle with which it begins.
-template <bool mirror, class Real>
+// The rows [r, end) of a strip, r >= j.
+template <class Real>
 void unpack_strip(const Bands<const Real>& bands, Size j, Size r, Size end, const Block<Real>& a) {
     constexpr Size lanes = kLanes<Real>;
-    const Size first_band = r == j ? 0 : r - j - (lanes - 1);
-    UnpackedStrip<mirror, Real> strip = {a,
-                                         j,
-                                         r,
-                                         band(bands, first_band) + j,
-                                         band(bands, bands.height),
-                                         length_of_band(bands, first_band),
-                                         {}};
-    if (r == j) {
-        for (Size i = 0; i < lanes; ++i) {
-            const Vector<Real> v = strip.next(load(strip.in), 0);
-            strip.length = length_of_band(bands, i + 1);
-            store(strip.row(r + i), v, first_lanes<Real>(i + 1));
-            if constexpr (mirror) {
-                scatter<Real>(v, i, a.data + j * a.row_stride + r + i, a.row_stride);
-            }
+    const Size width = width_of_strip(bands, j);
+    const Size full = bands.height - bands.width;  // from this band on they grow shorter
+    Size d = r - j < lanes ? 0 : r - j - (lanes - 1);
+    UnpackedStrip<Real> strip = {
+        band(bands, d) + j, band(bands, bands.height), length_of_band(bands, d), {}};
+    for (; d < r - j; ++d) strip.next_up_to_end(d >= full);
+    Real* out = a.data + r * a.row_stride + j;
+    const auto row_up_to = [&](Size count) __attribute__((always_inline)) {
+        store_first(out, strip.next_up_to_end(d >= full), count);
+        out += a.row_stride;
+        ++d;
+    };
+    if (d == 0 && width == lanes && end - j >= lanes && bands.height - j >= 2 * lanes) {
+        NEQUAR_UNROLL for (Size i = 1; i < lanes; ++i) {
+            store(out, strip.next(load(strip.in), i > full), first_lanes<Real>(i));
+            out += a.row_stride;
         }
-        strip.r += lanes;
-    } else {
-        for (Size i = 1; i < lanes; ++i) {
-            strip.next(strip.load_up_to_end(), 0);
-            strip.length = length_of_band(bands, first_band + i);
-        }
+        d = lanes - 1;
     }
+    const Size steady = width < lanes ? end - j : smaller(end - j, lanes - 1);
+    while (d < steady) row_up_to(smaller(width, d + 1));
     // Near the end of the bands are the last rows of the first columns only.
-    const Size whole = j < lanes ? smaller(end, bands.height - lanes) : end;
-    strip.rows(smaller(whole, j + bands.height - bands.width), 0);
-    strip.rows(whole, 1);
-    while (strip.r < end) strip.put(strip.next(strip.load_up_to_end(), 1));
-}
-
-template <bool mirror, class Real>
-void unpack_rows(const Bands<const Real>& bands, const Block<Real>& a) {
-    constexpr Size lanes = kLanes<Real>;
-    if (!has_strips(bands)) return unpack_elements<mirror>(bands, a);
-    for (Size r = 0; r < bands.height; r += kChunk) {
-        const Size end = smaller(bands.height, r + kChunk);
-        for_each_strip<Real>(bands.width, [&](Size j) {
-            const Size below_triangle = j + lanes;
-            if (j >= r && j < end) {
-                unpack_strip<mirror>(bands, j, j, end, a);
-            } else if (j < r && below_triangle < end) {
-                unpack_strip<mirror>(bands, j, below_triangle > r ? below_triangle : r, end, a);
-            }
-        });
+    const Size whole = (j < lanes ? smaller(end, bands.height - lanes) : end) - j;
+    const Size before = smaller(whole, full);
+    if (d < before) {
+        out = strip.rows(out, a.row_stride, before - d, 0);
+        d = before;
     }
+    if (d < whole) {
+        out = strip.rows(out, a.row_stride, whole - d, 1);
+        d = whole;
+    }
+    while (d < end - j) row_up_to(width);
 }
 
 // ---- dense rows to bands ------------------------------------------------------------------------
 
-// Positions [j, j_end) of bands [d, end), as far as the bands go.
 template <bool average, class Real>
-void pack_elements(const Bands<Real>& bands, Size j, Size j_end, Size d, Size end,
-                   const Block<const Real>& a) {
-    Real* out = band(bands, d);
-    for (; d < end; ++d) {
+void pack_elements(const Bands<Real>& bands, const Block<const Real>& a) {
+    Real* out = bands.packed;
+    for (Size d = 0; d < bands.height; ++d) {
         const Size length = length_of_band(bands, d);
-        const Size last = smaller(length, j_end);
-        for (Size c = j; c < last; ++c) {
+        for (Size c = 0; c < length; ++c) {
             const Real lower = a.data[(c + d) * a.row_stride + c * a.column_stride];
             if constexpr (average) {
                 const Real upper = a.data[c * a.row_stride + (c + d) * a.column_stride];
@@ -307,94 +289,93 @@ void pack_elements(const Bands<Real>& bands, Size j, Size j_end, Size d, Size en
     }
 }
 
-// Band after band of a strip of columns [j, j + lanes).
-template <bool average, class Real>
+// Band after band of a strip of columns: `in` is the last row that the band reaches.
+template <class Real>
 struct PackedStrip {
     static constexpr Size lanes = kLanes<Real>;
 
-    Block<const Real> a;
-    Size j;
-    Size d;          // the next band
-    const Real* in;  // the last row that it reaches
-    Real* out;       // its position j
+    const Real* in;
+    Size in_row;
+    Real* out;  // position j of the next band
     Size length;
     Shear<Real, Delay::last_lane_least> shear;
 
     NEQUAR_INLINE Vector<Real> next_row() {
         const Vector<Real> v = load(in);
-        in += a.row_stride;
+        in += in_row;
         return shear.next(v);
     }
-    // The mirrored elements of `count` positions of band d.
-    NEQUAR_INLINE Vector<Real> mirrored(Size count) const {
-        Vector<Real> v;
-        gather(a.data + j * (a.row_stride + 1) + d, a.row_stride + 1, count, v);
-        return v;
+    NEQUAR_INLINE Vector<Real> next_row(Size width) {
+        const Vector<Real> v = load_first(in, width);
+        in += in_row;
+        return shear.next(v);
     }
     NEQUAR_INLINE void advance(Size shrink) {
         out += length;
         length -= shrink;
-        ++d;
     }
-
-    // Whole vectors of the bands up to `end`.
-    NEQUAR_INLINE void bands(Size end, Size shrink) {
-        while (d + lanes <= end) {
-            Vector<Real> upper[kLaneCount<Real>];
-            if constexpr (average) {
-                load_transposed<kLaneCount<Real>>(a.data + j * (a.row_stride + 1) + d,
-                                                  a.row_stride + 1, upper);
-            }
+    // `count` bands that have whole vectors.
+    NEQUAR_INLINE void bands(Size count, Size shrink) {
+        for (; count >= lanes; count -= lanes) {
             NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
-                Vector<Real> v = next_row();
-                if constexpr (average) v = (v + upper[i]) * broadcast(Real(0.5));
-                store(out, v);
+                prefetch(in + kAhead<Real>);
+                prefetch_for_writing(out + kAhead<Real>);
+                store(out, next_row());
                 advance(shrink);
             }
         }
-        while (d < end) {
-            Vector<Real> v = next_row();
-            if constexpr (average) v = (v + mirrored(lanes)) * broadcast(Real(0.5));
-            store(out, v);
+        for (; count > 0; --count) {
+            store(out, next_row());
             advance(shrink);
-        }
-    }
-    // The triangle with which the bands end: `lanes` positions of this band, one less of the next.
-    NEQUAR_INLINE void triangle() {
-        for (Size count = lanes; count > 0; --count) {
-            Vector<Real> v = count == lanes ? next_row() : shear.next(Vector<Real>{});
-            if constexpr (average) v = (v + mirrored(count)) * broadcast(Real(0.5));
-            store(out, v, first_lanes<Real>(count));
-            advance(1);
         }
     }
 };
 
-template <bool average, class Real>
+// Positions [j, j + lanes) of bands [d, end).
+template <class Real>
 void pack_strip(const Bands<Real>& bands, Size j, Size d, Size end, const Block<const Real>& a) {
     constexpr Size lanes = kLanes<Real>;
-    const Size triangle = bands.height - j - lanes;  // its first band
-    PackedStrip<average, Real> strip = {
-        a, j, d, a.data + (j + d) * a.row_stride + j, band(bands, d) + j, length_of_band(bands, d),
-        {}};
-    for (Size i = 1; i < lanes; ++i) strip.next_row();
-    const Size whole = smaller(end, triangle);
-    strip.bands(smaller(whole, bands.height - bands.width), 0);
-    strip.bands(whole, 1);
-    if (triangle < end) strip.triangle();
-}
-
-template <bool average, class Real>
-void pack_rows(const Bands<Real>& bands, const Block<const Real>& a) {
-    constexpr Size lanes = kLanes<Real>;
-    if (!has_strips(bands)) {
-        return pack_elements<average>(bands, 0, bands.width, 0, bands.height, a);
+    const Size width = width_of_strip(bands, j);
+    const Size height = bands.height - j;
+    const Size full = bands.height - bands.width;
+    PackedStrip<Real> strip = {a.data + (j + d) * a.row_stride + j,
+                               a.row_stride,
+                               band(bands, d) + j,
+                               length_of_band(bands, d),
+                               {}};
+    Size r = d;  // of the next row below j
+    const auto next_up_to_end = [&]() __attribute__((always_inline)) {
+        return r++ < height ? strip.next_row(width) : strip.shear.next(Vector<Real>{});
+    };
+    if (width == lanes && d + lanes <= height) {
+        NEQUAR_UNROLL for (Size i = 1; i < lanes; ++i) strip.next_row();
+        r += lanes - 1;
+    } else {
+        for (Size i = 1; i < lanes; ++i) next_up_to_end();
     }
-    for (Size d = 0; d < bands.height; d += kChunk) {
-        for_each_strip<Real>(bands.width, [&](Size j) {
-            // Past its triangle, which belongs to the chunk in which it begins, a strip has ended.
-            if (d <= bands.height - j - lanes) pack_strip<average>(bands, j, d, d + kChunk, a);
-        });
+    end = smaller(end, height);
+    const Size whole = width < lanes ? d : smaller(end, height - lanes + 1);
+    const Size before = smaller(whole, full);
+    if (d < before) {
+        strip.bands(before - d, 0);
+        r += before - d;
+        d = before;
+    }
+    if (d < whole) {
+        strip.bands(whole - d, 1);
+        r += whole - d;
+        d = whole;
+    }
+    // The triangle with which the bands end.
+    if (d == height - lanes + 1 && end == height && width == lanes) {
+        NEQUAR_UNROLL for (Size count = lanes - 1; count > 0; --count) {
+            store(strip.out, strip.shear.next(Vector<Real>{}), first_lanes<Real>(count));
+            strip.advance(d++ >= full);
+        }
+    }
+    for (; d < end; ++d) {
+        store_first(strip.out, next_up_to_end(), smaller(width, height - d));
+        strip.advance(d >= full);
     }
 }
 
@@ -407,98 +388,280 @@ NEQUAR_INLINE Real* at_band(const Block<Real>& a, Size d, Size p) {
     return a.data + p * (a.column_stride + 1) + d;
 }
 
-// As many bands as a vector has lanes, from d on, at position p.
+// Blocks of bands [d, d + lanes) and positions [p, p + lanes), which meet the matrix where
+// band + position < height.
 template <class Real>
-struct BandRows {
-    const Real* start[kLaneCount<Real>];
+NEQUAR_INLINE bool is_whole_block(const Bands<Real>& bands, Size d, Size p) {
+    return p + kLanes<Real> <= bands.width && d + p + 2 * (kLanes<Real> - 1) < bands.height;
+}
 
-    NEQUAR_INLINE BandRows(const Bands<const Real>& bands, Size d, Size p) {
-        const Real* at = band(bands, d) + p;
-        NEQUAR_UNROLL for (Size i = 0; i < kLanes<Real>; ++i) {
-            start[i] = at;
-            at += length_of_band(bands, d + i);
+template <class Real>
+NEQUAR_INLINE void load_block_of_bands(const Bands<const Real>& bands, Size d, Size p,
+                                       Vector<Real> (&columns)[kLaneCount<Real>]) {
+    const Real* at = band(bands, d) + p;
+#if NEQUAR_VECTOR_BYTES == 64
+    NEQUAR_UNROLL for (Size i = 0; i < kLanes<Real>; ++i) {
+        columns[i] = load(at);
+        at += length_of_band(bands, d + i);
+    }
+    transpose_in_registers<Real>(columns);
+#else
+    const Real* rows[kLaneCount<Real>];
+    NEQUAR_UNROLL for (Size i = 0; i < kLanes<Real>; ++i) {
+        rows[i] = at;
+        at += length_of_band(bands, d + i);
+    }
+    load_transposed<kLaneCount<Real>, Real>([&](unsigned k) { return rows[k]; }, columns);
+#endif
+}
+
+// A block that is cut off by the end of the matrix.
+template <class Real>
+__attribute__((noinline)) void unpack_part_of_block(const Bands<const Real>& bands, Size d, Size p,
+                                                    const Block<Real>& a) {
+    constexpr Size lanes = kLanes<Real>;
+    Vector<Real> v[kLaneCount<Real>];
+    const Real* at = band(bands, d) + p;
+    NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+        const Size length = length_of_band(bands, d + i);
+        v[i] = load_first(at, length - p);
+        at += length;
+    }
+    transpose_in_registers<Real>(v);
+    const Size width = width_of_strip(bands, p);
+    NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) {
+        if (q < width) store_first(at_band(a, d, p + q), v[q], bands.height - p - q - d);
+    }
+}
+
+template <class Real>
+NEQUAR_INLINE void unpack_block(const Bands<const Real>& bands, Size d, Size p,
+                                const Block<Real>& a) {
+    if (!is_whole_block(bands, d, p)) return unpack_part_of_block(bands, d, p, a);
+    Vector<Real> columns[kLaneCount<Real>];
+    load_block_of_bands(bands, d, p, columns);
+    NEQUAR_UNROLL for (Size q = 0; q < kLanes<Real>; ++q) store(at_band(a, d, p + q), columns[q]);
+}
+
+// The columns as far as they go, transposed: lane q of v[i] belongs to position p + q of band d +
+// i.
+template <class Real>
+NEQUAR_INLINE void load_part_of_block(const Bands<Real>& bands, Size d, Size p,
+                                      const Block<const Real>& a,
+                                      Vector<Real> (&v)[kLaneCount<Real>]) {
+    const Size width = width_of_strip(bands, p);
+    NEQUAR_UNROLL for (Size q = 0; q < kLanes<Real>; ++q) {
+        v[q] =
+            q < width ? load_first(at_band(a, d, p + q), bands.height - p - q - d) : Vector<Real>{};
+    }
+    transpose_in_registers<Real>(v);
+}
+
+template <class Real>
+__attribute__((noinline)) void pack_part_of_block(const Bands<Real>& bands, Size d, Size p,
+                                                  const Block<const Real>& a) {
+    constexpr Size lanes = kLanes<Real>;
+    Vector<Real> v[kLaneCount<Real>];
+    load_part_of_block(bands, d, p, a, v);
+    Real* out = band(bands, d) + p;
+    NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+        const Size length = length_of_band(bands, d + i);
+        store_first(out, v[i], length - p);
+        out += length;
+    }
+}
+
+template <class Real>
+NEQUAR_INLINE void pack_block(const Bands<Real>& bands, Size d, Size p,
+                              const Block<const Real>& a) {
+    if (!is_whole_block(bands, d, p)) return pack_part_of_block(bands, d, p, a);
+    Vector<Real> columns[kLaneCount<Real>];
+    load_square<Real>(at_band(a, d, p), a.column_stride + 1, columns);
+    Real* out = band(bands, d) + p;
+    NEQUAR_UNROLL for (Size i = 0; i < kLanes<Real>; ++i) {
+        prefetch_for_writing(out + kAhead<Real>);
+        store(out, columns[i]);
+        out += length_of_band(bands, d + i);
+    }
+}
+
+// ---- both triangles of a symmetric matrix
+// --------------------------------------------------------- Strips begin at multiples of a vector's
+// length, as chunks do, and each band is one shorter than the one before.
+
+template <class Real>
+NEQUAR_INLINE Vector<Real> united(const Vector<Real>& a, const Vector<Real>& b) {
+    using Bits = typename VectorTraits<Real>::Bits;
+    return reinterpret_cast<Vector<Real>>(reinterpret_cast<Bits>(a) | reinterpret_cast<Bits>(b));
+}
+
+// The rows [r, end) of a strip, and what lies across the diagonal from them.
+template <class Real>
+void unpack_symmetric_strip(const Bands<const Real>& bands, Size j, Size r, Size end,
+                            const Block<Real>& a) {
+    constexpr Size lanes = kLanes<Real>;
+    const Size width = width_of_strip(bands, j);
+    const Size row = a.row_stride;
+    const Size first = r == j ? 0 : r - j - (lanes - 1);
+    UnpackedStrip<Real> strip = {
+        band(bands, first) + j, band(bands, bands.height), length_of_band(bands, first), {}};
+    Real* out = a.data + r * row + j;
+    Real* across = a.data + j * row + r;
+    Vector<Real> v[kLaneCount<Real>];
+    if (r == j) {
+        // The square on the diagonal: lanes above it are zero bits in each of the two.
+        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+            v[i] = i < width ? strip.next_up_to_end(1) : Vector<Real>{};
+        }
+        Vector<Real> mirror[kLaneCount<Real>];
+        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) mirror[i] = v[i];
+        transpose_in_registers<Real>(mirror);
+        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+            if (i < width) store_first(out + i * row, united<Real>(v[i], mirror[i]), width);
+        }
+        r += lanes;
+        out += lanes * row;
+        across += lanes;
+    } else {
+        for (Size i = 1; i < lanes; ++i) strip.next_up_to_end(1);
+    }
+    const Size whole = j == 0 ? smaller(end, bands.height - lanes) : end;
+    for (; r + lanes <= whole; r += lanes) {
+        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+            prefetch_for_writing(out + kAhead<Real>);
+            v[i] = strip.next(load(strip.in), 1);
+            store(out, v[i]);
+            out += row;
+        }
+        transpose_in_registers<Real>(v);
+        NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) store(across + q * row, v[q]);
+        across += lanes;
+    }
+    for (; r < end; r += lanes) {
+        const Size count = end - r;
+        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+            if (i < count) {
+                v[i] = strip.next_up_to_end(1);
+                store(out, v[i]);
+                out += row;
+            } else {
+                v[i] = Vector<Real>{};
+            }
+        }
+        transpose_in_registers<Real>(v);
+        NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) store_first(across + q * row, v[q], count);
+        across += lanes;
+    }
+}
+
+// Positions [j, j + lanes) of the bands [d, end).
+template <class Real>
+void pack_symmetric_strip(const Bands<Real>& bands, Size j, Size d, Size end,
+                          const Block<const Real>& a) {
+    constexpr Size lanes = kLanes<Real>;
+    const Size width = width_of_strip(bands, j);
+    const Size height = bands.height - j;
+    const Block<const Real> upper = {a.data, 1, a.row_stride};
+    const Vector<Real> half = broadcast(Real(0.5));
+    PackedStrip<Real> strip = {a.data + (j + d) * a.row_stride + j,
+                               a.row_stride,
+                               band(bands, d) + j,
+                               length_of_band(bands, d),
+                               {}};
+    Size r = d;  // of the next row below j
+    const auto next_up_to_end = [&]() __attribute__((always_inline)) {
+        return r++ < height ? strip.next_row(width) : strip.shear.next(Vector<Real>{});
+    };
+    if (width == lanes && d + lanes <= height) {
+        NEQUAR_UNROLL for (Size i = 1; i < lanes; ++i) strip.next_row();
+        r += lanes - 1;
+    } else {
+        for (Size i = 1; i < lanes; ++i) next_up_to_end();
+    }
+    Vector<Real> across[kLaneCount<Real>];
+    for (; d < end && is_whole_block(bands, d, j); d += lanes) {
+        load_square<Real>(at_band(upper, d, j), a.row_stride + 1, across);
+        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+            prefetch(strip.in + kAhead<Real>);
+            prefetch_for_writing(strip.out + kAhead<Real>);
+            store(strip.out, (strip.next_row() + across[i]) * half);
+            strip.advance(1);
+        }
+        r += lanes;
+    }
+    for (; d < smaller(end, height); d += lanes) {
+        load_part_of_block(bands, d, j, upper, across);
+        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
+            const Vector<Real> mean = (next_up_to_end() + across[i]) * half;
+            store_first(strip.out, mean, smaller(width, height - d - i));
+            strip.advance(1);
         }
     }
-    NEQUAR_INLINE const Real* operator()(unsigned k) const { return start[k]; }
-};
+}
 
-// For each block of bands [d, d + lanes) and positions [p, p + lanes) calls whole(d, p); blocks may
-// overlap. The strip of positions ends with a triangle: triangle(d, p), or few(d, end, p) for
-// whatever is too small for a block.
-template <class Real, class Whole, class Triangle, class Few>
-NEQUAR_INLINE void for_each_block(const Bands<Real>& bands, const Whole& whole,
-                                  const Triangle& triangle, const Few& few) {
-    constexpr Size lanes = kLanes<Real>;
-    for (Size d0 = 0; d0 < bands.height; d0 += kChunk) {
-        for_each_strip<Real>(bands.width, [&](Size p) {
-            const Size last = bands.height - p - lanes;  // the first band of the triangle
-            if (d0 > last) return;
-            const Size end = smaller(d0 + kChunk, last);
-            Size d = d0;
-            for (; d + lanes <= end; d += lanes) whole(d, p);
-            if (d < end) {
-                if (end >= lanes) {
-                    whole(end - lanes, p);
-                } else {
-                    few(d, end, p);
-                }
-            }
-            if (last < d0 + kChunk) triangle(last, p);
-        });
+// ---- chunks -------------------------------------------------------------------------------------
+
+// Calls each(j, r, end) for the rows r ... end - 1 of a chunk below the top of each strip.
+template <class Real, class Each>
+NEQUAR_INLINE void for_each_chunk_of_rows(const Bands<const Real>& bands, const Each& each) {
+    for (Size r = 0; r < bands.height; r += kChunk) {
+        const Size end = smaller(bands.height, r + kChunk);
+        for_each_strip<Real>(smaller(bands.width, end),
+                             [&](Size j) { each(j, j > r ? j : r, end); });
     }
+}
+
+// Calls each(j, d, end) for the bands d ... end - 1 of a chunk.
+template <class Real, class Each>
+NEQUAR_INLINE void for_each_chunk_of_bands(const Bands<Real>& bands, const Each& each) {
+    for (Size d = 0; d < bands.height; d += kChunk) {
+        for_each_strip<Real>(length_of_band(bands, d), [&](Size j) { each(j, d, d + kChunk); });
+    }
+}
+
+template <class Real>
+void unpack_rows(const Bands<const Real>& bands, const Block<Real>& a) {
+    for_each_chunk_of_rows(bands,
+                           [&](Size j, Size r, Size end) { unpack_strip(bands, j, r, end, a); });
 }
 
 template <class Real>
 void unpack_columns(const Bands<const Real>& bands, const Block<Real>& a) {
-    constexpr Size lanes = kLanes<Real>;
-    const auto few = [&](Size d, Size end, Size p) {
-        const Real* in = band(bands, d);
-        for (; d < end; ++d) {
-            const Size length = length_of_band(bands, d);
-            const Size last = smaller(length, p + lanes);
-            for (Size q = p; q < last; ++q) *at_band(a, d, q) = in[q];
-            in += length;
-        }
-    };
-    if (!has_strips(bands)) {
-        for (Size p = 0; p < bands.width; p += lanes) few(0, bands.height - p, p);
-        return;
-    }
-    const auto whole = [&](Size d, Size p) {
-        Vector<Real> columns[kLaneCount<Real>];
-        load_transposed<kLaneCount<Real>, Real>(BandRows<Real>(bands, d, p), columns);
-        NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) store(at_band(a, d, p + q), columns[q]);
-    };
-    const auto triangle = [&](Size d, Size p) {
-        // The vectors reach into the next band, at the first positions past the last one.
-        if (p < lanes) return few(d, d + lanes, p);
-        Vector<Real> columns[kLaneCount<Real>];
-        load_transposed<kLaneCount<Real>, Real>(BandRows<Real>(bands, d, p), columns);
-        NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) {
-            store(at_band(a, d, p + q), columns[q], first_lanes<Real>(lanes - q));
-        }
-    };
-    for_each_block(bands, whole, triangle, few);
+    for_each_chunk_of_bands(bands, [&](Size j, Size d, Size end) {
+        end = smaller(end, bands.height - j);
+        for (; d < end; d += kLanes<Real>) unpack_block(bands, d, j, a);
+    });
+}
+
+template <class Real>
+void pack_rows(const Bands<Real>& bands, const Block<const Real>& a) {
+    for_each_chunk_of_bands(bands,
+                            [&](Size j, Size d, Size end) { pack_strip(bands, j, d, end, a); });
 }
 
 template <class Real>
 void pack_columns(const Bands<Real>& bands, const Block<const Real>& a) {
-    constexpr Size lanes = kLanes<Real>;
-    if (!has_strips(bands)) return pack_elements<false>(bands, 0, bands.width, 0, bands.height, a);
-    const auto few = [&](Size d, Size end, Size p) {
-        pack_elements<false>(bands, p, p + lanes, d, end, a);
-    };
-    const auto whole = [&](Size d, Size p) {
-        Vector<Real> columns[kLaneCount<Real>];
-        load_transposed<kLaneCount<Real>>(at_band(a, d, p), a.column_stride + 1, columns);
-        Real* out = band(bands, d) + p;
-        NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
-            store(out, columns[i]);
-            out += length_of_band(bands, d + i);
-        }
-    };
-    const auto triangle = [&](Size d, Size p) { few(d, d + lanes, p); };
-    for_each_block(bands, whole, triangle, few);
+    for_each_chunk_of_bands(bands, [&](Size j, Size d, Size end) {
+        end = smaller(end, bands.height - j);
+        for (; d < end; d += kLanes<Real>) pack_block(bands, d, j, a);
+    });
+}
+
+template <class Real>
+void unpack_symmetric_rows(const Bands<const Real>& bands, const Block<Real>& a) {
+    for (Size r = 0; r < bands.height; r += kChunk) {
+        const Size end = smaller(bands.height, r + kChunk);
+        for (Size j = 0; j < end; j += kLanes<Real>)
+            unpack_symmetric_strip(bands, j, j > r ? j : r, end, a);
+    }
+}
+
+template <class Real>
+void pack_symmetric_rows(const Bands<Real>& bands, const Block<const Real>& a) {
+    for (Size d = 0; d < bands.height; d += kChunk) {
+        for (Size j = 0; j < bands.height - d; j += kLanes<Real>)
+            pack_symmetric_strip(bands, j, d, d + kChunk, a);
+    }
 }
 
 // ---- entries ------------------------------------------------------------------------------------
@@ -512,8 +675,10 @@ template <class Real>
 void unpack_lower(Size height, Size width, const Real* packed, Block<Real> a) {
     if (height <= 0 || width <= 0) return;
     const Bands<const Real> bands = lower_bands(packed, height, width);
-    if (a.column_stride == 1) {
-        unpack_rows<false>(bands, a);
+    if (is_small(bands, 256)) {
+        unpack_elements<false>(bands, a);
+    } else if (a.column_stride == 1) {
+        unpack_rows(bands, a);
     } else if (a.row_stride == 1) {
         unpack_columns(bands, a);
     } else {
@@ -525,12 +690,14 @@ template <class Real>
 void pack_lower(Size height, Size width, Block<const Real> a, Real* packed) {
     if (height <= 0 || width <= 0) return;
     const Bands<Real> bands = lower_bands(packed, height, width);
-    if (a.column_stride == 1) {
-        pack_rows<false>(bands, a);
+    if (is_small(bands, 256)) {
+        pack_elements<false>(bands, a);
+    } else if (a.column_stride == 1) {
+        pack_rows(bands, a);
     } else if (a.row_stride == 1) {
         pack_columns(bands, a);
     } else {
-        pack_elements<false>(bands, 0, bands.width, 0, height, a);
+        pack_elements<false>(bands, a);
     }
 }
 
@@ -546,8 +713,8 @@ void unpack_symmetric(Size n, const Real* packed, Block<Real> a) {
     if (n <= 0) return;
     const Bands<const Real> bands = lower_bands(packed, n, n);
     a = with_rows(a);
-    if (a.column_stride == 1) {
-        unpack_rows<true>(bands, a);
+    if (a.column_stride == 1 && !is_small(bands, 32)) {
+        unpack_symmetric_rows(bands, a);
     } else {
         unpack_elements<true>(bands, a);
     }
@@ -558,10 +725,10 @@ void pack_symmetric(Size n, Block<const Real> a, Real* packed) {
     if (n <= 0) return;
     const Bands<Real> bands = lower_bands(packed, n, n);
     a = with_rows(a);
-    if (a.column_stride == 1) {
-        pack_rows<true>(bands, a);
+    if (a.column_stride == 1 && !is_small(bands, 400)) {
+        pack_symmetric_rows(bands, a);
     } else {
-        pack_elements<true>(bands, 0, n, 0, n, a);
+        pack_elements<true>(bands, a);
     }
 }
 

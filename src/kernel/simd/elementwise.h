@@ -4,7 +4,7 @@
 // Each group of vectors is loaded before it is stored, so out may be one of the inputs.
 #pragma once
 
-#include "kernel/simd/vector.h"
+#include "kernel/simd/shuffle.h"
 
 namespace nequar::kernel::NEQUAR_UNIT {
 
@@ -103,8 +103,6 @@ void axpy(Size n, Real alpha, const Real* x, Size sx, Real* y, Size sy) {
     for (Size i = 0; i < n; ++i) y[i * sy] += alpha * x[i * sx];
 }
 
-template <unsigned... Lane>
-struct LaneList {};
 template <unsigned count, unsigned... Lane>
 struct DescendingLanes : DescendingLanes<count - 1, Lane..., count - 1> {};
 template <unsigned... Lane>

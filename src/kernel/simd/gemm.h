@@ -144,7 +144,7 @@ NEQUAR_INLINE void run_tile(const Product<Real>& product, const BlockProduct<Rea
         kernel(task);
         return;
     }
-    Real scratch[kMostRows * kMostVectors * unsigned(lanes)];
+    Real scratch[kTileVectors * unsigned(lanes)];
     task.c = scratch;
     task.c_row = vectors * lanes;
     task.accumulate = false;
@@ -374,6 +374,93 @@ void multiply(const Product<Real>& product) {
     release_scratch(buffer);
 }
 
+// ---- what fits the caches ----------------------------------------------------------------------
+// Panel after panel of B with all rows of C, without asking for memory: for the smallest products
+// the choice of a way takes as long as the product.
+
+inline constexpr unsigned kPanelBytes = 49152;
+template <class Real>
+inline constexpr Size kPanelColumns = Size(kMostVectors) * kLanes<Real>;
+template <class Real>
+inline constexpr Size kPanelSteps = Size(kPanelBytes / sizeof(Real)) / kPanelColumns<Real>;
+
+inline constexpr Size kNearBytes = Size(1) << 19;  // a C that is larger is written block by block
+
+// One panel: `task` holds B, the steps and the strides; a and c are at the first row.
+template <class Real>
+NEQUAR_INLINE void multiply_panel(Size m, Size columns, TileTask<Real>& task, const Real* a,
+                                  Real* c) {
+    constexpr Size lanes = kLanes<Real>;
+    const Size vectors = (columns + lanes - 1) / lanes;
+    const Size in_last = columns - (vectors - 1) * lanes;
+    task.last = first_lanes<Real>(in_last);
+    const Partition rows = partition(m, Size(most_rows(unsigned(vectors))));
+    for (Size part = 0; part < rows.parts; ++part) {
+        const Size height = size_of_part(rows, part);
+        task.a = a;
+        task.c = c;
+        tile_kernel<Real>(in_last < lanes, vectors, height)(task);
+        a += height * task.a_row;
+        c += height * task.c_row;
+    }
+}
+
+// C of contiguous rows, B read where it is.
+template <class Real>
+NEQUAR_INLINE void multiply_in_place(Size m, Size n, TileTask<Real>& task, const Real* a,
+                                     const Real* b, Real* c) {
+    if (n <= kPanelColumns<Real>) {
+        task.b = b;
+        multiply_panel(m, n, task, a, c);
+        return;
+    }
+    const Partition panels = vector_panels<Real>(n, false);
+    Size j = 0;
+    for (Size part = 0; part < panels.parts; ++part) {
+        const Size columns = size_of_part(panels, part) * kLanes<Real>;
+        task.b = b + j;
+        multiply_panel(m, smaller(columns, n - j), task, a, c + j);
+        j += columns;
+    }
+}
+
+// B packed panel by panel, as many of its rows at a time as the stack takes.
+template <class Real>
+__attribute__((noinline)) void multiply_packed_panels(Size m, Size n, Size k,
+                                                      const Block<const Real>& b,
+                                                      TileTask<Real>& task, const Real* a,
+                                                      Real* c) {
+    alignas(64) Real buffer[kPanelBytes / sizeof(Real)];
+    const Partition panels = vector_panels<Real>(n, true);
+    const Partition steps = partition(k, kPanelSteps<Real>);
+    task.b = buffer;
+    Size p = 0;
+    for (Size part = 0; part < steps.parts; ++part) {
+        task.k = size_of_part(steps, part);
+        Size j = 0;
+        for (Size panel = 0; panel < panels.parts; ++panel) {
+            task.b_row = size_of_part(panels, panel) * kLanes<Real>;
+            const Size columns = smaller(task.b_row, n - j);
+            pack_panel_of_b(columns, task.b_row, task.k,
+                            b.data + p * b.row_stride + j * b.column_stride, b.row_stride,
+                            b.column_stride, buffer);
+            multiply_panel(m, columns, task, a + p * task.a_column, c + j);
+            j += columns;
+        }
+        p += task.k;
+        task.accumulate = true;
+    }
+    task.b = b.data;  // the buffer ends here
+}
+
+// Whether B is best read where it is by panels.
+template <class Real>
+NEQUAR_INLINE bool goes_by_panels_in_place(Size n, Size k, const Block<const Real>& a) {
+    if (k > kPanelSteps<Real> && n > kPanelColumns<Real>) return false;
+    const Size bytes = n * k * Size(sizeof(Real));
+    return bytes <= 65536 || (a.column_stride == 1 && bytes <= cache_sizes().second / 3);
+}
+
 // ---- the entries -------------------------------------------------------------------------------
 
 template <class Real>
@@ -386,40 +473,62 @@ void clear_region(const Product<Real>& product) {
 }
 
 template <class Real>
-NEQUAR_INLINE void multiply_any(Product<Real> product) {
-    if (product.m <= 0 || product.n <= 0) return;
-    if (product.k <= 0) {
-        if (!product.accumulate) clear_region(product);
+__attribute__((noinline)) void multiply_any(Size m, Size n, Size k, Real alpha,
+                                            const Block<const Real>& a, const Block<const Real>& b,
+                                            bool accumulate, const Block<Real>& c, Region region) {
+    if (m <= 0 || n <= 0) return;
+    Product<Real> product = {m, n, k, alpha, a, b, accumulate, c, region};
+    if (k <= 0) {
+        if (!accumulate) clear_region(product);
         return;
     }
-    if (product.c.column_stride != 1 && product.c.row_stride == 1 && product.n > 1) {
-        const Region region = product.region == Region::lower   ? Region::upper
-                              : product.region == Region::upper ? Region::lower
-                                                                : Region::all;
-        product = {product.n,
-                   product.m,
-                   product.k,
-                   product.alpha,
-                   transposed(product.b),
-                   transposed(product.a),
-                   product.accumulate,
-                   transposed(product.c),
-                   region};
+    if (c.column_stride != 1 && c.row_stride == 1 && n > 1) {
+        product.m = n;
+        product.n = m;
+        assign(product.a, transposed(b));
+        assign(product.b, transposed(a));
+        product.c = transposed(c);
+        product.region = region == Region::lower   ? Region::upper
+                         : region == Region::upper ? Region::lower
+                                                   : Region::all;
     }
     multiply(product);
 }
 
+// Blocks go by reference and are read word by word: see assign.
 template <class Real>
-void gemm(Size m, Size n, Size k, Real alpha, Block<const Real> a, Block<const Real> b,
-          bool accumulate, Block<Real> c) {
-    multiply_any<Real>({m, n, k, alpha, a, b, accumulate, c, Region::all});
+void gemm(Size m, Size n, Size k, Real alpha, const Block<const Real>& a,
+          const Block<const Real>& b, bool accumulate, const Block<Real>& c) {
+    if (c.row_stride == 1 && c.column_stride != 1 && n > 1) {
+        gemm(n, m, k, alpha, transposed(b), transposed(a), accumulate, transposed(c));
+        return;
+    }
+    const bool in_place = b.column_stride == 1 || n == 1;
+    if ((c.column_stride != 1 && n > 1) || m <= 0 || n <= 0 || k <= 0 ||
+        m * n * Size(sizeof(Real)) > kNearBytes ||
+        (in_place && !goes_by_panels_in_place(n, k, a))) {
+        multiply_any<Real>(m, n, k, alpha, a, b, accumulate, c, Region::all);
+        return;
+    }
+    TileTask<Real> task;
+    task.k = k;
+    task.a_row = a.row_stride;
+    task.a_column = a.column_stride;
+    task.b_row = b.row_stride;
+    task.c_row = c.row_stride;
+    task.alpha = alpha;
+    task.accumulate = accumulate;
+    task.prefetch = m * n > kNearElements;
+    if (in_place)
+        multiply_in_place(m, n, task, a.data, b.data, c.data);
+    else
+        multiply_packed_panels(m, n, k, b, task, a.data, c.data);
 }
 
 template <class Real>
 void gemmt(bool lower, Size n, Size k, Real alpha, Block<const Real> a, Block<const Real> b,
            bool accumulate, Block<Real> c) {
-    multiply_any<Real>(
-        {n, n, k, alpha, a, b, accumulate, c, lower ? Region::lower : Region::upper});
+    multiply_any<Real>(n, n, k, alpha, a, b, accumulate, c, lower ? Region::lower : Region::upper);
 }
 
 }  // namespace nequar::kernel::NEQUAR_UNIT

@@ -1,7 +1,8 @@
 // Level 2 on strided operands, vectors along the unit stride of A.
 //
 //   gemv   y := alpha A x (+ y)     rows contiguous:     4 dot products at once, x loaded once for
-//   them
+//                                   them; of short rows as many as a vector has lanes, summed up
+//                                   together
 //                                   columns contiguous:  4 columns at once into y
 //   ger    A += alpha x y^T         4 rows at once, y loaded once for them
 //
@@ -9,6 +10,7 @@
 #pragma once
 
 #include "kernel/simd/partition.h"
+#include "kernel/simd/shuffle.h"
 #include "kernel/table.h"
 
 namespace nequar::kernel::NEQUAR_UNIT {
@@ -50,10 +52,58 @@ NEQUAR_INLINE void dot_rows(Size n, const Real* a, Size a_row, const Real* x, Re
     }
 }
 
+inline constexpr Size kShortRow = 2048;  // bytes
+
+// The sums of as many rows as a vector has lanes; those from `height` on are not read.
+template <class Real>
+NEQUAR_INLINE Vector<Real> dot_short_rows(Size height, Size n, const Real* a, Size a_row,
+                                          const Real* x) {
+    constexpr Size lanes = kLanes<Real>;
+    const Real* rows[unsigned(lanes)];
+    NEQUAR_UNROLL for (Size r = 0; r < lanes; ++r) rows[r] = a + smaller(r, height - 1) * a_row;
+    Vector<Real> acc[unsigned(lanes)] = {};
+    Size j = 0;
+    for (; j + lanes <= n; j += lanes) {
+        const Vector<Real> xj = load(x + j);
+        NEQUAR_UNROLL for (Size r = 0; r < lanes; ++r) {
+            acc[r] = multiply_add(load(rows[r] + j), xj, acc[r]);
+        }
+    }
+    if (j < n) {
+        const FirstLanes<Real> last = first_lanes<Real>(n - j);
+        const Vector<Real> xj = load(x + j, last);
+        NEQUAR_UNROLL for (Size r = 0; r < lanes; ++r) {
+            acc[r] = multiply_add(load(rows[r] + j, last), xj, acc[r]);
+        }
+    }
+    return sums_of_lanes<Real>(acc);
+}
+
+// y(i ...) := alpha A(i ..., :) x (+ y) for the next rows, `lanes` of them at a time, while more
+// than half of those are left; answers the first row that is not done.
+template <class Real>
+Size gemv_short_rows(Size m, Size n, Real alpha, const Real* a, Size a_row, const Real* x,
+                     bool accumulate, Real* y) {
+    constexpr Size lanes = kLanes<Real>;
+    const Vector<Real> factor = broadcast(alpha);
+    Size i = 0;
+    for (; i + lanes <= m; i += lanes) {
+        const Vector<Real> sums = factor * dot_short_rows(lanes, n, a + i * a_row, a_row, x);
+        store(y + i, accumulate ? load(y + i) + sums : sums);
+    }
+    if (m - i <= lanes / 2) return i;
+    const FirstLanes<Real> last = first_lanes<Real>(m - i);
+    const Vector<Real> sums = factor * dot_short_rows(m - i, n, a + i * a_row, a_row, x);
+    store(y + i, accumulate ? load(y + i, last) + sums : sums, last);
+    return m;
+}
+
 template <class Real>
 void gemv_rows(Size m, Size n, Real alpha, const Real* a, Size a_row, const Real* x,
                bool accumulate, Real* y, Size sy) {
     Size i = 0;
+    if (sy == 1 && 2 * m > kLanes<Real> && n * Size(sizeof(Real)) <= kShortRow)
+        i = gemv_short_rows(m, n, alpha, a, a_row, x, accumulate, y);
     for (; i + 4 <= m; i += 4) {
         Real sums[4];
         dot_rows<4>(n, a + i * a_row, a_row, x, sums);

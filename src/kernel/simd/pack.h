@@ -95,6 +95,17 @@ void pack_panel_of_b(Size columns, Size panel, Size k, const Real* b, Size b_row
         }
         return;
     }
+#if NEQUAR_VECTOR_BYTES == 64
+    if (b_row == 1) {
+        for (Size j = 0; j < columns; j += lanes) {
+            for (Size p = 0; p < k; p += lanes) {
+                transpose_to_vectors(smaller(lanes, columns - j), smaller(lanes, k - p),
+                                     b + j * b_column + p, b_column, out + p * panel + j, panel);
+            }
+        }
+        return;
+    }
+#endif
     if (columns < panel) {
         for (Size p = 0; p < k; ++p) {
             store(out + p * panel + panel - lanes, Vector<Real>{});

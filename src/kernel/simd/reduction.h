@@ -8,9 +8,28 @@ namespace nequar::kernel::NEQUAR_UNIT {
 
 inline constexpr unsigned kAccumulators = 8;
 
-// The sum over i of what step(acc, load) adds; `load` reads a vector (whole or partial) of the
-// stretch that begins at i, lanes past the end as zero. The order depends on n alone, not on where
-// the vectors lie in memory.
+// The vector of the stretch that begins at some i, read from any of the arrays; past the end its
+// lanes are zero, also those of a constant.
+template <class Real>
+struct WholeVector {
+    Size at;
+    NEQUAR_INLINE Vector<Real> operator()(const Real* p) const { return load(p + at); }
+    NEQUAR_INLINE Vector<Real> constant(Real c) const { return broadcast(c); }
+};
+template <class Real>
+struct LastVector {
+    Size at;
+    FirstLanes<Real> lanes;
+    NEQUAR_INLINE Vector<Real> operator()(const Real* p) const { return load(p + at, lanes); }
+    NEQUAR_INLINE Vector<Real> constant(Real c) const {
+        alignas(64) Real filled[unsigned(kLanes<Real>)];
+        store(filled, broadcast(c));
+        return load(static_cast<const Real*>(filled), lanes);
+    }
+};
+
+// The sum over i of what step(acc, at) adds, `at` one of these vectors. The order depends on n
+// alone, not on where the vectors lie in memory.
 template <class Real, class Step>
 NEQUAR_INLINE Real accumulate_vectors(Size n, Step step) {
     constexpr Size lanes = kLanes<Real>;
@@ -21,7 +40,7 @@ NEQUAR_INLINE Real accumulate_vectors(Size n, Step step) {
         Vector<Real> acc[kAccumulators] = {};
         for (; i + group <= n; i += group) {
             NEQUAR_UNROLL for (unsigned u = 0; u < kAccumulators; ++u) {
-                acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+                acc[u] = step(acc[u], WholeVector<Real>{i + Size(u) * lanes});
             }
         }
         NEQUAR_UNROLL for (unsigned half = kAccumulators / 2; half > 0; half /= 2) {
@@ -33,24 +52,23 @@ NEQUAR_INLINE Real accumulate_vectors(Size n, Step step) {
         Vector<Real> acc[4] = {};
         for (; i + 4 * lanes <= n; i += 4 * lanes) {
             NEQUAR_UNROLL for (unsigned u = 0; u < 4; ++u) {
-                acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+                acc[u] = step(acc[u], WholeVector<Real>{i + Size(u) * lanes});
             }
         }
         if (i + 2 * lanes <= n) {
             NEQUAR_UNROLL for (unsigned u = 0; u < 2; ++u) {
-                acc[u] = step(acc[u], [at = i + u * lanes](const Real* p) { return load(p + at); });
+                acc[u] = step(acc[u], WholeVector<Real>{i + Size(u) * lanes});
             }
             i += 2 * lanes;
         }
         sum += (acc[0] + acc[2]) + (acc[1] + acc[3]);
     }
     if (i + lanes <= n) {
-        sum = step(sum, [at = i](const Real* p) { return load(p + at); });
+        sum = step(sum, WholeVector<Real>{i});
         i += lanes;
     }
     if (i < n) {
-        const FirstLanes<Real> last = first_lanes<Real>(n - i);
-        sum = step(sum, [at = i, last](const Real* p) { return load(p + at, last); });
+        sum = step(sum, LastVector<Real>{i, first_lanes<Real>(n - i)});
     }
     return sum_of_lanes<Real>(sum);
 }
@@ -65,6 +83,52 @@ NEQUAR_INLINE Real accumulate_elements(Size n, Term term) {
     }
     for (; i < n; ++i) acc[0] += term(i);
     return (acc[0] + acc[2]) + (acc[1] + acc[3]);
+}
+
+template <class Real>
+Real sum(Size n, const Real* x) {
+    return accumulate_vectors<Real>(n, [=](Vector<Real> acc, auto at) { return acc + at(x); });
+}
+
+template <class Real>
+Real squares_about(Size n, const Real* x, Real centre) {
+    return accumulate_vectors<Real>(n, [=](Vector<Real> acc, auto at) {
+        const Vector<Real> v = at(x) - at.constant(centre);
+        return multiply_add(v, v, acc);
+    });
+}
+
+// The best of n elements and `other`, better(a, b) lane by lane; NaN is none better.
+template <class Real, class Better>
+NEQUAR_INLINE Real extremum(Size n, const Real* x, Real other, Better better) {
+    constexpr Size lanes = kLanes<Real>;
+    Vector<Real> best[4];
+    NEQUAR_UNROLL for (unsigned u = 0; u < 4; ++u) best[u] = broadcast(other);
+    Size i = 0;
+    for (; i + 4 * lanes <= n; i += 4 * lanes) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < 4; ++u) {
+            best[u] = better(load(x + i + Size(u) * lanes), best[u]);
+        }
+    }
+    for (; i + lanes <= n; i += lanes) best[0] = better(load(x + i), best[0]);
+    for (; i < n; ++i) best[1] = better(broadcast(x[i]), best[1]);
+    best[0] = better(better(best[0], best[1]), better(best[2], best[3]));
+    Vector<Real> lane[unsigned(kLanes<Real>)];
+    NEQUAR_UNROLL for (Size l = 0; l < lanes; ++l) lane[l] = broadcast(best[0][l]);
+    NEQUAR_UNROLL for (Size half = lanes / 2; half > 0; half /= 2) {
+        NEQUAR_UNROLL for (Size l = 0; l < half; ++l) lane[l] = better(lane[l], lane[l + half]);
+    }
+    return lane[0][0];
+}
+
+template <class Real>
+Real largest(Size n, const Real* x, Real other) {
+    return extremum(n, x, other, [](Vector<Real> a, Vector<Real> b) { return larger<Real>(a, b); });
+}
+
+template <class Real>
+Real smallest(Size n, const Real* x, Real other) {
+    return extremum(n, x, other, [](Vector<Real> a, Vector<Real> b) { return a < b ? a : b; });
 }
 
 template <class Real>

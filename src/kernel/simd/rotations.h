@@ -1,17 +1,25 @@
 // Sweeps of plane rotations over adjacent rows, several sweeps at once.
 //
+// A rotation is three shears, three multiply-adds where the plain form takes two of them and two
+// products:
+//
+//   | c -s |   | 1 -t | | 1  0 | | 1 -t |
+//   | s  c | = | 0  1 | | s  1 | | 0  1 |,    t = s / (1 + c)
+//
 // Rotation (r, i) of sweep r takes rows i and i + 1. It has to follow (r, i - 1) and (r - 1, i +
-// 1), so D sweeps can go down the rows together, each one row behind the one before: a wave at row
-// w is
+// 1), so D sweeps can go down the rows together, each L rows behind the one before: a wave at row w
+// is, with L = 2 and D = 3,
 //
-//        row w        |            (D-1, w)
-//        row w + 1    |   ...      (D-1, w)         rotations (0, w + D - 1), (1, w + D - 2), ...,
-//        ...          |   (1, .)                    (D - 1, w), in this order
-//        row w + D    |   (0, w + D - 1)
+//        row w        |            (2, w)
+//        row w + 1    |            (2, w)
+//        row w + 2    |   (1, w+2)                  rotations (0, w + 4), (1, w + 2), (2, w);
+//        row w + 3    |   (1, w+2)                  none waits for another
+//        row w + 4    |   (0, w+4)
+//        row w + 5    |   (0, w+4)
 //
-// A wave holds D + 1 rows of a strip of columns in registers: it loads row w + D, and row w is done
-// with and stored. So D rotations cost one load and one store. The ends, where a wave would reach
-// over the first or last row, are done rotation by rotation.
+// A wave holds L (D - 1) + 2 rows of a strip of columns in registers: it loads the last of them,
+// and row w is done with and stored. So D rotations cost one load and one store. The ends, where a
+// wave would reach over the first or last row, are done rotation by rotation.
 //
 // Van Zee, van de Geijn, Quintana-Orti, Restructuring the tridiagonal and bidiagonal QR algorithms
 // for performance, ACM TOMS 40, 2014.
@@ -23,14 +31,38 @@
 namespace nequar::kernel::NEQUAR_UNIT {
 
 #if NEQUAR_VECTOR_BYTES == 64
-inline constexpr unsigned kWaveDepth =
-    4;  // sweeps of a wave: (depth + 1) strip registers hold rows
+inline constexpr unsigned kWaveDepth = 3;  // D, sweeps of a wave
+inline constexpr unsigned kWaveLag = 2;    // L
 #else
 inline constexpr unsigned kWaveDepth = 2;
+inline constexpr unsigned kWaveLag = 1;
 #endif
 inline constexpr unsigned kWaveStrip = 4;  // vectors across a strip
 
-// A strip of columns: U vectors, or less than one.
+// While one stands, what is below the smallest normal number is zero. Rotated from the identity, a
+// matrix has elements that are products of hundreds of sines, and arithmetic on numbers that are
+// not normal is a hundred times slower. What it guards is a function that is not inlined, so that
+// nothing moves out.
+#if defined(__SSE2__)
+class TinyIsZero {
+public:
+    TinyIsZero() : before_(_mm_getcsr()) { _mm_setcsr(before_ | kFlushResults | kFlushOperands); }
+    ~TinyIsZero() { _mm_setcsr(before_); }
+    TinyIsZero(const TinyIsZero&) = delete;
+    TinyIsZero& operator=(const TinyIsZero&) = delete;
+
+private:
+    static constexpr unsigned kFlushResults = 0x8000;
+    static constexpr unsigned kFlushOperands = 0x0040;
+    unsigned before_;
+};
+#else
+struct TinyIsZero {
+    TinyIsZero() {}
+};
+#endif
+
+// A strip of columns: U vectors, or the last of them not whole.
 template <class Real, unsigned U>
 struct WholeStrip {
     NEQUAR_INLINE Vector<Real> get(const Real* p, unsigned u) const {
@@ -40,22 +72,47 @@ struct WholeStrip {
         store(p + Size(u) * kLanes<Real>, v);
     }
 };
-template <class Real>
+template <class Real, unsigned U>
 struct PartialStrip {
     FirstLanes<Real> lanes;
-    NEQUAR_INLINE Vector<Real> get(const Real* p, unsigned) const { return load(p, lanes); }
-    NEQUAR_INLINE void put(Real* p, unsigned, const Vector<Real>& v) const { store(p, v, lanes); }
+    NEQUAR_INLINE Vector<Real> get(const Real* p, unsigned u) const {
+        const Real* const place = p + Size(u) * kLanes<Real>;
+        return u + 1 < U ? load(place) : load(place, lanes);
+    }
+    NEQUAR_INLINE void put(Real* p, unsigned u, const Vector<Real>& v) const {
+        Real* const place = p + Size(u) * kLanes<Real>;
+        if (u + 1 < U)
+            store(place, v);
+        else
+            store(place, v, lanes);
+    }
 };
 
-// (x, y) := (c x - s y, s x + c y), the pair (c, s) from memory
-template <class Real, unsigned U>
-NEQUAR_INLINE void rotate_vectors(const Real* pair, Vector<Real> (&x)[U], Vector<Real> (&y)[U]) {
-    const Vector<Real> c = broadcast(pair[0]);
-    const Vector<Real> s = broadcast(pair[1]);
-    NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) {
-        const Vector<Real> old = x[u];
-        x[u] = multiply_subtract_from(s, y[u], c * old);
-        y[u] = multiply_add(s, old, c * y[u]);
+// (x, y) := (c x - s y, s x + c y) for C of them that have no row in common: rows x[k], y[k], the
+// pair (t, s) at pairs[k].
+template <unsigned C, unsigned U, class Real>
+NEQUAR_INLINE void rotate_vectors(const Real* const (&pairs)[C], Vector<Real>* const (&x)[C],
+                                  Vector<Real>* const (&y)[C]) {
+    Vector<Real> t[C];
+    Vector<Real> s[C];
+    NEQUAR_UNROLL for (unsigned k = 0; k < C; ++k) {
+        t[k] = broadcast(pairs[k][0]);
+        s[k] = broadcast(pairs[k][1]);
+    }
+    NEQUAR_UNROLL for (unsigned k = 0; k < C; ++k) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) {
+            x[k][u] = multiply_subtract_from(t[k], y[k][u], x[k][u]);
+        }
+    }
+    NEQUAR_UNROLL for (unsigned k = 0; k < C; ++k) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) {
+            y[k][u] = multiply_add(s[k], x[k][u], y[k][u]);
+        }
+    }
+    NEQUAR_UNROLL for (unsigned k = 0; k < C; ++k) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) {
+            x[k][u] = multiply_subtract_from(t[k], y[k][u], x[k][u]);
+        }
     }
 }
 
@@ -70,7 +127,7 @@ NEQUAR_INLINE void rotate_one_by_one(const Strip& strip, const Real* pairs, Size
     for (Size i = begin; i < end; ++i) {
         Real* const row = a + i * row_stride;
         NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) y[u] = strip.get(row + row_stride, u);
-        rotate_vectors<Real, U>(pairs + 2 * i, x, y);
+        rotate_vectors<1, U, Real>({pairs + 2 * i}, {x}, {y});
         NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) {
             strip.put(row, u, x[u]);
             x[u] = y[u];
@@ -79,51 +136,60 @@ NEQUAR_INLINE void rotate_one_by_one(const Strip& strip, const Real* pairs, Size
     NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) strip.put(a + end * row_stride, u, x[u]);
 }
 
-// D sweeps of `count` >= D rotations each over one strip.
-template <unsigned D, unsigned U, class Real, class Strip>
+// D sweeps of `count` > L (D - 1) rotations each over one strip.
+template <unsigned D, unsigned L, unsigned U, class Real, class Strip>
 NEQUAR_INLINE void rotate_in_waves(const Strip& strip, const Real* pairs, Size sweep_stride,
                                    Size count, Real* a, Size row_stride) {
+    constexpr unsigned W = L * (D - 1) + 2;  // rows of a wave
     for (unsigned r = 0; r + 1 < D; ++r) {
-        rotate_one_by_one<Real, U>(strip, pairs + r * sweep_stride, 0, Size(D - 1 - r), a,
+        rotate_one_by_one<Real, U>(strip, pairs + r * sweep_stride, 0, Size(L * (D - 1 - r)), a,
                                    row_stride);
     }
-    Vector<Real> row[D + 1][U];
-    NEQUAR_UNROLL for (unsigned k = 0; k < D; ++k) {
+    Vector<Real> row[W][U];
+    NEQUAR_UNROLL for (unsigned k = 0; k + 1 < W; ++k) {
         NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) {
             row[k][u] = strip.get(a + k * row_stride, u);
         }
     }
-    // Wave w, with row w + k in row[(first + k) % (D + 1)].
+    // Wave w, with row w + k in row[(first + k) % W].
     const auto wave = [&](Size w, unsigned first) __attribute__((always_inline)) {
         Real* const top = a + w * row_stride;
         NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) {
-            row[(first + D) % (D + 1)][u] = strip.get(top + D * row_stride, u);
+            row[(first + W - 1) % W][u] = strip.get(top + (W - 1) * row_stride, u);
         }
-        NEQUAR_UNROLL for (unsigned r = 0; r < D; ++r) {
-            rotate_vectors<Real, U>(pairs + r * sweep_stride + 2 * (w + D - 1 - r),
-                                    row[(first + D - 1 - r) % (D + 1)],
-                                    row[(first + D - r) % (D + 1)]);
+        if constexpr (L == 2 && D == 3) {
+            const Real* const last = pairs + 2 * w;
+            rotate_vectors<3, U, Real>(
+                {last + 8, last + sweep_stride + 4, last + 2 * sweep_stride},
+                {row[(first + 4) % W], row[(first + 2) % W], row[first]},
+                {row[(first + 5) % W], row[(first + 3) % W], row[(first + 1) % W]});
+        } else {
+            NEQUAR_UNROLL for (unsigned r = 0; r < D; ++r) {
+                const unsigned k = L * (D - 1 - r);
+                rotate_vectors<1, U, Real>({pairs + r * sweep_stride + 2 * (w + Size(k))},
+                                           {row[(first + k) % W]}, {row[(first + k + 1) % W]});
+            }
         }
         NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) strip.put(top, u, row[first][u]);
     };
-    const Size waves = count - Size(D) + 1;
+    const Size waves = count - Size(L * (D - 1));
     Size w = 0;
-    for (; w + Size(D) + 1 <= waves; w += Size(D) + 1) {
-        NEQUAR_UNROLL for (unsigned k = 0; k <= D; ++k) wave(w + k, k);
+    for (; w + Size(W) <= waves; w += Size(W)) {
+        NEQUAR_UNROLL for (unsigned k = 0; k < W; ++k) wave(w + k, k);
     }
     for (; w < waves; ++w) {
         wave(w, 0);
-        NEQUAR_UNROLL for (unsigned k = 0; k < D; ++k) {
+        NEQUAR_UNROLL for (unsigned k = 0; k + 1 < W; ++k) {
             NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) row[k][u] = row[k + 1][u];
         }
     }
-    NEQUAR_UNROLL for (unsigned k = 0; k < D; ++k) {
+    NEQUAR_UNROLL for (unsigned k = 0; k + 1 < W; ++k) {
         NEQUAR_UNROLL for (unsigned u = 0; u < U; ++u) {
             strip.put(a + (waves + k) * row_stride, u, row[k][u]);
         }
     }
     for (unsigned r = 1; r < D; ++r) {
-        rotate_one_by_one<Real, U>(strip, pairs + r * sweep_stride, count - Size(r), count, a,
+        rotate_one_by_one<Real, U>(strip, pairs + r * sweep_stride, count - Size(L * r), count, a,
                                    row_stride);
     }
 }
@@ -133,10 +199,10 @@ template <unsigned U, class Real, class Strip>
 NEQUAR_INLINE void rotate_strip(const Strip& strip, Size sweeps, Size count, const Real* pairs,
                                 Size sweep_stride, Real* a, Size row_stride) {
     Size r = 0;
-    if (count >= Size(kWaveDepth)) {
+    if (count > Size(kWaveLag * (kWaveDepth - 1))) {
         for (; r + Size(kWaveDepth) <= sweeps; r += Size(kWaveDepth)) {
-            rotate_in_waves<kWaveDepth, U>(strip, pairs + r * sweep_stride, sweep_stride, count, a,
-                                           row_stride);
+            rotate_in_waves<kWaveDepth, kWaveLag, U>(strip, pairs + r * sweep_stride, sweep_stride,
+                                                     count, a, row_stride);
         }
     }
     for (; r < sweeps; ++r) {
@@ -145,20 +211,31 @@ NEQUAR_INLINE void rotate_strip(const Strip& strip, Size sweeps, Size count, con
 }
 
 template <class Real>
-void rotate_rows(Size sweeps, Size count, Size n, const Real* pairs, Size sweep_stride, Real* a,
-                 Size row_stride) {
+__attribute__((noinline)) void rotate_strips(Size sweeps, Size count, Size n, const Real* pairs,
+                                             Size sweep_stride, Real* a, Size row_stride) {
     constexpr Size lanes = kLanes<Real>;
     constexpr Size strip = Size(kWaveStrip) * lanes;
-    if (count <= 0) return;
     Size j = 0;
     for (; j + strip <= n; j += strip) {
         rotate_strip<kWaveStrip>(WholeStrip<Real, kWaveStrip>{}, sweeps, count, pairs, sweep_stride,
                                  a + j, row_stride);
     }
-    for (; j < n; j += lanes) {
-        const PartialStrip<Real> part = {first_lanes<Real>(smaller(n - j, lanes))};
+    for (; j + lanes < n; j += 2 * lanes) {
+        const PartialStrip<Real, 2> part = {first_lanes<Real>(smaller(n - j - lanes, lanes))};
+        rotate_strip<2>(part, sweeps, count, pairs, sweep_stride, a + j, row_stride);
+    }
+    if (j < n) {
+        const PartialStrip<Real, 1> part = {first_lanes<Real>(n - j)};
         rotate_strip<1>(part, sweeps, count, pairs, sweep_stride, a + j, row_stride);
     }
+}
+
+template <class Real>
+void rotate_rows(Size sweeps, Size count, Size n, const Real* pairs, Size sweep_stride, Real* a,
+                 Size row_stride) {
+    if (count <= 0) return;
+    const TinyIsZero tiny;
+    rotate_strips(sweeps, count, n, pairs, sweep_stride, a, row_stride);
 }
 
 // ---- Jacobi rotations: one row with many --------------------------------------------------------
@@ -201,7 +278,7 @@ void rotate_with_rows(Size count, Size n, Real* x, Real* rows, Size row_stride, 
                                                  rows + j, row_stride, pairs);
     }
     for (; j < n; j += lanes) {
-        const PartialStrip<Real> part = {first_lanes<Real>(smaller(n - j, lanes))};
+        const PartialStrip<Real, 1> part = {first_lanes<Real>(smaller(n - j, lanes))};
         rotate_strip_with_rows<Real, 1>(part, count, x + j, rows + j, row_stride, pairs);
     }
 }

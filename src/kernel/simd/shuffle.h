@@ -150,71 +150,131 @@ NEQUAR_INLINE void load_transposed(const Real* p, Size step, PackOf<Real, N> (&c
     load_transposed<N, Real>(EvenRows<Real>{p, step}, columns);
 }
 
-// ---- squares of whole vectors
-// -------------------------------------------------------------------- With vectors of a cache
-// line, rows are better read whole: each line is asked for once. The square is transposed by
-// halves: blocks of `half` columns of row i + half and those to the right of row i change places,
-// for half = N/2, ..., 2, 1.
-#if NEQUAR_VECTOR_BYTES == 64
-template <unsigned half>
-NEQUAR_INLINE void exchange(Vector<double>& a, Vector<double>& b);
-template <unsigned half>
-NEQUAR_INLINE void exchange(Vector<float>& a, Vector<float>& b);
-template <>
-NEQUAR_INLINE void exchange<4>(Vector<double>& a, Vector<double>& b) {
-    const Vector<double> low = __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11);
-    b = __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
+// ---- squares of whole vectors ------------------------------------------------------------------
+// A square is transposed by halves: blocks of `half` columns of row i + half and those to the right
+// of row i change places, for half = N/2, ..., 2, 1.
+
+template <unsigned... Lane>
+struct LaneList {};
+template <unsigned count, unsigned... Lane>
+struct AscendingLanes : AscendingLanes<count - 1, count - 1, Lane...> {};
+template <unsigned... Lane>
+struct AscendingLanes<0, Lane...> {
+    using Type = LaneList<Lane...>;
+};
+
+template <unsigned half, class AnyVector, unsigned... Lane>
+NEQUAR_INLINE void exchange_lanes(AnyVector& a, AnyVector& b, LaneList<Lane...>) {
+    constexpr unsigned lanes = sizeof...(Lane);
+    const AnyVector low =
+        __builtin_shufflevector(a, b, (Lane / half % 2 == 0 ? Lane : Lane + lanes - half)...);
+    b = __builtin_shufflevector(a, b, (Lane / half % 2 == 0 ? Lane + half : Lane + lanes)...);
     a = low;
 }
-template <>
-NEQUAR_INLINE void exchange<2>(Vector<double>& a, Vector<double>& b) {
-    const Vector<double> low = __builtin_shufflevector(a, b, 0, 1, 8, 9, 4, 5, 12, 13);
-    b = __builtin_shufflevector(a, b, 2, 3, 10, 11, 6, 7, 14, 15);
-    a = low;
-}
-template <>
-NEQUAR_INLINE void exchange<1>(Vector<double>& a, Vector<double>& b) {
-    const Vector<double> low = __builtin_shufflevector(a, b, 0, 8, 2, 10, 4, 12, 6, 14);
-    b = __builtin_shufflevector(a, b, 1, 9, 3, 11, 5, 13, 7, 15);
-    a = low;
-}
-template <>
-NEQUAR_INLINE void exchange<8>(Vector<float>& a, Vector<float>& b) {
-    const Vector<float> low =
-        __builtin_shufflevector(a, b, 0, 1, 2, 3, 4, 5, 6, 7, 16, 17, 18, 19, 20, 21, 22, 23);
-    b = __builtin_shufflevector(a, b, 8, 9, 10, 11, 12, 13, 14, 15, 24, 25, 26, 27, 28, 29, 30, 31);
-    a = low;
-}
-template <>
-NEQUAR_INLINE void exchange<4>(Vector<float>& a, Vector<float>& b) {
-    const Vector<float> low =
-        __builtin_shufflevector(a, b, 0, 1, 2, 3, 16, 17, 18, 19, 8, 9, 10, 11, 24, 25, 26, 27);
-    b = __builtin_shufflevector(a, b, 4, 5, 6, 7, 20, 21, 22, 23, 12, 13, 14, 15, 28, 29, 30, 31);
-    a = low;
-}
-template <>
-NEQUAR_INLINE void exchange<2>(Vector<float>& a, Vector<float>& b) {
-    const Vector<float> low =
-        __builtin_shufflevector(a, b, 0, 1, 16, 17, 4, 5, 20, 21, 8, 9, 24, 25, 12, 13, 28, 29);
-    b = __builtin_shufflevector(a, b, 2, 3, 18, 19, 6, 7, 22, 23, 10, 11, 26, 27, 14, 15, 30, 31);
-    a = low;
-}
-template <>
-NEQUAR_INLINE void exchange<1>(Vector<float>& a, Vector<float>& b) {
-    const Vector<float> low =
-        __builtin_shufflevector(a, b, 0, 16, 2, 18, 4, 20, 6, 22, 8, 24, 10, 26, 12, 28, 14, 30);
-    b = __builtin_shufflevector(a, b, 1, 17, 3, 19, 5, 21, 7, 23, 9, 25, 11, 27, 13, 29, 15, 31);
-    a = low;
+template <unsigned half, class AnyVector>
+NEQUAR_INLINE void exchange(AnyVector& a, AnyVector& b) {
+    exchange_lanes<half>(a, b, typename AscendingLanes<sizeof(AnyVector) / sizeof(a[0])>::Type{});
 }
 
+// Lane i becomes the sum of the lanes of v[i], halves added to halves.
 template <unsigned half, class Real>
-NEQUAR_INLINE void exchange_blocks(Vector<Real> (&v)[unsigned(kLanes<Real>)]) {
-    NEQUAR_UNROLL for (unsigned i = 0; i < unsigned(kLanes<Real>); ++i) {
+NEQUAR_INLINE void add_lanes(Vector<Real> (&v)[unsigned(kLanes<Real>)]) {
+    NEQUAR_UNROLL for (unsigned i = 0; i < half; ++i) {
+        exchange<half>(v[i], v[i + half]);
+        v[i] += v[i + half];
+    }
+    if constexpr (half > 1) add_lanes<half / 2, Real>(v);
+}
+template <class Real>
+NEQUAR_INLINE Vector<Real> sums_of_lanes(Vector<Real> (&v)[unsigned(kLanes<Real>)]) {
+    add_lanes<unsigned(kLanes<Real>) / 2, Real>(v);
+    return v[0];
+}
+
+#if NEQUAR_VECTOR_BYTES == 64
+// With vectors of a cache line, rows are better read whole: each line is asked for once.
+// A half in the low lanes, zeros above.
+NEQUAR_INLINE Vector<double> low_half(Vector<double> v) {
+    return __builtin_shufflevector(v, Vector<double>{}, 0, 1, 2, 3, 8, 8, 8, 8);
+}
+NEQUAR_INLINE Vector<float> low_half(Vector<float> v) {
+    return __builtin_shufflevector(v, Vector<float>{}, 0, 1, 2, 3, 4, 5, 6, 7, 16, 16, 16, 16, 16,
+                                   16, 16, 16);
+}
+NEQUAR_INLINE Vector<double> high_half(Vector<double> v) {
+    return __builtin_shufflevector(v, Vector<double>{}, 4, 5, 6, 7, 8, 8, 8, 8);
+}
+NEQUAR_INLINE Vector<float> high_half(Vector<float> v) {
+    return __builtin_shufflevector(v, Vector<float>{}, 8, 9, 10, 11, 12, 13, 14, 15, 16, 16, 16, 16,
+                                   16, 16, 16, 16);
+}
+
+template <unsigned half, class Real, unsigned N>
+NEQUAR_INLINE void exchange_blocks(Vector<Real> (&v)[N]) {
+    NEQUAR_UNROLL for (unsigned i = 0; i < N; ++i) {
         if (i % (2 * half) < half) exchange<half>(v[i], v[i + half]);
     }
     if constexpr (half > 1) exchange_blocks<half / 2, Real>(v);
 }
+
+// Up to N rows of up to a vector's lanes, N all of them or half; what is missing reads as zero.
+// With half of the rows both halves of the vectors are transposed at once: column j comes to lie in
+// the low half of vector j, column N + j in its high half.
+template <unsigned N, class Real>
+NEQUAR_INLINE void load_rows_transposed(Size rows, Size columns, const Real* in, Size in_row,
+                                        Vector<Real> (&v)[N]) {
+    if (rows == Size(N) && columns == kLanes<Real>) {
+        NEQUAR_UNROLL for (unsigned i = 0; i < N; ++i) v[i] = load(in + Size(i) * in_row);
+    } else {
+        const FirstLanes<Real> present = first_lanes<Real>(columns);
+        NEQUAR_UNROLL for (unsigned i = 0; i < N; ++i) {
+            v[i] = Vector<Real>{};
+            if (Size(i) < rows) v[i] = load(in + Size(i) * in_row, present);
+        }
+    }
+    exchange_blocks<N / 2, Real>(v);
+}
+
+// out(j, i) = in(i, j), i < rows, j < columns, both up to a vector's lanes; whole vectors are
+// written, zeros where there is no row: they are read back at once as they were written.
+template <class Real>
+NEQUAR_INLINE void transpose_to_vectors(Size rows, Size columns, const Real* in, Size in_row,
+                                        Real* out, Size out_row) {
+    constexpr unsigned lanes = unsigned(kLanes<Real>);
+    constexpr unsigned half = lanes / 2;
+    if (rows <= Size(half)) {
+        Vector<Real> v[half];
+        load_rows_transposed<half, Real>(rows, columns, in, in_row, v);
+        NEQUAR_UNROLL for (unsigned j = 0; j < half; ++j) {
+            if (Size(j) < columns) store(out + Size(j) * out_row, low_half(v[j]));
+            if (Size(half + j) < columns) store(out + Size(half + j) * out_row, high_half(v[j]));
+        }
+        return;
+    }
+    Vector<Real> v[lanes];
+    load_rows_transposed<lanes, Real>(rows, columns, in, in_row, v);
+    if (columns == Size(lanes)) {
+        NEQUAR_UNROLL for (unsigned j = 0; j < lanes; ++j) store(out + Size(j) * out_row, v[j]);
+        return;
+    }
+    NEQUAR_UNROLL for (unsigned j = 0; j < lanes - 1; ++j) {
+        if (Size(j) < columns) store(out + Size(j) * out_row, v[j]);
+    }
+}
 #endif
+
+// Rows in, columns out.
+template <class Real>
+NEQUAR_INLINE void transpose_in_registers(Vector<Real> (&v)[unsigned(kLanes<Real>)]) {
+#if NEQUAR_VECTOR_BYTES == 64
+    exchange_blocks<unsigned(kLanes<Real>) / 2, Real>(v);
+#else
+    constexpr unsigned lanes = unsigned(kLanes<Real>);
+    alignas(64) Real square[lanes * lanes];
+    NEQUAR_UNROLL for (unsigned i = 0; i < lanes; ++i) store(square + i * lanes, v[i]);
+    load_transposed<lanes>(static_cast<const Real*>(square), Size(lanes), v);
+#endif
+}
 
 // columns[j] = column j of the square of a vector each way.
 template <class Real>

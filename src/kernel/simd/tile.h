@@ -9,8 +9,8 @@
 // short strides. C has unit stride along its rows.
 //
 // R x NV accumulators, NV vectors of B and one broadcast fill the register file: 16 registers hold
-// 6 x 2 or 4 x 3 accumulators, 32 hold 8 x 3 or 12 x 2. At least 8 accumulators are needed to hide
-// the latency of the multiply-add (4 cycles, two a cycle). (Van Zee, van de Geijn, BLIS: A
+// 6 x 2 or 4 x 3 accumulators, 32 hold 8 x 3, 12 x 2 or 24 x 1. At least 8 accumulators are needed
+// to hide the latency of the multiply-add (4 cycles, two a cycle). (Van Zee, van de Geijn, BLIS: A
 // Framework for Rapidly Instantiating BLAS Functionality, ACM TOMS 41, 2015.)
 #pragma once
 
@@ -45,8 +45,10 @@ inline constexpr unsigned kMostVectors = 3;
 inline constexpr unsigned kPackedVectors = 3;
 inline constexpr unsigned kPackedRows = 8;
 constexpr unsigned most_rows(unsigned vectors) {
-    return vectors == 3 ? 8 : 12;
+    return vectors == 3 ? 8 : vectors == 2 ? 12 : 24;
 }
+inline constexpr unsigned kMostRows = 24;
+inline constexpr unsigned kTileVectors = 24;  // of the largest tiles
 #else
 inline constexpr unsigned kMostVectors = 3;
 inline constexpr unsigned kPackedVectors = 2;
@@ -54,30 +56,54 @@ inline constexpr unsigned kPackedRows = 6;
 constexpr unsigned most_rows(unsigned vectors) {
     return vectors == 3 ? 4 : vectors == 2 ? 6 : 8;
 }
+inline constexpr unsigned kMostRows = 8;
+inline constexpr unsigned kTileVectors = 12;
 #endif
-inline constexpr unsigned kMostRows = 12;
 
 // ---- the kernels -------------------------------------------------------------------------------
+
+// A pointer of which the compiler does not know that it is another one plus something: it stays in
+// a register of its own instead of being computed anew at each step.
+template <class Real>
+NEQUAR_INLINE const Real* opaque(const Real* p) {
+    __asm__("" : "+r"(p));
+    return p;
+}
+
+// Rows of A that are reached from one pointer by the strides that an address can hold.
+inline constexpr unsigned kRowsOfPointer = 5;
+
+// acc += a(:, p) b(p, :), then on to the next p.
+template <unsigned R, unsigned NV, bool Partial, class Real>
+NEQUAR_INLINE void accumulate_step(const Real* (&a)[(R + kRowsOfPointer - 1) / kRowsOfPointer],
+                                   Size a_row, Size a_column, const Real*& b, Size b_row,
+                                   FirstLanes<Real> last, Vector<Real> (&acc)[R][NV]) {
+    Vector<Real> row[NV];
+    NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) {
+        row[v] =
+            Partial && v == NV - 1 ? load(b + v * kLanes<Real>, last) : load(b + v * kLanes<Real>);
+    }
+    NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
+        const Vector<Real> x = broadcast(a[r / kRowsOfPointer][Size(r % kRowsOfPointer) * a_row]);
+        NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) {
+            acc[r][v] = multiply_add(x, row[v], acc[r][v]);
+        }
+    }
+    NEQUAR_UNROLL for (auto& pointer : a) pointer += a_column;
+    b += b_row;
+}
 
 // acc += A B over k steps.
 template <unsigned R, unsigned NV, bool Partial, class Real>
 NEQUAR_INLINE void accumulate_tile(Size k, const Real* a, Size a_row, Size a_column, const Real* b,
                                    Size b_row, FirstLanes<Real> last, Vector<Real> (&acc)[R][NV]) {
-    for (Size p = 0; p < k; ++p) {
-        Vector<Real> row[NV];
-        NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) {
-            row[v] = Partial && v == NV - 1 ? load(b + v * kLanes<Real>, last)
-                                            : load(b + v * kLanes<Real>);
-        }
-        NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
-            const Vector<Real> x = broadcast(a[r * a_row]);
-            NEQUAR_UNROLL for (unsigned v = 0; v < NV; ++v) {
-                acc[r][v] = multiply_add(x, row[v], acc[r][v]);
-            }
-        }
-        a += a_column;
-        b += b_row;
+    constexpr unsigned pointers = (R + kRowsOfPointer - 1) / kRowsOfPointer;
+    const Real* rows[pointers];
+    NEQUAR_UNROLL for (unsigned i = 0; i < pointers; ++i) {
+        rows[i] = opaque(a);
+        a += Size(kRowsOfPointer) * a_row;
     }
+    for (; k > 0; --k) accumulate_step<R, NV, Partial>(rows, a_row, a_column, b, b_row, last, acc);
 }
 
 template <class Real, unsigned R, unsigned NV, bool Partial>

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "kernel/kernel.h"
+#include "kernel/values.h"
 
 namespace nequar {
 namespace {
@@ -21,19 +21,25 @@ bool beats(Real a, Real b) {
     return largest ? a > b : a < b;
 }
 
-// The extremum of a block, or `other` if that is none worse.
 template <bool largest, class Real>
 Real extremum(const Real* x, Size count, Real other) {
-    constexpr Size kLanes = 16;
-    Real best[kLanes];
-    for (Real& lane : best) lane = other;
-    Size k = 0;
-    for (; k + kLanes <= count; k += kLanes)
-        for (Size lane = 0; lane < kLanes; ++lane)
-            best[lane] = beats<largest>(x[k + lane], best[lane]) ? x[k + lane] : best[lane];
-    for (; k < count; ++k) best[0] = beats<largest>(x[k], best[0]) ? x[k] : best[0];
-    for (const Real lane : best) best[0] = beats<largest>(lane, best[0]) ? lane : best[0];
-    return best[0];
+    return largest ? kernel::largest(count, x, other) : kernel::smallest(count, x, other);
+}
+
+// The last place of `best`, which stands in [begin, end) and is no infinity that anything beats.
+template <bool largest, class Real>
+Size last_place(const Real* x, Size begin, Size end, Real best) {
+    constexpr Real kInfinity = std::numeric_limits<Real>::infinity();
+    constexpr Real worst = largest ? -kInfinity : kInfinity;
+    while (end - begin > 16) {
+        const Size middle = begin + (end - begin) / 2;
+        if (extremum<largest>(x + middle, end - middle, worst) == best)
+            begin = middle;
+        else
+            end = middle;
+    }
+    while (!(x[end - 1] == best)) --end;
+    return end - 1;
 }
 
 // Block by block from the end: the first block that holds the extremum holds its last place.
@@ -50,9 +56,7 @@ Size position_of_extremum(const Real* x, Size count) {
         best_end = end;
     }
     if (best_end == 0) return 0;
-    Size position = best_end - 1;
-    while (!(x[position] == best)) --position;
-    return position;
+    return last_place<largest>(x, best_end - std::min(best_end, kBlock), best_end, best);
 }
 
 // sum of f(block, n) over blocks of x
@@ -67,20 +71,14 @@ Real sum_of_blocks(const Real* x, Size count, const OfBlock& of_block) {
 
 template <class Real>
 Real squares_about(const Real* x, Size count, Real mean) {
-    Real means[kBlock];
-    std::fill_n(means, std::min(kBlock, count), mean);
-    return sum_of_blocks(x, count, [&means](const Real* block, Size n) {
-        return kernel::distance_squared<Real>({block, n}, {means, n});
+    return sum_of_blocks(x, count, [mean](const Real* block, Size n) {
+        return kernel::squares_about(n, block, mean);
     });
 }
 
 template <class Real>
 Real sum(const Real* x, Size count) {
-    Real ones[kBlock];
-    std::fill_n(ones, std::min(kBlock, count), Real(1));
-    return sum_of_blocks(x, count, [&ones](const Real* block, Size n) {
-        return kernel::dot<Real>({block, n}, {ones, n});
-    });
+    return sum_of_blocks(x, count, [](const Real* block, Size n) { return kernel::sum(n, block); });
 }
 
 template <class Real>

@@ -47,8 +47,15 @@ bool solve_columns(const typename Twin<Real>::Matrix& b, Solution<Real>& solutio
     return true;
 }
 
-// P A = L U with the factors of `factor(solver, a, l, u, perm, interchanges)`.
-// growth = max |U| / max |A|
+// Whether a pivot was exactly zero; memory that cannot be had ends a factorization as well.
+template <class Solver>
+bool met_zero_pivot(const Solver& solver) {
+    return std::string(solver.gft_Get_Failure_Trace().c_str()).find(": singular") !=
+           std::string::npos;
+}
+
+// P A = L U with the factors of `factor(solver, a, l, u, perm, interchanges)`; the hint is for a
+// zero pivot. growth = max |U| / max |A|
 template <class Real, class Factor>
 void solve_by_lu(const typename Twin<Real>::Matrix& a, const typename Twin<Real>::Matrix& b,
                  Solution<Real>& solution, Factor factor, const std::string& hint) {
@@ -59,7 +66,8 @@ void solve_by_lu(const typename Twin<Real>::Matrix& a, const typename Twin<Real>
     int interchanges = 0;
     const LongStep step("factoring P A = L U");
     const Stopwatch factoring;
-    if (!factor(solver, &a, &l, &u, &perm, interchanges)) fail(solver, *solution.method, hint);
+    if (!factor(solver, &a, &l, &u, &perm, interchanges))
+        fail(solver, *solution.method, met_zero_pivot(solver) ? hint : "");
     solution.factor_seconds = factoring.seconds();
     solution.growth = largest_magnitude(u.p(), u.vs()) / largest_magnitude<Real>(a);
     solution.growth_is = "max|U| / max|A|";
