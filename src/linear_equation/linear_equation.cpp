@@ -23,13 +23,16 @@ bool is_symmetric_method(int method) {
     return method >= lld && method <= evd;
 }
 
-// The detail of a failure: none when the method succeeded.
-const char* detail_unless(bool succeeded, const char* detail) {
-    return succeeded ? nullptr : detail;
-}
-const char* detail_unless(bool succeeded, bool is_from_symmetric, const char* of_dense,
-                          const char* of_symmetric) {
-    return detail_unless(succeeded, is_from_symmetric ? of_symmetric : of_dense);
+// The details with which a code fails, for a dense A and for a symmetric one.
+struct Details {
+    const char* of_dense;
+    const char* of_symmetric;
+};
+constexpr Details kDetails[] = {{"4", "4"}, {"8", "10"}, {"5", "5"}, {"8", "6"}, {"6", "7"},
+                                {"8", "8"}, {"7", "9"},  {"1", "1"}, {"2", "2"}, {"3", "3"}};
+
+const Details& details_of(int method) {
+    return kDetails[method >= gje && method <= evd ? method : lud];
 }
 
 }  // namespace
@@ -45,73 +48,49 @@ LinearEquation<Real>::~LinearEquation() = default;
 
 // ---- choice of the method ----------------------------------------------------------------------
 
-// Without A, where a symmetric one could not be spread, every method has failed.
 template <class Real>
 template <class Object>
-const char* LinearEquation<Real>::solve_dense(int method, bool is_from_symmetric,
-                                              const Matrix<Real>* a, const Object* b,
-                                              Object* x) const {
-    const bool s = is_from_symmetric;
-    if (method == gje)
-        return detail_unless(a != nullptr && this->sgj_Solve_based_on_GJE(a, b, x), "4");
-    if (method == qrd)
-        return detail_unless(a != nullptr && this->sqr_Solve_based_on_QRD(a, b, x), "5");
-    if (method == rqd)
-        return detail_unless(a != nullptr && this->srq_Solve_based_on_RQD(a, b, x), s, "6", "7");
-    if (method == svd)
-        return detail_unless(
-            a != nullptr && this->ssv_Solve_based_on_SVD(a, Real(kSpectralTolerance), b, x), s, "7",
-            "9");
-    if (method == qld && s)
-        return detail_unless(a != nullptr && this->sql_Solve_based_on_QLD(a, b, x), "6");
-    if (method == lqd && s)
-        return detail_unless(a != nullptr && this->slq_Solve_based_on_LQD(a, b, x), "8");
-    return detail_unless(a != nullptr && this->slu_Solve_based_on_LUD(a, b, x), s, "8", "10");
+bool LinearEquation<Real>::solve_dense(int method, bool is_from_symmetric, const Matrix<Real>* a,
+                                       const Object* b, Object* x) const {
+    if (method == gje) return this->sgj_Solve_based_on_GJE(a, b, x);
+    if (method == qrd) return this->sqr_Solve_based_on_QRD(a, b, x);
+    if (method == rqd) return this->srq_Solve_based_on_RQD(a, b, x);
+    if (method == svd) return this->ssv_Solve_based_on_SVD(a, Real(kSpectralTolerance), b, x);
+    if (method == qld && is_from_symmetric) return this->sql_Solve_based_on_QLD(a, b, x);
+    if (method == lqd && is_from_symmetric) return this->slq_Solve_based_on_LQD(a, b, x);
+    return this->slu_Solve_based_on_LUD(a, b, x);
 }
 
 template <class Real>
 template <class Object>
-const char* LinearEquation<Real>::solve_symmetric(int method, const MatrixSymmetric<Real>* a,
-                                                  const Object* b, Object* x) const {
-    if (method == lld) return detail_unless(this->sll_Solve_based_on_LLD(a, b, x), "1");
-    if (method == uud) return detail_unless(this->suu_Solve_based_on_UUD(a, b, x), "2");
-    return detail_unless(this->sev_Solve_based_on_EVD(a, Real(kSpectralTolerance), b, x), "3");
+bool LinearEquation<Real>::solve_symmetric(int method, const MatrixSymmetric<Real>* a,
+                                           const Object* b, Object* x) const {
+    if (method == lld) return this->sll_Solve_based_on_LLD(a, b, x);
+    if (method == uud) return this->suu_Solve_based_on_UUD(a, b, x);
+    return this->sev_Solve_based_on_EVD(a, Real(kSpectralTolerance), b, x);
 }
 
 template <class Real>
-const char* LinearEquation<Real>::invert_dense(int method, bool is_from_symmetric,
-                                               const Matrix<Real>* a, Matrix<Real>* inverse) const {
-    const bool s = is_from_symmetric;
-    if (method == gje)
-        return detail_unless(a != nullptr && this->igj_Inverse_matrix_based_on_GJE(a, inverse),
-                             "4");
-    if (method == qrd)
-        return detail_unless(a != nullptr && this->iqr_Inverse_matrix_based_on_QRD(a, inverse),
-                             "5");
-    if (method == rqd)
-        return detail_unless(a != nullptr && this->irq_Inverse_matrix_based_on_RQD(a, inverse), s,
-                             "6", "7");
+bool LinearEquation<Real>::invert_dense(int method, bool is_from_symmetric, const Matrix<Real>* a,
+                                        Matrix<Real>* inverse) const {
+    if (method == gje) return this->igj_Inverse_matrix_based_on_GJE(a, inverse);
+    if (method == qrd) return this->iqr_Inverse_matrix_based_on_QRD(a, inverse);
+    if (method == rqd) return this->irq_Inverse_matrix_based_on_RQD(a, inverse);
     if (method == svd)
-        return detail_unless(a != nullptr && this->isv_Inverse_matrix_based_on_SVD(
-                                                 a, Real(kSpectralTolerance), inverse),
-                             s, "7", "9");
-    if (method == qld && s)
-        return detail_unless(a != nullptr && this->iql_Inverse_matrix_based_on_QLD(a, inverse),
-                             "6");
-    if (method == lqd && s)
-        return detail_unless(a != nullptr && this->ilq_Inverse_matrix_based_on_LQD(a, inverse),
-                             "8");
-    return detail_unless(a != nullptr && this->ilu_Inverse_matrix_based_on_LUD(a, inverse), s, "8",
-                         "10");
+        return this->isv_Inverse_matrix_based_on_SVD(a, Real(kSpectralTolerance), inverse);
+    if (method == qld && is_from_symmetric)
+        return this->iql_Inverse_matrix_based_on_QLD(a, inverse);
+    if (method == lqd && is_from_symmetric)
+        return this->ilq_Inverse_matrix_based_on_LQD(a, inverse);
+    return this->ilu_Inverse_matrix_based_on_LUD(a, inverse);
 }
 
 template <class Real>
-const char* LinearEquation<Real>::invert_symmetric(int method, const MatrixSymmetric<Real>* a,
-                                                   Matrix<Real>* inverse) const {
-    if (method == lld) return detail_unless(this->ill_Inverse_matrix_based_on_LLD(a, inverse), "1");
-    if (method == uud) return detail_unless(this->iuu_Inverse_matrix_based_on_UUD(a, inverse), "2");
-    return detail_unless(
-        this->iev_Inverse_matrix_based_on_EVD(a, Real(kSpectralTolerance), inverse), "3");
+bool LinearEquation<Real>::invert_symmetric(int method, const MatrixSymmetric<Real>* a,
+                                            Matrix<Real>* inverse) const {
+    if (method == lld) return this->ill_Inverse_matrix_based_on_LLD(a, inverse);
+    if (method == uud) return this->iuu_Inverse_matrix_based_on_UUD(a, inverse);
+    return this->iev_Inverse_matrix_based_on_EVD(a, Real(kSpectralTolerance), inverse);
 }
 
 // False, and the failure taken over, for a matrix that is not square or cannot be held.
@@ -124,14 +103,16 @@ bool LinearEquation<Real>::import_symmetric(const Matrix<Real>* a,
     return false;
 }
 
-// What a symmetric matrix is to the methods for dense ones: empty for codes that get nothing, null
-// when its elements are gone or there is no memory to spread them.
+// What a symmetric matrix is to the methods for dense ones: empty for the codes that get nothing.
+// False, and the failure taken over, when its elements are gone or there is no memory for all.
 template <class Real>
-const Matrix<Real>* export_dense(int method, const MatrixSymmetric<Real>* a, Matrix<Real>* dense) {
-    if (method >= lld) return dense;
+bool LinearEquation<Real>::export_dense(int method, const MatrixSymmetric<Real>* a,
+                                        Matrix<Real>* dense) const {
+    if (method >= lld) return true;
     a->e_Export(dense);
-    const bool is_spread = holds_its_elements(a) && dense->mh() == a->mh();
-    return is_spread ? dense : nullptr;
+    if (holds_its_elements(a) && dense->mh() == a->mh()) return true;
+    this->adopt_failure_of(*a);
+    return false;
 }
 
 template <class Real>
@@ -139,17 +120,14 @@ template <class Object>
 bool LinearEquation<Real>::solve(int method, const Matrix<Real>* a, const Object* b,
                                  Object* x) const {
     const CNqClass::CallScope scope(this);
-    const char* detail = nullptr;
+    bool is_solved = false;
     if (is_symmetric_method(method)) {
         MatrixSymmetric<Real> symmetric;
-        if (import_symmetric(a, &symmetric))
-            detail = solve_symmetric(method, &symmetric, b, x);
-        else
-            detail = method == lld ? "1" : method == uud ? "2" : "3";
+        is_solved = import_symmetric(a, &symmetric) && solve_symmetric(method, &symmetric, b, x);
     } else {
-        detail = solve_dense(method, false, a, b, x);
+        is_solved = solve_dense(method, false, a, b, x);
     }
-    return detail == nullptr ? true : this->fail(detail, kSolve);
+    return is_solved ? true : this->fail(details_of(method).of_dense, kSolve);
 }
 
 template <class Real>
@@ -157,16 +135,14 @@ template <class Object>
 bool LinearEquation<Real>::solve(int method, const MatrixSymmetric<Real>* a, const Object* b,
                                  Object* x) const {
     const CNqClass::CallScope scope(this);
-    const char* detail = nullptr;
+    bool is_solved = false;
     if (is_symmetric_method(method)) {
-        detail = solve_symmetric(method, a, b, x);
+        is_solved = solve_symmetric(method, a, b, x);
     } else {
         Matrix<Real> dense;
-        const Matrix<Real>* const spread = export_dense(method, a, &dense);
-        if (spread == nullptr) this->adopt_failure_of(*a);
-        detail = solve_dense(method, true, spread, b, x);
+        is_solved = export_dense(method, a, &dense) && solve_dense(method, true, &dense, b, x);
     }
-    return detail == nullptr ? true : this->fail(detail, kSolve);
+    return is_solved ? true : this->fail(details_of(method).of_symmetric, kSolve);
 }
 
 template <class Real>
@@ -197,33 +173,30 @@ template <class Real>
 bool LinearEquation<Real>::im_Inverse_Matrix(int method, const Matrix<Real>* a,
                                              Matrix<Real>* inverse) const {
     const CNqClass::CallScope scope(this);
-    const char* detail = nullptr;
+    bool is_inverted = false;
     if (is_symmetric_method(method)) {
         MatrixSymmetric<Real> symmetric;
-        if (import_symmetric(a, &symmetric))
-            detail = invert_symmetric(method, &symmetric, inverse);
-        else
-            detail = method == lld ? "1" : method == uud ? "2" : "3";
+        is_inverted =
+            import_symmetric(a, &symmetric) && invert_symmetric(method, &symmetric, inverse);
     } else {
-        detail = invert_dense(method, false, a, inverse);
+        is_inverted = invert_dense(method, false, a, inverse);
     }
-    return detail == nullptr ? true : this->fail(detail, kInvert);
+    return is_inverted ? true : this->fail(details_of(method).of_dense, kInvert);
 }
 
 template <class Real>
 bool LinearEquation<Real>::im_Inverse_Matrix(int method, const MatrixSymmetric<Real>* a,
                                              Matrix<Real>* inverse) const {
     const CNqClass::CallScope scope(this);
-    const char* detail = nullptr;
+    bool is_inverted = false;
     if (is_symmetric_method(method)) {
-        detail = invert_symmetric(method, a, inverse);
+        is_inverted = invert_symmetric(method, a, inverse);
     } else {
         Matrix<Real> dense;
-        const Matrix<Real>* const spread = export_dense(method, a, &dense);
-        if (spread == nullptr) this->adopt_failure_of(*a);
-        detail = invert_dense(method, true, spread, inverse);
+        is_inverted =
+            export_dense(method, a, &dense) && invert_dense(method, true, &dense, inverse);
     }
-    return detail == nullptr ? true : this->fail(detail, kInvert);
+    return is_inverted ? true : this->fail(details_of(method).of_symmetric, kInvert);
 }
 
 // ---- homogeneous equations under a constraint --------------------------------------------------

@@ -24,7 +24,7 @@ constexpr const char* kInput = "inv_INput_a_Vector <CNqVector>";
 constexpr const char* kInformation = "gi_Get_Information";
 constexpr const char* kReconstruct = "dar_Do_Analysis_and_Reconstruction";
 
-constexpr int kLargestForRotations = 32;
+constexpr int kLargestForRotations = 9;
 
 template <class From, class To>
 bool convert_vector(const Vector<From>& from, Vector<To>& to) {

@@ -9,11 +9,7 @@ namespace {
 
 using namespace plain;
 
-template <class Real>
-class MatrixProductsTest : public ::testing::Test {
-protected:
-    const nequar::AlgebraForMatrix<Real> algebra;
-};
+TWINS(MatrixProductsTest);
 
 // Every product that gives a matrix (a vector), in both forms, from operands of any shape: B and x
 // are given in the shape that fits an hA x wA matrix A and a result with n columns.
@@ -45,7 +41,7 @@ std::array<MatrixProduct<Real>, 3> matrix_products() {
 }
 
 TWIN_TEST(MatrixProductsTest, MatrixTimesMatrix) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     for (const auto& p : matrix_products<Real>())
         for (const auto& shape : {std::array{1, 1, 1},
                                   {4, 4, 4},
@@ -76,7 +72,7 @@ TWIN_TEST(MatrixProductsTest, MatrixTimesMatrix) {
 }
 
 TWIN_TEST(MatrixProductsTest, OutputThatIsAnInput) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     for (const auto& p : matrix_products<Real>())
         for (const int n : {2, 30}) {  // with and without scratch on the heap
             const auto A = random_matrix<Real>(n, n, 1);
@@ -114,7 +110,7 @@ TWIN_TEST(MatrixProductsTest, OutputThatIsAnInput) {
 }
 
 TWIN_TEST(MatrixProductsTest, MismatchLeavesSetOutputsZeroAndOthersUntouched) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     const auto zero = [](int, int) { return 0.0; };
     for (const auto& p : matrix_products<Real>()) {
         const auto A = p.transposed_a ? random_matrix<Real>(3, 2, 1) : random_matrix<Real>(2, 3, 1);
@@ -144,7 +140,7 @@ TWIN_TEST(MatrixProductsTest, MatricesAndVectors) {
     using Al = nequar::AlgebraForMatrix<Real>;
     using Vector = nequar::Vector<Real>;
     using Matrix = nequar::Matrix<Real>;
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     struct Case {
         const char* name;
         std::function<void(const Al&, const Matrix*, const Vector*, Vector*)> accumulate, set;
@@ -210,7 +206,7 @@ TWIN_TEST(MatrixProductsTest, MatricesAndVectors) {
 }
 
 TWIN_TEST(MatrixProductsTest, OuterProductsAndForms) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     for (const auto& shape : {std::array{1, 1}, {5, 3}, {300, 40}}) {
         const int h = shape[0], w = shape[1];
 
@@ -243,12 +239,10 @@ TWIN_TEST(MatrixProductsTest, OuterProductsAndForms) {
     const auto x = random_vector<Real>(3, 1);
     auto M = random_matrix<Real>(3, 2, 1);
     const auto before = M;
-    al.mvva_Multiply_Vector_Vector_and_Accumulate(&x, &x, &M);
-    EXPECT_TRUE(failed_with(al, "mvva_Multiply_Vector_Vector_and_Accumulate", "1"));
+    EXPECT_FAILED("1", mvva_Multiply_Vector_Vector_and_Accumulate, &x, &x, &M);
     EXPECT_TRUE(M == before);
     Real s = 5;
-    al.mvmva_Multiply_Vector_Matrix_Vector_and_Accumulate(&x, &M, &x, s);
-    EXPECT_TRUE(failed_with(al, "mvmva_Multiply_Vector_Matrix_Vector_and_Accumulate", "1"));
+    EXPECT_FAILED("1", mvmva_Multiply_Vector_Matrix_Vector_and_Accumulate, &x, &M, &x, s);
     EXPECT_EQ(s, 5);
     al.mvmv_Multiply_Vector_Matrix_Vector(&x, &M, &x, s);
     EXPECT_TRUE(failed_with(al, "mvmva_Multiply_Vector_Matrix_Vector_and_Accumulate", "1"));
@@ -256,7 +250,7 @@ TWIN_TEST(MatrixProductsTest, OuterProductsAndForms) {
 }
 
 TWIN_TEST(MatrixProductsTest, DiagonalFactors) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     const auto d = random_vector<Real>(40, 9);
     for (const auto& shape : {std::array{1, 1, 1},
                               {4, 5, 5},
@@ -307,7 +301,7 @@ TWIN_TEST(MatrixProductsTest, DiagonalFactors) {
 }
 
 TWIN_TEST(MatrixProductsTest, DiagonalFactorsThatDoNotFit) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     const auto A = random_matrix<Real>(2, 3, 1);
     auto C = random_matrix<Real>(2, 4, 2);
     const auto before = C;
@@ -319,25 +313,19 @@ TWIN_TEST(MatrixProductsTest, DiagonalFactorsThatDoNotFit) {
     EXPECT_REFUSED(mmda_Multiply_Matrix_Dmatrix_and_Accumulate, 3, &A, &d, &C);
     EXPECT_REFUSED(mmda_Multiply_Matrix_Dmatrix_and_Accumulate, -1, &A, &d, &C);
     EXPECT_REFUSED(mmda_Multiply_Matrix_Dmatrix_and_Accumulate, 4, &C, &d, &C);
-    const char* name = "mmda_Multiply_Matrix_Dmatrix_and_Accumulate";
     al.mmd_Multiply_Matrix_Dmatrix(3, &A, &shorter, &C);
-    EXPECT_TRUE(failed_with(al, name, "1"));
+    EXPECT_TRUE(failed_with(al, "mmda_Multiply_Matrix_Dmatrix_and_Accumulate", "1"));
     EXPECT_EQ(largest_difference(C, 2, 3, [](int, int) { return 0.0; }), 0);
 
-    name = "mvda_Multiply_Vector_Dmatrix_and_Accumulate";
     auto x = random_vector<Real>(3, 4);
     auto y = random_vector<Real>(5, 5);
-    al.mvda_Multiply_Vector_Dmatrix_and_Accumulate(3, 5, &x, &shorter, &y);
-    EXPECT_TRUE(failed_with(al, name, "2"));
-    al.mvda_Multiply_Vector_Dmatrix_and_Accumulate(3, 4, &x, &d, &y);
-    EXPECT_TRUE(failed_with(al, name, "2"));
-    al.mvda_Multiply_Vector_Dmatrix_and_Accumulate(3, 3, &x, &d, &x);
-    EXPECT_TRUE(failed_with(al, name, "1"));
-    al.mvda_Multiply_Vector_Dmatrix_and_Accumulate(3, 3, &d, &x, &x);
-    EXPECT_TRUE(failed_with(al, name, "1"));
+    EXPECT_FAILED("2", mvda_Multiply_Vector_Dmatrix_and_Accumulate, 3, 5, &x, &shorter, &y);
+    EXPECT_FAILED("2", mvda_Multiply_Vector_Dmatrix_and_Accumulate, 3, 4, &x, &d, &y);
+    EXPECT_FAILED("1", mvda_Multiply_Vector_Dmatrix_and_Accumulate, 3, 3, &x, &d, &x);
+    EXPECT_FAILED("1", mvda_Multiply_Vector_Dmatrix_and_Accumulate, 3, 3, &d, &x, &x);
     EXPECT_TRUE(y == random_vector<Real>(5, 5) && x == random_vector<Real>(3, 4));
     al.mvd_Multiply_Vector_Dmatrix(4, 2, &x, &d, &y);
-    EXPECT_TRUE(failed_with(al, name, "2"));
+    EXPECT_TRUE(failed_with(al, "mvda_Multiply_Vector_Dmatrix_and_Accumulate", "2"));
     EXPECT_TRUE(y == vector<Real>({0, 0}));
     Real s = 5;
     al.mvdv_Multiply_Vector_Dmatrix_Vector(3, 3, &x, &d, &y, s);
@@ -347,7 +335,7 @@ TWIN_TEST(MatrixProductsTest, DiagonalFactorsThatDoNotFit) {
 
 TWIN_TEST(MatrixProductsTest, ChainsIntoAnyOperand) {
     using Matrix = nequar::Matrix<Real>;
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     const Matrix A = random_matrix<Real>(3, 30, 1), B = random_matrix<Real>(30, 20, 2),
                  C = random_matrix<Real>(20, 40, 3), D = random_matrix<Real>(40, 5, 4);
     const auto d = random_vector<Real>(25, 5);
@@ -404,7 +392,7 @@ TWIN_TEST(MatrixProductsTest, ChainsIntoAnyOperand) {
 }
 
 TWIN_TEST(MatrixProductsTest, ChainsThatDoNotFitLeaveZeros) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     const auto A = random_matrix<Real>(2, 3, 1), B = random_matrix<Real>(3, 4, 2),
                C = random_matrix<Real>(5, 6, 3);
     const auto d = random_vector<Real>(2, 4);
@@ -436,7 +424,7 @@ TWIN_TEST(MatrixProductsTest, ChainsThatDoNotFitLeaveZeros) {
 }
 
 TWIN_TEST(MatrixProductsTest, NotANumberPassesThrough) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     auto A = matrix<Real>(2, 2, {0, 0, 0, 1});
     auto B = A;
     B[0][1] = std::numeric_limits<Real>::quiet_NaN();
@@ -453,7 +441,7 @@ TWIN_TEST(MatrixProductsTest, NotANumberPassesThrough) {
 }
 
 TWIN_TEST(MatrixProductsTest, SizesThatCannotBeHadEndTheOperation) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     nequar::Matrix<Real> wide;  // 0 x n, so that the product is n x n
     wide.c_Create(0, std::numeric_limits<int>::max());
     auto C = random_matrix<Real>(1, 2, 1);

@@ -1,5 +1,4 @@
 // Sums, transposition, conversion and the tests of structure.
-#include <limits>
 
 #include "algebra/plain.h"
 
@@ -7,15 +6,11 @@ namespace {
 
 using namespace plain;
 
-template <class Real>
-class MatrixSumsTest : public ::testing::Test {
-protected:
-    const nequar::AlgebraForMatrix<Real> algebra;
-};
+TWINS(MatrixSumsTest);
 
 TWIN_TEST(MatrixSumsTest, SumsIntoAnyOperand) {
     using M = nequar::Matrix<Real>;
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     const SumCase<M> cases[] = {
         SUM(amc_Add_Matrix_Constant(a, 3, out), a + 3),
         SUM(mmc_Multiply_Matrix_Constant(a, 3, out), 3 * a),
@@ -49,7 +44,7 @@ TWIN_TEST(MatrixSumsTest, SumsIntoAnyOperand) {
 }
 
 TWIN_TEST(MatrixSumsTest, SumsWithTransposedAndDiagonal) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     for (const auto& shape : {std::array{1, 1}, {3, 0}, {5, 3}, {33, 33}, {70, 130}, {200, 40}}) {
         const int h = shape[0], w = shape[1];
 
@@ -86,7 +81,7 @@ TWIN_TEST(MatrixSumsTest, SumsWithTransposedAndDiagonal) {
 }
 
 TWIN_TEST(MatrixSumsTest, ShapesThatDifferAreReportedAndNothingIsTouched) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     const auto A = random_matrix<Real>(2, 3, 1);
     const auto B = random_matrix<Real>(3, 2, 2);
     const auto d = random_vector<Real>(1, 3);
@@ -107,7 +102,7 @@ TWIN_TEST(MatrixSumsTest, ShapesThatDifferAreReportedAndNothingIsTouched) {
 }
 
 TWIN_TEST(MatrixSumsTest, TranspositionsDiagonalsAndIdentities) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     nequar::Matrix<Real> out;
     for (const auto& shape :
          {std::array{0, 0}, {1, 1}, {1, 9}, {3, 0}, {0, 3}, {17, 17}, {70, 45}}) {
@@ -144,7 +139,7 @@ TWIN_TEST(MatrixSumsTest, TranspositionsDiagonalsAndIdentities) {
 }
 
 TWIN_TEST(MatrixSumsTest, RawArraysInBothOrdersAndTypes) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     const double doubles[] = {1, 2, 3, 4, 5, 6};
     const float floats[] = {1, 2, 3, 4, 5, 6};
     CNqMatrix d;
@@ -186,7 +181,7 @@ TWIN_TEST(MatrixSumsTest, RawArraysInBothOrdersAndTypes) {
 }
 
 TWIN_TEST(MatrixSumsTest, StructureOfSquareMatricesOnly) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForMatrix<Real> al;
     auto A = matrix<Real>(2, 2, {4, 1, 1, 3});
     EXPECT_TRUE(al.isy_Is_Symmetric_matrix(&A, 0, false));
     EXPECT_TRUE(al.ispd_Is_Symmetric_and_Positive_Definite_matrix(&A, 0, false));

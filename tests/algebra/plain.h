@@ -5,67 +5,34 @@
 #include <functional>
 #include <initializer_list>
 #include <limits>
-#include <random>
 #include <string>
-#include <vector>
 
 #include "nequar_algebra/algebra.h"
+#include "support/matrix_gallery.h"
+#include "support/residual.h"
 #include "support/twins.h"
 
 namespace plain {
 
+using nequar::test::random_matrix;
+using nequar::test::worse;
+
 template <class Real>
 nequar::Matrix<Real> matrix(int h, int w, std::initializer_list<double> elements) {
-    nequar::Matrix<Real> A;
-    A.c_Create(h, w);
-    int i = 0;
-    for (const double x : elements) A[0][i++] = static_cast<Real>(x);
-    return A;
+    return nequar::test::matrix_of<Real>(h, w, elements);
 }
-
 template <class Real>
 nequar::Vector<Real> vector(std::initializer_list<double> elements) {
-    nequar::Vector<Real> v;
-    v.c_Create(static_cast<int>(elements.size()));
-    int i = 0;
-    for (const double x : elements) v[i++] = static_cast<Real>(x);
-    return v;
+    return nequar::test::vector_of<Real>(elements);
 }
-
-inline CNqVectorInt indices(std::initializer_list<int> elements) {
-    CNqVectorInt v;
-    v.c_Create(static_cast<int>(elements.size()));
-    int i = 0;
-    for (const int x : elements) v[i++] = x;
-    return v;
+inline CNqVectorInt indices(std::initializer_list<double> elements) {
+    return nequar::test::vector_of<int>(elements);
 }
-
-template <class Real>
-void randomize(Real* x, int n, unsigned seed) {
-    std::mt19937 engine(seed);
-    std::uniform_real_distribution<double> uniform(-1, 1);
-    for (int i = 0; i < n; ++i) x[i] = static_cast<Real>(uniform(engine));
-}
-
-template <class Real>
-nequar::Matrix<Real> random_matrix(int h, int w, unsigned seed) {
-    nequar::Matrix<Real> A;
-    A.c_Create(h, w);
-    randomize(A.p()[0], h * w, seed);
-    return A;
-}
-
 template <class Real>
 nequar::Vector<Real> random_vector(int n, unsigned seed) {
     nequar::Vector<Real> v;
-    v.c_Create(n);
-    randomize(v.p(), n, seed);
+    random_matrix<Real>(1, n, seed).gr_Get_Row(0, 0, n, &v);
     return v;
-}
-
-// largest = max(largest, x), where a NaN stays.
-inline void raise(double& largest, double x) {
-    if (!std::isnan(largest) && !(x <= largest)) largest = x;
 }
 
 // A matrix of doubles, element by element from a function.
@@ -76,7 +43,8 @@ double largest_difference(const nequar::Matrix<Real>& A, int h, int w, const Ele
     if (A.mh() != h || A.mw() != w) return std::numeric_limits<double>::quiet_NaN();
     double largest = 0;
     for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) raise(largest, std::abs(double(A[y][x]) - expected(y, x)));
+        for (int x = 0; x < w; ++x)
+            largest = worse(std::abs(double(A[y][x]) - expected(y, x)), largest);
     return largest;
 }
 
@@ -85,7 +53,7 @@ double largest_difference(const nequar::Vector<Real>& v, int n,
                           const std::function<double(int)>& expected) {
     if (v.vs() != n) return std::numeric_limits<double>::quiet_NaN();
     double largest = 0;
-    for (int i = 0; i < n; ++i) raise(largest, std::abs(double(v[i]) - expected(i)));
+    for (int i = 0; i < n; ++i) largest = worse(std::abs(double(v[i]) - expected(i)), largest);
     return largest;
 }
 
@@ -169,10 +137,12 @@ struct SumCase {
                                                -> double { return formula; }                       \
     }
 
-// The operation of `al` records "1" and leaves `out` as `kept`.
-#define EXPECT_REFUSED(method, ...)             \
-    al.method(__VA_ARGS__);                     \
-    EXPECT_TRUE(failed_with(al, #method, "1")); \
+// The operation of `al` records this failure alone; and, refused, "1", with `out` as `kept`.
+#define EXPECT_FAILED(detail, method, ...) \
+    al.method(__VA_ARGS__);                \
+    EXPECT_TRUE(failed_with(al, #method, detail))
+#define EXPECT_REFUSED(method, ...)          \
+    EXPECT_FAILED("1", method, __VA_ARGS__); \
     EXPECT_TRUE(out == kept) << #method
 
 }  // namespace plain

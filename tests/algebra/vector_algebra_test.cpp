@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 
 #include "algebra/plain.h"
 
@@ -7,15 +6,11 @@ namespace {
 
 using namespace plain;
 
-template <class Real>
-class VectorAlgebraTest : public ::testing::Test {
-protected:
-    const nequar::AlgebraForVector<Real> algebra;
-};
+TWINS(VectorAlgebraTest);
 
 TWIN_TEST(VectorAlgebraTest, SumsAndProductsIntoAnyOperand) {
     using Vector = nequar::Vector<Real>;
-    const auto& al = this->algebra;
+    const nequar::AlgebraForVector<Real> al;
     const SumCase<Vector> cases[] = {
         SUM(avv_Add_Vector_Vector(a, b, out), a + b),
         SUM(avv_Add_Vector_Vector(a, b, c, out), a + b + c),
@@ -54,7 +49,7 @@ TWIN_TEST(VectorAlgebraTest, SumsAndProductsIntoAnyOperand) {
 }
 
 TWIN_TEST(VectorAlgebraTest, DifferentSizesAreReportedAndNothingIsTouched) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForVector<Real> al;
     const auto a = random_vector<Real>(4, 1);
     const auto b = random_vector<Real>(5, 2);
     auto out = vector<Real>({7, 8, 9});
@@ -74,7 +69,7 @@ TWIN_TEST(VectorAlgebraTest, DifferentSizesAreReportedAndNothingIsTouched) {
 }
 
 TWIN_TEST(VectorAlgebraTest, Scalars) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForVector<Real> al;
     const auto a = vector<Real>({1, 2, 3});
     const auto b = vector<Real>({4, -5, 6});
     EXPECT_EQ(al.ps_Product_Scalar(&a, &b), 12);
@@ -92,7 +87,7 @@ TWIN_TEST(VectorAlgebraTest, Scalars) {
 }
 
 TWIN_TEST(VectorAlgebraTest, FatalFormsPrintAndEndTheProcessWithStatusZero) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForVector<Real> al;
     const nequar::Vector<Real> v[] = {random_vector<Real>(2, 1), random_vector<Real>(3, 2),
                                       random_vector<Real>(4, 3)};
     const std::string name = al.gcn_Get_Class_Name().c_str();
@@ -110,7 +105,7 @@ TWIN_TEST(VectorAlgebraTest, FatalFormsPrintAndEndTheProcessWithStatusZero) {
 
 TWIN_TEST(VectorAlgebraTest, GeometryChecksSizesInOrder) {
     using Vector = nequar::Vector<Real>;
-    const auto& al = this->algebra;
+    const nequar::AlgebraForVector<Real> al;
     const Vector p2 = random_vector<Real>(2, 1);
     const Vector p3 = random_vector<Real>(3, 2);
     Vector out = vector<Real>({7, 8, 9, 10, 11});
@@ -135,7 +130,7 @@ TWIN_TEST(VectorAlgebraTest, GeometryChecksSizesInOrder) {
 }
 
 TWIN_TEST(VectorAlgebraTest, GeometryIntoItsOwnOperands) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForVector<Real> al;
     const auto a = vector<Real>({1, 2, 3}), b = vector<Real>({4, -5, 6});
     const auto cross = vector<Real>({27, 6, -13});
     auto x = a, y = b;
@@ -173,7 +168,7 @@ TWIN_TEST(VectorAlgebraTest, GeometryIntoItsOwnOperands) {
 }
 
 TWIN_TEST(VectorAlgebraTest, RawArraysOfEitherTypeEvenWithinTheVector) {
-    const auto& al = this->algebra;
+    const nequar::AlgebraForVector<Real> al;
     const double doubles[] = {1.5, -2, 3};
     const float floats[] = {1.5F, -2, 3};
     CNqVector d;

@@ -1,11 +1,9 @@
 // Cholesky and the symmetry test: the algorithms, blocked and not.
 #include <limits>
-#include <vector>
 
 #include "factorization/algorithm/cholesky.h"
 #include "factorization/algorithm/symmetry.h"
 #include "frame/views.h"
-#include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
 #include "support/twins.h"
@@ -13,21 +11,23 @@
 namespace nequar {
 namespace {
 
+using namespace test;
+
 using kernel::Triangle;
 
 TWINS(CholeskyAlgorithm);
 
 template <class Real>
 Matrix<Real> lower_of(const Matrix<Real>& a) {
-    return test::matrix_of<Real>(a.mh(), a.mh(),
-                                 [&](int i, int j) { return i >= j ? a[i][j] : Real(0); });
+    return matrix_of<Real>(a.mh(), a.mh(),
+                           [&](int i, int j) { return i >= j ? a[i][j] : Real(0); });
 }
 
 // The reversed matrix: element (i, j) becomes (n-1-i, n-1-j).
 template <class Real>
 Matrix<Real> reversed(const Matrix<Real>& a) {
     const int n = a.mh();
-    return test::matrix_of<Real>(n, n, [&](int i, int j) { return a[n - 1 - i][n - 1 - j]; });
+    return matrix_of<Real>(n, n, [&](int i, int j) { return a[n - 1 - i][n - 1 - j]; });
 }
 
 // Input is read above the diagonal only, and kept there; the upper form is the lower one reversed.
@@ -35,7 +35,7 @@ TWIN_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {0, 1, 2, 3, 7, 16, 31, 32, 33, 64, 65, 100, 130}) {
         for (const Size base : {1, 3, 16, 32, 64}) {
-            const Matrix<Real> a = test::positive_definite_matrix<Real>(n, 1e3, 3);
+            const Matrix<Real> a = positive_definite_matrix<Real>(n, 1e3, 3);
             Matrix<Real> f = a;
             for (int i = 0; i < n; ++i)
                 for (int j = 0; j < i; ++j) f[i][j] = nan;
@@ -43,15 +43,14 @@ TWIN_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
             ASSERT_TRUE(cholesky_from_opposite(Triangle::lower, view_of(&f), {base, base}));
             ASSERT_TRUE(cholesky_from_opposite(Triangle::upper, view_of(&g), {base, base}));
             const Matrix<Real> l = lower_of(f);
-            EXPECT_LT(test::componentwise_product_error(a, l, test::transposed(l)), 1.0)
+            EXPECT_LT(componentwise_product_error(a, l, transposed(l)), 1.0)
                 << "n = " << n << ", base " << base;
-            EXPECT_LT(test::largest_difference(reversed(g), f),
-                      1e3 * n * test::kEpsilon<Real> + 1e-300);
+            EXPECT_LT(largest_difference(reversed(g), f), 1e3 * n * kEpsilon<Real> + 1e-300);
             for (int i = 0; i < n; ++i)
                 for (int j = i + 1; j < n; ++j) EXPECT_EQ(f[i][j], a[i][j]);
             if (n > base) continue;
             Matrix<Real> stated = a;
-            ASSERT_EQ(test::stated_cholesky(stated), -1);
+            ASSERT_EQ(stated_cholesky(stated), -1);
             EXPECT_EQ(stated, f) << "n = " << n;
         }
     }
@@ -63,7 +62,7 @@ TWIN_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
         for (const int at : {0, n / 2, n - 1}) {
             for (const Real bad : {Real(-1), Real(0), nan}) {
                 for (const Size base : {2, 32}) {
-                    Matrix<Real> a = test::dominant_matrix<Real>(n, 3);
+                    Matrix<Real> a = dominant_matrix<Real>(n, 3);
                     for (int i = 0; i < n; ++i) {
                         a[i][i] = std::abs(a[i][i]);
                         if (i != at) a[std::min(i, at)][std::max(i, at)] = 0;
@@ -85,7 +84,7 @@ TWIN_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
 
 TWIN_TEST(CholeskyAlgorithm, SymmetryIsExact) {
     for (const int n : {0, 1, 2, 31, 32, 33, 70}) {
-        const Matrix<Real> a = test::positive_definite_matrix<Real>(n, 10, 3);
+        const Matrix<Real> a = positive_definite_matrix<Real>(n, 10, 3);
         EXPECT_TRUE(is_symmetric(view_of(&a)));
         for (int i = 0; i < n; ++i)
             for (int j = 0; j < i; ++j) {
@@ -99,7 +98,7 @@ TWIN_TEST(CholeskyAlgorithm, SymmetryIsExact) {
         for (int i = 0; i < n; ++i) c[i][i] = std::numeric_limits<Real>::quiet_NaN();
         EXPECT_TRUE(is_symmetric(reading(view_of(&c))));
     }
-    const Matrix<Real> tall = test::random_matrix<Real>(3, 2);
+    const Matrix<Real> tall = random_matrix<Real>(3, 2);
     EXPECT_FALSE(is_symmetric(view_of(&tall)));
 }
 

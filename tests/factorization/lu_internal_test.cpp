@@ -7,7 +7,6 @@
 #include "factorization/algorithm/lu_partial.h"
 #include "factorization/algorithm/pivot_order.h"
 #include "frame/views.h"
-#include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
 #include "support/twins.h"
@@ -15,7 +14,7 @@
 namespace nequar {
 namespace {
 
-using test::StatedLu;
+using namespace test;
 
 template <class Real>
 struct Lu {
@@ -47,11 +46,11 @@ Lu<Real> lu_partial_of(const Matrix<Real>& input, LuPartialBlocking blocking = {
 template <class Real>
 double error_of(const Matrix<Real>& input, const Lu<Real>& lu) {
     const int n = input.mh();
-    const auto l = test::matrix_of<Real>(
+    const auto l = matrix_of<Real>(
         n, n, [&](int i, int j) { return i == j ? Real(1) : (i > j ? lu.a[i][j] : Real(0)); });
     const auto u =
-        test::matrix_of<Real>(n, n, [&](int i, int j) { return i <= j ? lu.a[i][j] : Real(0); });
-    return test::componentwise_product_error(test::with_rows(input, lu.perm.data()), l, u);
+        matrix_of<Real>(n, n, [&](int i, int j) { return i <= j ? lu.a[i][j] : Real(0); });
+    return componentwise_product_error(with_rows(input, lu.perm.data()), l, u);
 }
 
 template <class Real>
@@ -70,9 +69,9 @@ TWIN_TEST(LuAlgorithm, PivotOrderIsKnownFromTheInput) {
     const Real infinity = std::numeric_limits<Real>::infinity();
     for (const int n : {0, 1, 2, 3, 7, 8, 9, 16, 17, 32, 33, 40, 64, 65, 100}) {
         for (int kind = 0; kind < 5; ++kind) {
-            Matrix<Real> a = kind == 0 ? test::random_matrix<Real>(n, n, 5)
-                                       : test::integer_matrix<Real>(n, n, kind, 9);
-            test::Uniform uniform(3);
+            Matrix<Real> a =
+                kind == 0 ? random_matrix<Real>(n, n, 5) : integer_matrix<Real>(n, n, kind, 9);
+            Uniform uniform(3);
             for (int i = 0; i < n && kind >= 2; ++i)
                 for (int j = 0; j < n; ++j) {
                     const double u = uniform();
@@ -110,10 +109,10 @@ TWIN_TEST(LuAlgorithm, SmallMatricesFollowTheSchemeExactly) {
     for (const int n : {1, 2, 3, 4, 5, 8, 13, 16, 31, 32}) {
         for (unsigned seed = 0; seed < 12; ++seed) {
             const Matrix<Real> a =
-                seed % 3 == 0   ? test::random_matrix<Real>(n, n, seed)
-                : seed % 3 == 1 ? test::integer_matrix<Real>(n, n, 2, seed)
-                                : test::rank_deficient_matrix<Real>(n, n, std::max(1, n - 1), seed);
-            const StatedLu<Real> stated = test::stated_crout(a);
+                seed % 3 == 0   ? random_matrix<Real>(n, n, seed)
+                : seed % 3 == 1 ? integer_matrix<Real>(n, n, 2, seed)
+                                : rank_deficient_matrix<Real>(n, n, std::max(1, n - 1), seed);
+            const StatedLu<Real> stated = stated_crout(a);
             const Lu<Real> lu = lu_of(a);
             EXPECT_EQ(bool(lu.outcome), stated.zero_pivot < 0);
             EXPECT_EQ(lu.outcome.index, stated.zero_pivot);
@@ -129,15 +128,15 @@ TWIN_TEST(LuAlgorithm, SmallMatricesFollowTheSchemeExactly) {
 TWIN_TEST(LuAlgorithm, BlockedFactorsReproduceTheInput) {
     for (const int n : {1, 2, 3, 5, 8, 17, 33, 64, 65, 100, 130}) {
         for (const LuBlocking blocking : {LuBlocking{0, 1}, {0, 3}, {0, 8}, {0, 32}, {32, 32}}) {
-            const Matrix<Real> a = test::dominant_matrix<Real>(n, 4);
+            const Matrix<Real> a = dominant_matrix<Real>(n, 4);
             const Lu<Real> lu = lu_of(a, blocking);
             ASSERT_TRUE(lu.outcome);
             EXPECT_LT(error_of(a, lu), 1.0) << "n = " << n << ", base " << blocking.base;
             // Large factors do not spoil the product relative to |L| |U|.
-            const Matrix<Real> b = test::random_matrix<Real>(n, n, 8);
+            const Matrix<Real> b = random_matrix<Real>(n, n, 8);
             const Lu<Real> grown = lu_of(b, blocking);
             ASSERT_TRUE(grown.outcome);
-            EXPECT_EQ(grown.perm, test::stated_crout(b).perm);
+            EXPECT_EQ(grown.perm, stated_crout(b).perm);
             EXPECT_LT(error_of(b, grown), 1.0) << "n = " << n << ", base " << blocking.base;
         }
     }
@@ -148,18 +147,18 @@ TWIN_TEST(LuAlgorithm, BlockedFactorsReproduceTheInput) {
 TWIN_TEST(LuAlgorithm, ZeroPivotLeavesTheStateOfTheScheme) {
     for (const int n : {5, 12, 40, 100}) {
         for (const int zero : {0, 1, n / 2, n - 1}) {
-            Matrix<Real> a = test::dominant_matrix<Real>(n, 6);
+            Matrix<Real> a = dominant_matrix<Real>(n, 6);
             for (int i = 0; i + 1 < n; ++i) std::swap(a.p()[0][i * n], a.p()[0][(i + 1) * n]);
             for (int i = 0; i < n; ++i) a[i][zero] = 0;
-            const StatedLu<Real> stated = test::stated_crout(a);
+            const StatedLu<Real> stated = stated_crout(a);
             const Lu<Real> lu = lu_of(a, {0, 4});
             EXPECT_EQ(lu.outcome.kind, OutcomeKind::singular);
             EXPECT_EQ(lu.outcome.index, zero);
             EXPECT_EQ(stated.zero_pivot, zero);
             EXPECT_EQ(lu.perm, stated.perm);
             EXPECT_EQ(lu.interchanges, stated.interchanges);
-            const double scale = n * test::kEpsilon<Real> * test::largest_of(a);
-            EXPECT_LT(test::largest_difference(lu.a, stated.a), 4 * scale);
+            const double scale = n * kEpsilon<Real> * largest_of(a);
+            EXPECT_LT(largest_difference(lu.a, stated.a), 4 * scale);
             for (int i = 0; i < n; ++i)
                 for (int j = zero; j < n; ++j) EXPECT_EQ(lu.a[i][j], stated.a[i][j]);
         }
@@ -169,7 +168,7 @@ TWIN_TEST(LuAlgorithm, ZeroPivotLeavesTheStateOfTheScheme) {
 TWIN_TEST(LuAlgorithm, SubnormalPivotIsDividedBy) {
     const Real tiny = std::numeric_limits<Real>::denorm_min();
     for (const LuBlocking blocking : {LuBlocking{}, LuBlocking{0, 2}}) {
-        Matrix<Real> a = test::matrix_of<Real>(6, 6, [](int i, int j) { return i == j ? 1 : 0; });
+        Matrix<Real> a = matrix_of<Real>(6, 6, [](int i, int j) { return i == j ? 1 : 0; });
         for (int i = 0; i < 6; ++i) a[i][0] = 4 * tiny * static_cast<Real>(i == 5 ? 2 : 1);
         const Lu<Real> lu = lu_of(a, blocking);
         ASSERT_TRUE(lu.outcome);
@@ -180,11 +179,11 @@ TWIN_TEST(LuAlgorithm, SubnormalPivotIsDividedBy) {
 
 TWIN_TEST(LuAlgorithm, NotANumberPassesThrough) {
     for (const int n : {4, 50}) {
-        Matrix<Real> a = test::dominant_matrix<Real>(n);
+        Matrix<Real> a = dominant_matrix<Real>(n);
         for (int i = 0; i < n; ++i) a[i][1] = std::numeric_limits<Real>::quiet_NaN();
         const Lu<Real> lu = lu_of(a, {8, 8});
         ASSERT_TRUE(lu.outcome);
-        EXPECT_EQ(lu.perm, test::stated_crout(a).perm);
+        EXPECT_EQ(lu.perm, stated_crout(a).perm);
         EXPECT_TRUE(std::isnan(determinant_from_lu(reading(view_of(&lu.a)), lu.interchanges)));
     }
 }
@@ -194,17 +193,17 @@ TWIN_TEST(LuAlgorithm, PartialPivotingIsBackwardStable) {
         for (const LuPartialBlocking blocking :
              {LuPartialBlocking{}, {0, 1}, {0, 2}, {0, 7}, {0, 16}}) {
             for (int kind = 0; kind < 4; ++kind) {
-                const Matrix<Real> a = kind == 0   ? test::random_matrix<Real>(n, n, 2)
-                                       : kind == 1 ? test::hilbert_matrix<Real>(n)
-                                       : kind == 2 ? test::graded_matrix<Real>(n, 20, 4)
-                                                   : test::growing_matrix<Real>(std::min(n, 60));
+                const Matrix<Real> a = kind == 0   ? random_matrix<Real>(n, n, 2)
+                                       : kind == 1 ? hilbert_matrix<Real>(n)
+                                       : kind == 2 ? graded_matrix<Real>(n, 20, 4)
+                                                   : growing_matrix<Real>(std::min(n, 60));
                 const Lu<Real> lu = lu_partial_of(a, blocking);
                 EXPECT_LT(error_of(a, lu), 1.0) << "n = " << n << ", panel " << blocking.panel;
                 double multiplier = 0;
                 for (int i = 0; i < a.mh(); ++i)
                     for (int j = 0; j < i; ++j)
-                        multiplier = test::worse(std::abs(double(lu.a[i][j])), multiplier);
-                EXPECT_LE(multiplier, 1.0 + 4 * test::kEpsilon<Real>);
+                        multiplier = worse(std::abs(double(lu.a[i][j])), multiplier);
+                EXPECT_LE(multiplier, 1.0 + 4 * kEpsilon<Real>);
                 EXPECT_TRUE(kind == 1 || lu.outcome) << "n = " << n << ", kind " << kind;
             }
         }
@@ -214,7 +213,7 @@ TWIN_TEST(LuAlgorithm, PartialPivotingIsBackwardStable) {
 // The exchanges are counted, the first of equal candidates is taken, and a column without a pivot
 // is named while the factorization still holds.
 TWIN_TEST(LuAlgorithm, PartialPivotingTakesTheFirstOfEqualsAndFinishesSingularOnes) {
-    Matrix<Real> ties = test::identity_of<Real>(4);
+    Matrix<Real> ties = identity_of<Real>(4);
     ties[1][0] = -1;
     ties[3][0] = 1;
     for (const LuPartialBlocking blocking : {LuPartialBlocking{}, {0, 1}, {0, 2}}) {
@@ -223,7 +222,7 @@ TWIN_TEST(LuAlgorithm, PartialPivotingTakesTheFirstOfEqualsAndFinishesSingularOn
         EXPECT_EQ(lu.interchanges, 0);
         for (const int n : {4, 20, 70}) {
             for (const int zero : {0, n / 2, n - 1}) {
-                Matrix<Real> a = test::random_matrix<Real>(n, n, 12);
+                Matrix<Real> a = random_matrix<Real>(n, n, 12);
                 for (int i = 0; i < n; ++i) a[i][zero] = 0;
                 if (zero + 1 < n)
                     for (int i = 0; i < n; ++i) a[i][n - 1] = 0;
@@ -235,7 +234,7 @@ TWIN_TEST(LuAlgorithm, PartialPivotingTakesTheFirstOfEqualsAndFinishesSingularOn
             }
         }
     }
-    Matrix<Real> swapped = test::identity_of<Real>(33);
+    Matrix<Real> swapped = identity_of<Real>(33);
     std::swap(swapped[0][0], swapped[0][32]);
     std::swap(swapped[32][32], swapped[32][0]);
     const Lu<Real> lu = lu_partial_of(swapped);

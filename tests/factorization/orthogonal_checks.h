@@ -1,15 +1,14 @@
 // What the tests of the orthogonal factorizations share: dense matrices that can be looked at from
-// any corner, and residuals in units of size * epsilon. A NaN anywhere makes a residual NaN, which
-// is below no bound.
+// any corner, and their residuals.
 #pragma once
 
-#include <cmath>
-#include <limits>
 #include <random>
 #include <vector>
 
 #include "core/view.h"
 #include "factorization/algorithm/reflector.h"
+#include "support/matrix_gallery.h"
+#include "support/residual.h"
 
 namespace nequar::testing {
 
@@ -47,61 +46,32 @@ Dense<Real> random_dense(Size height, Size width, unsigned seed = 1) {
 }
 
 template <class Real>
-double largest_magnitude(View<const Real> a) {
-    double largest = 0;
-    for (Size i = 0; i < a.height; ++i)
-        for (Size j = 0; j < a.width; ++j) {
-            const double magnitude = std::abs(double(a(i, j)));
-            if (!(magnitude <= largest)) largest = magnitude;
-            if (std::isnan(largest)) return largest;
-        }
-    return largest;
+Matrix<Real> matrix_of(View<const Real> a) {
+    return test::matrix_of<Real>(int(a.height), int(a.width),
+                                 [&](int i, int j) { return a(i, j); });
 }
 
-// max |A - B C| / (max |A| size eps), all of them scaled so that nothing leaves the range
 template <class Real>
 double product_residual(View<const Real> a, View<const Real> b, View<const Real> c) {
-    using Wide = long double;
-    Wide scale = Wide(largest_magnitude(a));
-    Wide worst = 0;
-    for (Size i = 0; i < a.height; ++i)
-        for (Size j = 0; j < a.width; ++j) {
-            Wide difference = a(i, j);
-            for (Size k = 0; k < b.width; ++k) difference -= Wide(b(i, k)) * Wide(c(k, j));
-            if (!(std::abs(difference) <= worst)) worst = std::abs(difference);
-            if (std::isnan(worst)) return double(worst);
-        }
-    if (scale == 0) scale = 1;
-    const Size size = a.height > a.width ? a.height : a.width;
-    return double(worst / scale / Wide(size + 1) / Wide(std::numeric_limits<Real>::epsilon()));
+    return test::rebuilding_error(matrix_of(a), matrix_of(b), matrix_of(c));
+}
+template <class Real>
+double orthogonality(View<const Real> q) {
+    return test::orthogonality_error(matrix_of(q));
+}
+template <class Real>
+double largest_magnitude(View<const Real> a) {
+    return test::largest_of(matrix_of(a));
+}
+template <class Real>
+double largest_gap(const Dense<Real>& a, const Dense<Real>& b) {
+    return test::largest_difference(matrix_of(a.view()), matrix_of(b.view()));
 }
 
 template <class Real>
 void set_identity(View<Real> q) {
     for (Size i = 0; i < q.height; ++i)
         for (Size j = 0; j < q.width; ++j) q(i, j) = i == j;
-}
-
-// max |Q^T Q - I| / (size eps)
-template <class Real>
-double orthogonality(View<const Real> q) {
-    Dense<Real> identity(q.width, q.width);
-    set_identity(identity.view());
-    if (q.width == 0) return 0;
-    return product_residual<Real>(identity.view(), q.transposed(), q) * double(q.width + 1) /
-           double(q.height + 1);
-}
-
-// The largest difference of elements; NaN when something is not a number.
-template <class Real>
-double largest_gap(const Dense<Real>& a, const Dense<Real>& b) {
-    double largest = 0;
-    for (std::size_t i = 0; i < a.elements.size(); ++i) {
-        const double gap = std::abs(double(a.elements[i]) - double(b.elements[i]));
-        if (!(gap <= largest)) largest = gap;
-        if (std::isnan(largest)) return largest;
-    }
-    return largest;
 }
 
 // One step as it is stated: the reflector of column k of A, rows `first` and below, in the unit

@@ -5,20 +5,13 @@
 
 #include "nequar_algebra/factorization.h"
 #include "support/chain.h"
-#include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-using test::fails_as;
-using test::fails_with;
-using test::kEpsilon;
-using test::orthogonality_error;
-using test::product;
-using test::rebuilding_error;
-using test::spectral_error;
+using namespace test;
 
 template <class Real>
 class SingularValues : public testing::Test {
@@ -37,15 +30,15 @@ protected:
 TWIN_TEST(SingularValues, Gallery) {
     const std::pair<int, int> shapes[] = {{1, 1}, {3, 2}, {17, 17}, {40, 13}, {66, 66}, {90, 61}};
     for (const auto& [m, n] : shapes) {
-        std::vector<Matrix<Real>> all = {test::random_matrix<Real>(m, n, 3),
-                                         test::integer_matrix<Real>(m, n, 1, 4),
-                                         test::rank_deficient_matrix<Real>(m, n, (n + 2) / 3, 5)};
+        std::vector<Matrix<Real>> all = {random_matrix<Real>(m, n, 3),
+                                         integer_matrix<Real>(m, n, 1, 4),
+                                         rank_deficient_matrix<Real>(m, n, (n + 2) / 3, 5)};
         if (m == n) {
-            all.push_back(test::hilbert_matrix<Real>(n));
-            all.push_back(test::kahan_matrix<Real>(n));
-            all.push_back(test::growing_matrix<Real>(n));
-            all.push_back(test::graded_matrix<Real>(n, sizeof(Real) == 4 ? 12 : 60));
-            all.push_back(test::identity_of<Real>(n));
+            all.push_back(hilbert_matrix<Real>(n));
+            all.push_back(kahan_matrix<Real>(n));
+            all.push_back(growing_matrix<Real>(n));
+            all.push_back(graded_matrix<Real>(n, sizeof(Real) == 4 ? 12 : 60));
+            all.push_back(identity_of<Real>(n));
         }
         for (const Matrix<Real>& a : all) {
             SCOPED_TRACE(testing::Message() << m << " x " << n << " " << &a - all.data());
@@ -65,7 +58,7 @@ TWIN_TEST(SingularValues, Gallery) {
                           double(this->s_[0]) * n * 4 * kEpsilon<Real>);
             Matrix<Real> b, left, right;
             ASSERT_TRUE(this->f_.bdm_Bidiagonalize_Matrix(&a, &left, &b, &right));
-            EXPECT_LT(rebuilding_error(a, left, b, test::transposed(right)), 10);
+            EXPECT_LT(rebuilding_error(a, left, b, transposed(right)), 10);
             MatrixBand<Real> band;
             Matrix<Real> from_band;
             ASSERT_TRUE(this->f_.bdm_Bidiagonalize_Matrix(&a, nullptr, &band, nullptr));
@@ -76,15 +69,13 @@ TWIN_TEST(SingularValues, Gallery) {
 }
 
 TWIN_TEST(SingularValues, KnownValuesSignsAndSteps) {
-    Matrix<Real> a = test::matrix_of<Real>(2, 2, [](int i, int j) {
-        return i != j ? 0 : i ? -3 : 1;
-    });
+    Matrix<Real> a = matrix_of<Real>(2, 2, [](int i, int j) { return i != j ? 0 : i ? -3 : 1; });
     ASSERT_TRUE(this->decompose(a, 100));
     EXPECT_TRUE(this->s_[0] == 3 && this->s_[1] == 1 && this->steps == 0);
     EXPECT_TRUE(this->u_[1][0] == 1 && this->v_[1][0] == -1 && this->v_[0][1] == 1);
     // (-1, 2, -1): eigenvalues 4 sin^2(k pi / 2(n+1))
     const int n = 40;
-    a = test::matrix_of<Real>(n, n, [](int i, int j) {
+    a = matrix_of<Real>(n, n, [](int i, int j) {
         return i == j ? 2 : std::abs(i - j) == 1 ? -1 : 0;
     });
     ASSERT_TRUE(this->decompose(a));
@@ -94,7 +85,7 @@ TWIN_TEST(SingularValues, KnownValuesSignsAndSteps) {
     }
     EXPECT_TRUE(this->steps > n / 2 && this->steps < 3 * n) << this->steps;
     // the limit: counted, no failure, and no step at all with 1 or less
-    a = test::random_matrix<Real>(9, 6);
+    a = random_matrix<Real>(9, 6);
     Matrix<Real> b;
     ASSERT_TRUE(this->f_.bdm_Bidiagonalize_Matrix(&a, nullptr, &b, nullptr));
     for (const int limit : {std::numeric_limits<int>::min(), 0, 1, 3}) {
@@ -105,7 +96,7 @@ TWIN_TEST(SingularValues, KnownValuesSignsAndSteps) {
         EXPECT_TRUE(limit > 1 || std::abs(double(this->s_[0]) - largest) < 1e-5);
     }
     ASSERT_TRUE(this->f_.dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(
-        &(a = test::random_matrix<Real>(120, 120)), &this->u_, &this->s_, &this->v_));
+        &(a = random_matrix<Real>(120, 120)), &this->u_, &this->s_, &this->v_));
     EXPECT_GT(spectral_error(a, this->u_, this->s_, this->v_), 1e3)
         << "100 steps cannot do for order 120";
 }
@@ -121,13 +112,13 @@ TWIN_TEST(SingularValues, StepsOnABlockKeepTheProduct) {
         f[0] = 0;
         if (has_zeros) d[2] = d[6] = f[3] = 0;
         const auto dense = [&] {
-            return test::matrix_of<Real>(n, n, [&](int i, int j) {
+            return matrix_of<Real>(n, n, [&](int i, int j) {
                 return i == j ? double(d[i]) : j == i + 1 ? double(f[i]) : 0.0;
             });
         };
         const Matrix<Real> b = dense();
-        Matrix<Real> u = test::identity_of<Real>(n), v = u;
-        const auto change = [&] { return rebuilding_error(b, u, dense(), test::transposed(v)); };
+        Matrix<Real> u = identity_of<Real>(n), v = u;
+        const auto change = [&] { return rebuilding_error(b, u, dense(), transposed(v)); };
         ASSERT_TRUE(this->f_.mzr_Make_Zero_Row_for_upper_bi_diagonal_matrix(&d, &f, 1, n, &u, &v));
         EXPECT_LT(change(), 10);
         EXPECT_TRUE(!has_zeros || (f[1] != 0 && f[2] == 0 && f[5] == 0 && d[6] == 0 && d[2] == 0));
@@ -160,7 +151,7 @@ TWIN_TEST(SingularValues, StepsOnABlockKeepTheProduct) {
 TWIN_TEST(SingularValues, RefusalsAndAliases) {
     const auto& f = this->f_;
     const std::string svd = "dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization: ";
-    Matrix<Real> wide = test::random_matrix<Real>(2, 3), a = test::random_matrix<Real>(4, 3);
+    Matrix<Real> wide = random_matrix<Real>(2, 3), a = random_matrix<Real>(4, 3);
     const Matrix<Real> input = a;
     EXPECT_TRUE(fails_as(f, "u_" + svd + "(m,n)=(2,3)\n" + svd + "1", this->decompose(wide)));
     EXPECT_TRUE(fails_as(f, "u_" + svd + "1\n" + svd + "1",
@@ -205,7 +196,7 @@ TWIN_TEST(SingularValues, RefusalsAndAliases) {
         return f.rsv_Reconstruct_matrix_via_Singular_Value_decomposition(arguments...);
     };
     EXPECT_TRUE(reconstruct(&a, Real(0), &out));
-    EXPECT_LT(rebuilding_error(a, out, test::identity_of<Real>(3)), 10);
+    EXPECT_LT(rebuilding_error(a, out, identity_of<Real>(3)), 10);
     const Real middle = (this->s_[1] + this->s_[0]) / (2 * this->s_[0]);
     EXPECT_TRUE(reconstruct(&this->u_, &this->s_, &this->v_, middle, true, &this->v_));
     for (int i = 0; i < 4; ++i)
@@ -230,11 +221,11 @@ TWIN_TEST(SingularValues, RankByEveryRoute) {
     };
     for (const auto& [m, n] : {std::pair{12, 7}, {7, 12}, {30, 30}, {14, 40}})
         for (const int rank : {1, 4, 7}) {
-            const Matrix<Real> a = test::rank_deficient_matrix<Real>(m, n, rank, 8);
+            const Matrix<Real> a = rank_deficient_matrix<Real>(m, n, rank, 8);
             EXPECT_EQ(by_svd(a, 1e-4), rank) << m << " x " << n;
             EXPECT_EQ(by_evd(a, 2e-3), rank) << m << " x " << n;
         }
-    Matrix<Real> a = test::identity_of<Real>(2);
+    Matrix<Real> a = identity_of<Real>(2);
     a[1][1] = Real(1e-3);
     EXPECT_EQ(by_svd(a, 1e-2), 1);
     EXPECT_EQ(by_svd(a, 1e-4), 2);
@@ -248,7 +239,7 @@ TWIN_TEST(SingularValues, RankByEveryRoute) {
         EXPECT_EQ(by_evd(scaled, 2e-3), 2);
     }
     for (const int n : {3, 12}) {
-        Matrix<Real> spoilt = test::identity_of<Real>(n);
+        Matrix<Real> spoilt = identity_of<Real>(n);
         spoilt[1][2] = std::numeric_limits<Real>::quiet_NaN();
         int rank = -1;
         EXPECT_TRUE(
@@ -270,7 +261,7 @@ TWIN_TEST(SingularValues, FourSubspaces) {
     for (const auto& [m, n] : {std::pair{9, 5}, {5, 9}, {6, 6}, {80, 75}})
         for (const int rank : {0, 1, 3, 5}) {
             SCOPED_TRACE(testing::Message() << m << " x " << n << " rank " << rank);
-            Matrix<Real> a = test::rank_deficient_matrix<Real>(m, n, std::max(rank, 1), 6);
+            Matrix<Real> a = rank_deficient_matrix<Real>(m, n, std::max(rank, 1), 6);
             if (rank == 0) a.c_Create(m, n, 0);
             const Real th = Real(1e-4);
             Matrix<Real> domain, null, range, unreached, u, v, alone;
@@ -289,18 +280,17 @@ TWIN_TEST(SingularValues, FourSubspaces) {
                 z.c_Create(h, w, 0);
                 return z;
             };
-            const double size = test::norm1_of(a) * 20 * kEpsilon<Real>;
-            EXPECT_LE(test::largest_difference(product(a, null), zero(m, n - rank)), size);
-            EXPECT_LE(test::largest_difference(product(test::transposed(a), unreached),
-                                               zero(n, m - rank)),
+            const double size = norm1_of(a) * 20 * kEpsilon<Real>;
+            EXPECT_LE(largest_difference(product(a, null), zero(m, n - rank)), size);
+            EXPECT_LE(largest_difference(product(transposed(a), unreached), zero(n, m - rank)),
                       size);
             for (const Matrix<Real>* q : {&domain, &null, &range, &unreached, &u, &v})
                 EXPECT_LT(orthogonality_error(*q), 10);
             EXPECT_LT(spectral_error(a, u, s, v), 20);
             ASSERT_TRUE(this->f_.for_Find_Output_Range_vector_space(&a, th, again, &alone, nullptr,
                                                                     nullptr, nullptr));
-            EXPECT_LT(test::largest_difference(product(range, test::transposed(range)),
-                                               product(alone, test::transposed(alone))),
+            EXPECT_LT(largest_difference(product(range, transposed(range)),
+                                         product(alone, transposed(alone))),
                       30 * m * kEpsilon<Real>);
             Vector<Real> x;
             Real sigma = -1;
@@ -316,7 +306,7 @@ TWIN_TEST(SingularValues, FourSubspaces) {
 }
 
 TWIN_TEST(SingularValues, SubspaceRefusals) {
-    Matrix<Real> a = test::random_matrix<Real>(4, 3), m;
+    Matrix<Real> a = random_matrix<Real>(4, 3), m;
     Vector<Real> x;
     Real sigma = 0;
     int rank = 0;

@@ -9,25 +9,15 @@
 
 #include "nequar_algebra/factorization.h"
 #include "support/chain.h"
-#include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-using test::fails_as;
-using test::fails_with;
-using test::kEpsilon;
-using test::orthogonality_error;
-using test::packed_of;
-using test::rebuilding_error;
+using namespace test;
 
-template <class Real>
-class SymmetricEigen : public testing::Test {
-protected:
-    const MatrixFactorization<Real> f_;
-};
+TWINS(SymmetricEigen);
 
 template <class Real>
 struct Decomposition {
@@ -68,46 +58,44 @@ template <class Real>
 double eigen_error(const Matrix<Real>& a, const Matrix<Real>& v, const MatrixDiagonal<Real>& d) {
     for (int k = 0; k + 1 < d.vs(); ++k)
         if (!(d[k] >= d[k + 1])) return std::numeric_limits<double>::infinity();
-    return test::worse(test::spectral_error(dense_of(packed_of(a)), v, d, v),
-                       test::orthogonality_error(v));
+    return worse(spectral_error(dense_of(packed_of(a)), v, d, v), orthogonality_error(v));
 }
 
 template <class Real>
 std::vector<Matrix<Real>> gallery() {
     std::vector<Matrix<Real>> list;
     for (const int n : {1, 2, 3, 5, 8, 15, 16, 17, 31, 33, 34, 65, 130})
-        list.push_back(test::random_matrix<Real>(n, n, std::uint64_t(n)));
+        list.push_back(random_matrix<Real>(n, n, std::uint64_t(n)));
     const auto spectrum = [&](int n, std::function<double(int)> value) {
         std::vector<double> values;
         for (int i = 0; i < n; ++i) values.push_back(value(i));
-        list.push_back(test::symmetric_with_spectrum<Real>(values));
+        list.push_back(symmetric_with_spectrum<Real>(values));
     };
     spectrum(40, [](int) { return 3.0; });
     spectrum(40, [](int i) { return i < 20 ? 1.0 : -1.0; });
     spectrum(40, [](int i) { return 1 + i * 1e-14; });
     spectrum(40, [](int i) { return i < 30 ? 0.0 : i; });
     spectrum(40, [](int i) { return std::pow(10.0, -i / 2.0); });
-    list.push_back(test::graded_matrix<Real>(40, 12));
-    list.push_back(test::hilbert_matrix<Real>(20));
-    list.push_back(test::matrix_of<Real>(7, 7, [](int, int) { return 0.0; }));
-    list.push_back(test::matrix_of<Real>(7, 7, [](int i, int j) { return i == j ? i : 0.0; }));
-    list.push_back(
-        test::matrix_of<Real>(6, 6, [](int i, int j) { return i + j == 5 ? 1.0 : 0.0; }));
+    list.push_back(graded_matrix<Real>(40, 12));
+    list.push_back(hilbert_matrix<Real>(20));
+    list.push_back(matrix_of<Real>(7, 7, [](int, int) { return 0.0; }));
+    list.push_back(matrix_of<Real>(7, 7, [](int i, int j) { return i == j ? i : 0.0; }));
+    list.push_back(matrix_of<Real>(6, 6, [](int i, int j) { return i + j == 5 ? 1.0 : 0.0; }));
     // Wilkinson 21, glued three times by a tiny element
-    list.push_back(test::matrix_of<Real>(63, 63, [](int i, int j) {
+    list.push_back(matrix_of<Real>(63, 63, [](int i, int j) {
         if (i == j) return std::abs(i % 21 - 10.0);
         return std::abs(i - j) != 1 ? 0.0 : std::min(i, j) % 21 == 20 ? 1e-10 : 1.0;
     }));
     // off-diagonals so small that a bulge made of two of them vanishes
     const double smallest = double(std::numeric_limits<Real>::min());
     const double off[] = {std::pow(smallest, 0.43), std::pow(smallest, 0.63), 1};
-    list.push_back(test::matrix_of<Real>(
+    list.push_back(matrix_of<Real>(
         4, 4, [&](int i, int j) { return std::abs(i - j) == 1 ? off[std::min(i, j)] : 0.0; }));
     for (const double size : {1e150, 1e-150, 1e30, 1e-30}) {
         if (Real(size * size) != size * size && std::is_same_v<Real, float> &&
             !(size < 1e35 && size > 1e-35))
             continue;
-        list.push_back(test::matrix_of<Real>(
+        list.push_back(matrix_of<Real>(
             12, 12, [size](int i, int j) { return size * (1 + std::cos(1.0 + i * j)); }));
     }
     return list;
@@ -141,26 +129,25 @@ TWIN_TEST(SymmetricEigen, KnownValues) {
         std::vector<double> values;
     };
     std::vector<Case> cases;
-    cases.push_back({test::matrix_of<Real>(8, 8, [&](int i, int j) { return rosser[i][j]; }),
+    cases.push_back({matrix_of<Real>(8, 8, [&](int i, int j) { return rosser[i][j]; }),
                      {10 * root, 1020, 510 + 100 * std::sqrt(26.0), 1000, 1000,
                       510 - 100 * std::sqrt(26.0), 0, -10 * root}});
-    cases.push_back({test::matrix_of<Real>(30, 30,
-                                           [](int i, int j) {
-                                               return i == j ? 2 : std::abs(i - j) == 1 ? -1 : 0;
-                                           }),
+    cases.push_back({matrix_of<Real>(30, 30,
+                                     [](int i, int j) {
+                                         return i == j ? 2 : std::abs(i - j) == 1 ? -1 : 0;
+                                     }),
                      {}});
     for (int k = 30; k > 0; --k) cases.back().values.push_back(2 - 2 * std::cos(k * pi / 31));
-    cases.push_back({test::matrix_of<Real>(20, 20,
-                                           [](int i, int j) {  // Clement, 19, 17, ..., -19
-                                               const int k = std::min(i, j);
-                                               return std::abs(i - j) == 1
-                                                          ? std::sqrt((k + 1.0) * (19 - k))
-                                                          : 0.0;
-                                           }),
+    cases.push_back({matrix_of<Real>(20, 20,
+                                     [](int i, int j) {  // Clement, 19, 17, ..., -19
+                                         const int k = std::min(i, j);
+                                         return std::abs(i - j) == 1
+                                                    ? std::sqrt((k + 1.0) * (19 - k))
+                                                    : 0.0;
+                                     }),
                      {}});
     for (int k = 19; k >= -19; k -= 2) cases.back().values.push_back(k);
-    cases.push_back(
-        {test::matrix_of<Real>(2, 2, [](int i, int j) { return i == j ? 2 : 1; }), {3, 1}});
+    cases.push_back({matrix_of<Real>(2, 2, [](int i, int j) { return i == j ? 2 : 1; }), {3, 1}});
     for (const auto& c : cases)
         for (const int route : {0, 1, 2, kByQr}) {
             const auto x = decompose(route, c.a);
@@ -174,9 +161,9 @@ TWIN_TEST(SymmetricEigen, KnownValues) {
 // A diagonal matrix needs no rotation; equal values keep their order; a step is counted before it
 // is made, and the count that reaches the limit ends it.
 TWIN_TEST(SymmetricEigen, CountsAndLimits) {
+    const MatrixFactorization<Real> f;
     const double diagonal[] = {2, 5, 2, 7, 5};
-    const auto a =
-        test::matrix_of<Real>(5, 5, [&](int i, int j) { return i == j ? diagonal[i] : 0.0; });
+    const auto a = matrix_of<Real>(5, 5, [&](int i, int j) { return i == j ? diagonal[i] : 0.0; });
     const int order[] = {3, 1, 4, 0, 2};
     for (const int route : {0, 1, 2, kByQr}) {
         const auto x = decompose(route, a);
@@ -189,17 +176,17 @@ TWIN_TEST(SymmetricEigen, CountsAndLimits) {
             EXPECT_EQ(x.v[order[k]][k], Real(1));
         }
     }
-    const auto b = packed_of(test::random_matrix<Real>(6, 6, 3));
+    const auto b = packed_of(random_matrix<Real>(6, 6, 3));
     Matrix<Real> v;
     MatrixDiagonal<Real> d;
     int count = -1;
     int annihilated = -1;
     for (const int limit : {INT_MIN, -1, 0, 1, 2, 5}) {
-        EXPECT_TRUE(this->f_.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(
-            &b, &v, &d, limit, count));
+        EXPECT_TRUE(
+            f.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&b, &v, &d, limit, count));
         EXPECT_EQ(count, std::max(limit, 1));
         for (int mode = 0; mode < 3; ++mode) {
-            EXPECT_TRUE(this->f_.devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
+            EXPECT_TRUE(f.devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(
                 mode, &b, &v, &d, limit, Real(-1), count, annihilated));
             EXPECT_LE(count, std::max(0, limit) * (mode == 0 ? 15 : 1));
             if (limit <= 2) {
@@ -211,11 +198,11 @@ TWIN_TEST(SymmetricEigen, CountsAndLimits) {
         }
     }
     // Small matrices within the hundred of the short form; the limit form beyond.
-    const auto c = packed_of(test::random_matrix<Real>(40, 40, 3));
+    const auto c = packed_of(random_matrix<Real>(40, 40, 3));
     Decomposition<Real> x;
-    ASSERT_TRUE(this->f_.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&c, &v, &d));
-    ASSERT_TRUE(this->f_.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&c, &x.v, &x.d,
-                                                                                    100, count));
+    ASSERT_TRUE(f.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&c, &v, &d));
+    ASSERT_TRUE(
+        f.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&c, &x.v, &x.d, 100, count));
     EXPECT_LT(count, 100);
     EXPECT_TRUE(d == x.d && v == x.v);
 }
@@ -223,9 +210,10 @@ TWIN_TEST(SymmetricEigen, CountsAndLimits) {
 // The cyclic modes make the rotations of the stated scheme: one sweep by the public rotation, in
 // row order, gives the same matrix, on the upper triangle alone.
 TWIN_TEST(SymmetricEigen, SweepsAreTheRotationsOneByOne) {
+    const MatrixFactorization<Real> f;
     for (const int n : {2, 5, 16, 17, 18, 33, 50})
         for (const int mode : {1, 2}) {
-            auto a = test::random_matrix<Real>(n, n, std::uint64_t(n));
+            auto a = random_matrix<Real>(n, n, std::uint64_t(n));
             std::vector<Real> d;
             double off = 0;
             for (int i = 0; i < n; ++i) {
@@ -234,18 +222,18 @@ TWIN_TEST(SymmetricEigen, SweepsAreTheRotationsOneByOne) {
                 for (int j = 0; j < i; ++j) a[i][j] = std::numeric_limits<Real>::quiet_NaN();
             }
             auto input = a;
-            auto v = test::identity_of<Real>(n);
+            auto v = identity_of<Real>(n);
             int expected = 0;
             const Real threshold = mode == 1 ? Real(0.2 * off / (n * n)) : Real(0);
             for (int p = 0; p < n; ++p)
                 for (int q = p + 1; q < n; ++q)
-                    this->f_.u_jru_Jacobi_Rotation_and_Update(a.p(), d.data(), v.p(), n, p, q,
-                                                              threshold, expected);
+                    f.u_jru_Jacobi_Rotation_and_Update(a.p(), d.data(), v.p(), n, p, q, threshold,
+                                                       expected);
             Matrix<Real> vectors;
             MatrixDiagonal<Real> values;
             int sweeps = -1;
             int annihilated = -1;
-            ASSERT_TRUE(this->f_.u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(
+            ASSERT_TRUE(f.u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(
                 mode, &input, &vectors, &values, 1, Real(0), sweeps, annihilated));
             EXPECT_EQ(sweeps, 1);
             EXPECT_EQ(annihilated, expected);
@@ -254,23 +242,23 @@ TWIN_TEST(SymmetricEigen, SweepsAreTheRotationsOneByOne) {
                 EXPECT_NEAR(double(values[k]), double(d[std::size_t(k)]), 20 * n * kEpsilon<Real>);
         }
     // Nothing happens at or below the threshold, nor for indices that are no pair.
-    auto a = test::matrix_of<Real>(2, 2, [](int i, int j) { return i == j ? i : 0.5; });
+    auto a = matrix_of<Real>(2, 2, [](int i, int j) { return i == j ? i : 0.5; });
     Real d[2] = {0, 1};
     int annihilated = 0;
     for (const auto& [p, q] : {std::pair{0, 1}, {1, 0}, {0, 2}, {-1, 0}, {1, 1}})
-        this->f_.u_jru_Jacobi_Rotation_and_Update(a.p(), d, nullptr, 2, p, q, Real(0.5),
-                                                  annihilated);
+        f.u_jru_Jacobi_Rotation_and_Update(a.p(), d, nullptr, 2, p, q, Real(0.5), annihilated);
     EXPECT_EQ(annihilated, 0);
     EXPECT_EQ(a[0][1], Real(0.5));
 }
 
 TWIN_TEST(SymmetricEigen, NoNumbersGiveNoNumbers) {
+    const MatrixFactorization<Real> f;
     for (const Real bad :
          {std::numeric_limits<Real>::quiet_NaN(), std::numeric_limits<Real>::infinity()})
         for (const int n : {1, 2, 5, 20})
             for (const int at : {0, n / 2, n - 1})
                 for (const int route : {0, 1, 2, kByQr}) {
-                    auto a = test::random_matrix<Real>(n, n);
+                    auto a = random_matrix<Real>(n, n);
                     a[0][at] = bad;
                     const auto x = decompose(route, a);
                     ASSERT_TRUE(x.ok);
@@ -280,21 +268,19 @@ TWIN_TEST(SymmetricEigen, NoNumbersGiveNoNumbers) {
                     }
                     const auto s = packed_of(a);
                     EXPECT_FALSE(
-                        this->f_
-                            .ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(
-                                &s));
+                        f.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(&s));
                 }
 }
 
 TWIN_TEST(SymmetricEigen, TridiagonalForms) {
-    const auto& f = this->f_;
+    const MatrixFactorization<Real> f;
     for (const int n : {1, 2, 3, 4, 17, 40, 140}) {
         SCOPED_TRACE(n);
-        const auto a = test::random_matrix<Real>(n, n, std::uint64_t(n));
+        const auto a = random_matrix<Real>(n, n, std::uint64_t(n));
         const auto s = packed_of(a);
         Matrix<Real> q, dense, exported, in_place = a;
         ASSERT_TRUE(f.tdm_Tridiagonalize_Matrix(&s, &q, &dense));
-        EXPECT_LT(rebuilding_error(dense_of(s), q, dense, test::transposed(q)), 10);
+        EXPECT_LT(rebuilding_error(dense_of(s), q, dense, transposed(q)), 10);
         EXPECT_LT(orthogonality_error(q), 10);
         for (int i = 0; i < n; ++i)
             for (int j = 0; j < n; ++j)
@@ -339,15 +325,15 @@ TWIN_TEST(SymmetricEigen, TridiagonalForms) {
 
         // A QR step on the last three keeps Q T Q^T; the part before the block stays.
         if (n < 4) continue;
-        auto rotated = test::identity_of<Real>(n);
+        auto rotated = identity_of<Real>(n);
         const Vector<Real> before = d;
         ASSERT_TRUE(
             f.u_Implicit_Symmetric_QR_step_with_Wilkinson_Shift(&d, &e, n - 3, 3, &rotated));
         EXPECT_EQ(d[0], before[0]);
-        const auto t = test::matrix_of<Real>(n, n, [&](int i, int j) {
+        const auto t = matrix_of<Real>(n, n, [&](int i, int j) {
             return i == j ? d[i] : std::abs(i - j) == 1 ? e[std::min(i, j)] : Real(0);
         });
-        const auto stepped = test::product(test::product(rotated, t), test::transposed(rotated));
+        const auto stepped = product(product(rotated, t), transposed(rotated));
         for (int i = n - 3; i < n; ++i)
             for (int j = n - 3; j < n; ++j)
                 EXPECT_NEAR(stepped[i][j], dense[i][j], 10 * n * kEpsilon<Real>);
@@ -355,11 +341,11 @@ TWIN_TEST(SymmetricEigen, TridiagonalForms) {
 }
 
 TWIN_TEST(SymmetricEigen, GeneralizedProblem) {
-    const auto& f = this->f_;
+    const MatrixFactorization<Real> f;
     for (const int n : {1, 2, 10, 11, 40}) {
         SCOPED_TRACE(n);
-        const auto a = packed_of(test::random_matrix<Real>(n, n, 5));
-        const auto b = packed_of(test::positive_definite_matrix<Real>(n, 20));
+        const auto a = packed_of(random_matrix<Real>(n, n, 5));
+        const auto b = packed_of(positive_definite_matrix<Real>(n, 20));
         Matrix<Real> x;
         MatrixDiagonal<Real> d, alone;
         ASSERT_TRUE(f.dgea_Do_Generalized_Eigen_Analysis(&a, &b, &x, &d));
@@ -369,16 +355,15 @@ TWIN_TEST(SymmetricEigen, GeneralizedProblem) {
         Matrix<Real> xd = x;
         for (int i = 0; i < n; ++i)
             for (int k = 0; k < n; ++k) xd[i][k] *= d[k];
-        EXPECT_LT(
-            test::largest_difference(test::product(dense_of(a), x), test::product(dense_of(b), xd)),
-            200 * n * n * kEpsilon<Real>);
-        const auto xx = test::product(test::transposed(x), x);
+        EXPECT_LT(largest_difference(product(dense_of(a), x), product(dense_of(b), xd)),
+                  200 * n * n * kEpsilon<Real>);
+        const auto xx = product(transposed(x), x);
         for (int k = 0; k < n; ++k) {
             EXPECT_NEAR(xx[k][k], 1, 10 * n * kEpsilon<Real>);
             EXPECT_TRUE(k == 0 || d[k - 1] >= d[k]);
         }
     }
-    const auto b = packed_of(test::matrix_of<Real>(2, 2, [](int, int) { return 1.0; }));
+    const auto b = packed_of(matrix_of<Real>(2, 2, [](int, int) { return 1.0; }));
     MatrixSymmetric<Real> a;
     Matrix<Real> x;
     MatrixDiagonal<Real> d;
@@ -392,15 +377,15 @@ TWIN_TEST(SymmetricEigen, GeneralizedProblem) {
 }
 
 TWIN_TEST(SymmetricEigen, RefusalsAndPositiveDefiniteness) {
-    const auto& f = this->f_;
-    Matrix<Real> a = test::random_matrix<Real>(3, 2), v;
+    const MatrixFactorization<Real> f;
+    Matrix<Real> a = random_matrix<Real>(3, 2), v;
     MatrixDiagonal<Real> d;
     int sweeps = -1, annihilated = -1;
     const std::string one = "u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations: 1";
     EXPECT_TRUE(
         fails_as(f, one + "\n" + one,
                  f.u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(&a, &v, &d)));
-    a = test::random_matrix<Real>(3, 3);
+    a = random_matrix<Real>(3, 3);
     const auto s = packed_of(a);
     EXPECT_TRUE(fails_as(f, one,
                          f.u_dsj_Diagonalize_Symmetric_matrix_based_on_Jacobi_rotations(
@@ -428,13 +413,11 @@ TWIN_TEST(SymmetricEigen, RefusalsAndPositiveDefiniteness) {
                              step(start, size, nullptr)));
     EXPECT_TRUE(fails_with(f, "2", step(0, 4, &a)));
 
-    const auto definite = packed_of(test::positive_definite_matrix<Real>(12, 10));
+    const auto definite = packed_of(positive_definite_matrix<Real>(12, 10));
     const auto singular =
-        packed_of(test::matrix_of<Real>(2, 2, [](int i, int j) { return i + j == 0 ? 5 : 0; }));
-    EXPECT_TRUE(
-        this->f_.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(&definite));
-    EXPECT_FALSE(
-        this->f_.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(&singular));
+        packed_of(matrix_of<Real>(2, 2, [](int i, int j) { return i + j == 0 ? 5 : 0; }));
+    EXPECT_TRUE(f.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(&definite));
+    EXPECT_FALSE(f.ipde_Is_Positive_Definite_matrix_based_on_Eigen_value_decomposition(&singular));
 }
 
 }  // namespace

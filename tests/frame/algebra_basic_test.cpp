@@ -186,17 +186,23 @@ TWIN_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
     const auto& k = this->basic;
     constexpr Real kSmallest = std::numeric_limits<Real>::denorm_min();
     constexpr Real kLargest = std::numeric_limits<Real>::max();
-    for (const Real scale : {kHuge<Real>, 1 / kHuge<Real>, kSmallest, Real(1), kLargest / 8}) {
-        Real x[] = {3 * scale, 0, -4 * scale};
-        const Real zero[] = {0, 0, 0};
-        EXPECT_LT(std::abs(k.n2_Norm_2(3, x) / scale - 5), 16 * kEps<Real>) << scale;
-        EXPECT_LT(std::abs(k.d2_Distance_2(3, x, zero) / scale - 5), 16 * kEps<Real>) << scale;
-        EXPECT_LT(std::abs(k.np_Norm_p(Real(3), 3, x) / (scale * Real(std::cbrt(91.0))) - 1),
-                  scale == kSmallest ? Real(0.2) : 16 * kEps<Real>);
-        EXPECT_TRUE(k.n_Normalize_vector(3, x));
-        EXPECT_LT(std::abs(x[0] - Real(0.6)), 4 * kEps<Real>) << scale;
-        EXPECT_LT(std::abs(x[2] + Real(0.8)), 4 * kEps<Real>) << scale;
-    }
+    for (const Real scale : {kHuge<Real>, 1 / kHuge<Real>, kSmallest, Real(1), kLargest / 8})
+        for (const int n : {3, 37}) {  // zeros between a 3 and a -4
+            const std::vector<Real> zero(std::size_t(n), Real(0));
+            auto x = zero;
+            x.front() = 3 * scale;
+            x.back() = -4 * scale;
+            EXPECT_LT(std::abs(k.n2_Norm_2(n, x.data()) / scale - 5), 16 * kEps<Real>) << scale;
+            EXPECT_LT(std::abs(k.d2_Distance_2(n, x.data(), zero.data()) / scale - 5),
+                      16 * kEps<Real>)
+                << scale;
+            EXPECT_LT(
+                std::abs(k.np_Norm_p(Real(3), n, x.data()) / (scale * Real(std::cbrt(91.0))) - 1),
+                scale == kSmallest ? Real(0.2) : 16 * kEps<Real>);
+            EXPECT_TRUE(k.n_Normalize_vector(n, x.data()));
+            EXPECT_LT(std::abs(x.front() - Real(0.6)), 4 * kEps<Real>) << scale;
+            EXPECT_LT(std::abs(x.back() + Real(0.8)), 4 * kEps<Real>) << scale;
+        }
     // The norm of four such numbers overflows, that of two subnormals is one of them, rounded.
     Real large[] = {kLargest, kLargest, kLargest, kLargest};
     Real small[] = {kSmallest, kSmallest};
@@ -210,6 +216,10 @@ TWIN_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
     EXPECT_TRUE(std::isnan(k.np_Norm_p(kNaN<Real>, 3, x)));
     EXPECT_TRUE(std::isnan(k.np_Norm_p(Real(3), 5, x)));
     EXPECT_EQ(k.np_Norm_p(Real(3), 4, x), kInfinity<Real>);
+    const Real other[] = {1, -7, 3, -kInfinity<Real>};
+    EXPECT_EQ(k.n2_Norm_2(4, x), kInfinity<Real>);
+    EXPECT_EQ(k.d2_Distance_2(4, x, other), kInfinity<Real>);
+    EXPECT_TRUE(std::isnan(k.n2_Norm_2(5, x)) && std::isnan(k.d2_Distance_2(4, x, x)));
 
     // What cannot be normalized stays as it is.
     for (const auto& given :

@@ -5,7 +5,6 @@
 #include <climits>
 #include <cstdint>
 #include <sstream>
-#include <string>
 #include <utility>
 #include <vector>
 

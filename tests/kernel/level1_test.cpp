@@ -1,4 +1,3 @@
-#include "kernel/kernel.h"
 #include "variants.h"
 
 namespace nequar::kernel::testing {
@@ -161,32 +160,6 @@ TWIN_TEST(Level1, NaNAndInfinityPassThrough) {
             EXPECT_EQ(table->dot(n, equal.data(), 1, &sum, 0), Real(-3 * n) * sum);
         },
         variants<Real>(), Sizes{1, 5, 7, 40, 64, 130, 600, 1100});
-}
-
-TWIN_TEST(Level1, NormsSurviveBothEndsOfTheRange) {
-    const Real huge = std::numeric_limits<Real>::max() / 64;
-    const Real tiny = std::numeric_limits<Real>::min() * 8;
-    const Real subnormal = std::numeric_limits<Real>::denorm_min() * 1024;
-    for (const Size n : {1, 2, 37}) {
-        const Real root = std::sqrt(Real(n));
-        for (const Real size : {huge, tiny, subnormal, Real(1)}) {
-            std::vector<Real> x(static_cast<std::size_t>(n), size), y(x.size(), -size);
-            const Strided<const Real> vx(x.data(), n), vy(y.data(), n);
-            const Real bound = (size == subnormal ? Real(0.002) : 16 * kEps<Real>)*root;
-            EXPECT_LE(std::abs(norm2(vx) / size - root), bound) << size << ' ' << n;
-            EXPECT_LE(std::abs(distance2(vx, vy) / size - 2 * root), bound) << size << ' ' << n;
-        }
-    }
-    const Real mixed[] = {huge, tiny, 0, kInfinity<Real>, kNaN<Real>, -kInfinity<Real>};
-    const auto part = [&mixed](int first, Size count) {
-        return Strided<const Real>(mixed + first, count);
-    };
-    EXPECT_EQ(norm2(part(0, 2)), huge);
-    EXPECT_EQ(norm2(part(0, 4)), kInfinity<Real>);
-    EXPECT_TRUE(std::isnan(norm2(part(0, 5))));
-    EXPECT_EQ(norm2(part(0, 0)) + norm2(part(2, 1)), Real(0));
-    EXPECT_EQ(distance2(part(3, 1), part(5, 1)), kInfinity<Real>);
-    EXPECT_TRUE(std::isnan(distance2(part(3, 1), part(3, 1))));
 }
 
 }  // namespace

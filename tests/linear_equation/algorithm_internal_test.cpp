@@ -8,13 +8,14 @@
 #include "frame/views.h"
 #include "linear_equation/algorithm/factor_solve.h"
 #include "linear_equation/algorithm/gauss_jordan.h"
-#include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/stated_schemes.h"
 #include "support/twins.h"
 
 namespace nequar {
 namespace {
+
+using namespace test;
 
 TWINS(SolveAlgorithm);
 
@@ -35,26 +36,24 @@ TWIN_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
     for (const int n : {0, 1, 2, 3, 8, 17, 40}) {
         for (const int k : {0, 1, 5, n}) {
             for (int kind = 0; kind < 3; ++kind) {
-                Matrix<Real> a = kind == 0   ? test::positive_definite_matrix<Real>(n, 50, 5)
-                                 : kind == 1 ? test::dominant_matrix<Real>(n, 6)
-                                             : test::integer_matrix<Real>(n, n, 3, 4);
+                Matrix<Real> a = kind == 0   ? positive_definite_matrix<Real>(n, 50, 5)
+                                 : kind == 1 ? dominant_matrix<Real>(n, 6)
+                                             : integer_matrix<Real>(n, n, 3, 4);
                 if (kind == 2)
                     for (int j = 0; j < n; ++j) a[n / 2][j] = 0;
-                Matrix<Real> b = test::random_matrix<Real>(n, k, 3);
+                Matrix<Real> b = random_matrix<Real>(n, k, 3);
                 const Matrix<Real> a0 = a;
                 const Matrix<Real> b0 = b;
                 Matrix<Real> stated_a = a;
                 Matrix<Real> stated_b = b;
-                const bool solved = test::stated_gauss_jordan(stated_a, stated_b);
+                const bool solved = stated_gauss_jordan(stated_a, stated_b);
                 EXPECT_EQ(bool(gauss_jordan(view_of(&a), view_of(&b))), solved);
                 EXPECT_EQ(solved, kind != 2 || n == 0);
                 if (kind == 2) continue;  // what rounding leaves of a singular matrix differs
-                const double tolerance = 1e4 * test::kEpsilon<Real>;
-                EXPECT_LE(test::largest_difference(a, stated_a),
-                          tolerance * test::largest_of(stated_a));
-                EXPECT_LE(test::largest_difference(b, stated_b),
-                          tolerance * test::largest_of(stated_b));
-                EXPECT_TRUE(kind != 0 || test::solution_residual(a0, b, b0) < 10.0);
+                const double tolerance = 1e4 * kEpsilon<Real>;
+                EXPECT_LE(largest_difference(a, stated_a), tolerance * largest_of(stated_a));
+                EXPECT_LE(largest_difference(b, stated_b), tolerance * largest_of(stated_b));
+                EXPECT_TRUE(kind != 0 || solution_residual(a0, b, b0) < 10.0);
             }
         }
     }
@@ -64,16 +63,16 @@ TWIN_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     const Real infinity = std::numeric_limits<Real>::infinity();
     const Real tiny = std::numeric_limits<Real>::denorm_min();
-    Matrix<Real> b = test::identity_of<Real>(2);
-    Matrix<Real> all_nan = test::matrix_of<Real>(2, 2, [&](int, int) { return nan; });
+    Matrix<Real> b = identity_of<Real>(2);
+    Matrix<Real> all_nan = matrix_of<Real>(2, 2, [&](int, int) { return nan; });
     EXPECT_EQ(gauss_jordan(view_of(&all_nan), view_of(&b)).kind, OutcomeKind::singular);
     // An infinite pivot scales its row to zero and NaN; it ends, and nothing plausible comes out.
-    Matrix<Real> huge = test::matrix_of<Real>(
+    Matrix<Real> huge = matrix_of<Real>(
         2, 2, [&](int i, int j) { return i == 0 && j == 1 ? infinity : Real(i == j); });
     const bool solved = bool(gauss_jordan(view_of(&huge), view_of(&b)));
-    EXPECT_TRUE(!solved || std::isnan(test::largest_of(b)));
-    Matrix<Real> small = test::matrix_of<Real>(1, 1, [&](int, int) { return 4 * tiny; });
-    Matrix<Real> right = test::matrix_of<Real>(1, 1, [&](int, int) { return 12 * tiny; });
+    EXPECT_TRUE(!solved || std::isnan(largest_of(b)));
+    Matrix<Real> small = matrix_of<Real>(1, 1, [&](int, int) { return 4 * tiny; });
+    Matrix<Real> right = matrix_of<Real>(1, 1, [&](int, int) { return 12 * tiny; });
     ASSERT_TRUE(gauss_jordan(view_of(&small), view_of(&right)));
     EXPECT_EQ(right[0][0], Real(3));
 }
@@ -82,26 +81,26 @@ TWIN_TEST(SolveAlgorithm, GaussJordanMeetsExtremeElements) {
 TWIN_TEST(SolveAlgorithm, ConditionEstimateIsALowerBoundNearTheNorm) {
     for (const int n : {1, 2, 3, 10, 40}) {
         for (int kind = 0; kind < 5; ++kind) {
-            const Matrix<Real> a = kind == 0   ? test::random_matrix<Real>(n, n, 11)
-                                   : kind == 1 ? test::kahan_matrix<Real>(n)
-                                   : kind == 2 ? test::positive_definite_matrix<Real>(n, 1e3, 2)
-                                   : kind == 3 ? test::hilbert_matrix<Real>(std::min(n, 3))
-                                               : test::growing_matrix<Real>(std::min(n, 10));
+            const Matrix<Real> a = kind == 0   ? random_matrix<Real>(n, n, 11)
+                                   : kind == 1 ? kahan_matrix<Real>(n)
+                                   : kind == 2 ? positive_definite_matrix<Real>(n, 1e3, 2)
+                                   : kind == 3 ? hilbert_matrix<Real>(std::min(n, 3))
+                                               : growing_matrix<Real>(std::min(n, 10));
             Matrix<Real> lu = a;
             std::vector<int> perm(static_cast<std::size_t>(a.mh()));
             int interchanges = 0;
             ASSERT_TRUE(lu_partial_in_place(view_of(&lu), perm.data(), interchanges));
             Real estimate = 0;
             ASSERT_TRUE(estimate_norm1_of_inverse(reading(view_of(&lu)), perm.data(), estimate));
-            const double norm = test::norm1_of(inverse_of(a));
+            const double norm = norm1_of(inverse_of(a));
             EXPECT_LT(double(estimate), norm * (1 + 0.01)) << n << ' ' << kind;
             EXPECT_GT(double(estimate), norm / 3) << n << ' ' << kind;
             Real norm_of_a = 0;
             ASSERT_TRUE(norm1(view_of(&a), norm_of_a));
-            EXPECT_NEAR(double(norm_of_a), test::norm1_of(a), n * test::kEpsilon<Real> * norm_of_a);
+            EXPECT_NEAR(double(norm_of_a), norm1_of(a), n * kEpsilon<Real> * norm_of_a);
         }
     }
-    const Matrix<Real> bad = test::matrix_of<Real>(5, 5, [](int i, int j) {
+    const Matrix<Real> bad = matrix_of<Real>(5, 5, [](int i, int j) {
         return i == 1 && j == 2 ? std::numeric_limits<double>::quiet_NaN() : (i == j ? 1.0 : 0.0);
     });
     const std::vector<int> perm{0, 1, 2, 3, 4};

@@ -1,32 +1,20 @@
 // Solves, inverses and pseudo-inverses of symmetric matrices by their eigenvalues; band products.
 #include <array>
-#include <cmath>
 #include <limits>
-#include <string>
 #include <vector>
 
 #include "nequar_algebra/algebra.h"
 #include "nequar_algebra/linear_equation.h"
 #include "support/chain.h"
-#include "support/matrix_gallery.h"
-#include "support/residual.h"
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-using test::fails_as;
-using test::fails_with;
-using test::kEpsilon;
-using test::packed_of;
-using test::product;
+using namespace test;
 
-template <class Real>
-class EigenSolves : public testing::Test {
-protected:
-    const LinearEquation<Real> f_;
-};
+TWINS(EigenSolves);
 
 // Indefinite, of a condition near 10.
 template <class Real>
@@ -34,28 +22,28 @@ Matrix<Real> indefinite_matrix(int n, int zeros = 0) {
     std::vector<double> values;
     for (int i = 0; i < n; ++i)
         values.push_back(i < zeros ? 0.0 : (i % 2 == 0 ? 1.0 : -1.0) * (1 + 9.0 * i / n));
-    return test::symmetric_with_spectrum<Real>(values);
+    return symmetric_with_spectrum<Real>(values);
 }
 
 TWIN_TEST(EigenSolves, SolvesAndInverses) {
-    const auto& f = this->f_;
+    const LinearEquation<Real> f;
     for (const int n : {1, 2, 9, 10, 40, 120}) {
         const auto a = indefinite_matrix<Real>(n);
         const auto s = packed_of(a);
         const Real tolerance = Real(1e-4);
-        test::expect_solves(a, 3, 30, [&](auto*, auto* b, auto* x) {
+        expect_solves(a, 3, 30, [&](auto*, auto* b, auto* x) {
             return f.sev_Solve_based_on_EVD(&s, tolerance, b, x);
         });
-        test::expect_inverts(a, 30, [&](auto*, auto* x) {
+        expect_inverts(a, 30, [&](auto*, auto* x) {
             return f.iev_Inverse_matrix_based_on_EVD(&s, tolerance, x);
         });
         Matrix<Real> v, inverse, pseudo;
         MatrixDiagonal<Real> values;
         ASSERT_TRUE(f.u_dev_Decompose_to_find_Eigen_Values(&s, &v, &values));
-        test::expect_solves(a, 3, 30, [&](auto*, auto* b, auto* x) {
+        expect_solves(a, 3, 30, [&](auto*, auto* b, auto* x) {
             return f.u_sev_Solve_based_on_EVD(&v, &values, Real(0), b, x);
         });
-        test::expect_solves_arrays(a, 3, 30, [&](auto... arguments) {
+        expect_solves_arrays(a, 3, 30, [&](auto... arguments) {
             return f.u_sev_Solve_based_on_EVD(&v, &values, Real(0), arguments...);
         });
         ASSERT_TRUE(f.iev_Inverse_matrix_based_on_EVD(&s, tolerance, &inverse));
@@ -68,39 +56,40 @@ TWIN_TEST(EigenSolves, SolvesAndInverses) {
 
 // A X A = A, X A X = X, and both products symmetric, which X is by its making.
 TWIN_TEST(EigenSolves, PseudoInverseOfDeficientRank) {
+    const LinearEquation<Real> f;
     for (const int n : {3, 9, 30}) {
         const auto a = indefinite_matrix<Real>(n, n / 3);
         const auto s = packed_of(a);
         Matrix<Real> x;
-        ASSERT_TRUE(this->f_.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &x));
+        ASSERT_TRUE(f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &x));
         const double bound = 500 * n * kEpsilon<Real>;
         const auto ax = product(a, x);
-        EXPECT_LT(test::largest_difference(product(ax, a), a), bound);
-        EXPECT_LT(test::largest_difference(product(x, ax), x), bound);
-        EXPECT_LT(test::largest_difference(ax, test::transposed(ax)), bound);
+        EXPECT_LT(largest_difference(product(ax, a), a), bound);
+        EXPECT_LT(largest_difference(product(x, ax), x), bound);
+        EXPECT_LT(largest_difference(ax, transposed(ax)), bound);
         Matrix<Real> b;
         b.c_Create(n, 1, Real(1));
         const auto before = b;
-        EXPECT_TRUE(fails_as(this->f_,
+        EXPECT_TRUE(fails_as(f,
                              "u_tce_Test_Components_from_EVD: 2\nu_sev_Solve_based_on_EVD: 1\n"
                              "sev_Solve_based_on_EVD: 2",
-                             this->f_.sev_Solve_based_on_EVD(&s, Real(1e-4), &b, &b)));
-        EXPECT_TRUE(fails_as(this->f_,
+                             f.sev_Solve_based_on_EVD(&s, Real(1e-4), &b, &b)));
+        EXPECT_TRUE(fails_as(f,
                              "u_tce_Test_Components_from_EVD: 2\n"
                              "u_iev_Inverse_matrix_based_on_EVD: 1\n"
                              "iev_Inverse_matrix_based_on_EVD: 2",
-                             this->f_.iev_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &b)));
+                             f.iev_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &b)));
         EXPECT_TRUE(b == before);
     }
     MatrixSymmetric<Real> zero;
     zero.c_Create(4, 4, Real(0));
     Matrix<Real> x;
-    ASSERT_TRUE(this->f_.piev_Pseudo_Inverse_matrix_based_on_EVD(&zero, Real(0), &x));
-    EXPECT_EQ(test::largest_of(x), 0.0);
+    ASSERT_TRUE(f.piev_Pseudo_Inverse_matrix_based_on_EVD(&zero, Real(0), &x));
+    EXPECT_EQ(largest_of(x), 0.0);
 }
 
 TWIN_TEST(EigenSolves, RanksAndRefusals) {
-    const auto& f = this->f_;
+    const LinearEquation<Real> f;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         std::initializer_list<double> values;
@@ -120,7 +109,7 @@ TWIN_TEST(EigenSolves, RanksAndRefusals) {
         {{1, 0}, nan, true, -1, "1"},
     };
     for (const auto& c : cases) {
-        const auto values = test::vector_of<Real>(c.values);
+        const auto values = vector_of<Real>(c.values);
         int rank = -1;
         const bool done = f.u_rev_Rank_based_on_EVD(&values, Real(c.tolerance), c.check, rank);
         EXPECT_EQ(rank, c.rank) << c.detail;
@@ -162,8 +151,8 @@ TWIN_TEST(EigenSolves, BandProducts) {
                                          {m - 1, 0, 0, n - 1},
                                          {m / 2, k / 2, k / 3, n / 2},
                                          {m - 1, k - 1, k - 1, n - 1}}) {
-            const auto x = test::integer_matrix<Real>(m, k, 5, 1);
-            const auto y = test::integer_matrix<Real>(k, n, 5, 2);
+            const auto x = integer_matrix<Real>(m, k, 5, 1);
+            const auto y = integer_matrix<Real>(k, n, 5, 2);
             MatrixBand<Real> a;
             MatrixBand<Real> b;
             a.i_Import(&x, p, q);

@@ -4,16 +4,13 @@
 
 #include "nequar_algebra/linear_equation.h"
 #include "support/chain.h"
-#include "support/matrix_gallery.h"
-#include "support/residual.h"
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-using test::fails_with;
-using test::kEpsilon;
+using namespace test;
 
 template <class Real>
 class MethodChoice : public testing::Test {
@@ -41,7 +38,7 @@ constexpr Row kTable[] = {{0, "sgj", "4", "sgj", "4"},   {1, "slu", "8", "slu", 
 
 TWIN_TEST(MethodChoice, EveryCodeSolvesAndInverts) {
     const int n = 12;
-    const Matrix<Real> a = test::positive_definite_matrix<Real>(n, 20, 3);
+    const Matrix<Real> a = positive_definite_matrix<Real>(n, 20, 3);
     Matrix<Real> skew = a;
     for (int i = 0; i < n; ++i)
         for (int j = 0; j < i; ++j) {
@@ -50,7 +47,7 @@ TWIN_TEST(MethodChoice, EveryCodeSolvesAndInverts) {
         }
     MatrixSymmetric<Real> s;
     s.i_Import(&a);
-    const Matrix<Real> b = test::random_matrix<Real>(n, 2, 4), none;
+    const Matrix<Real> b = random_matrix<Real>(n, 2, 4), none;
     const auto& f = this->f_;
     Vector<Real> right, y;
     b.gc_Get_Column(0, 0, n, &right);
@@ -65,17 +62,16 @@ TWIN_TEST(MethodChoice, EveryCodeSolvesAndInverts) {
         };
         if (code >= 7 && code <= 9) {
             ASSERT_TRUE(solve(&skew, &b, &this->x_));
-            EXPECT_LT(test::solution_residual(a, this->x_, b), 30);
+            EXPECT_LT(solution_residual(a, this->x_, b), 30);
             ASSERT_TRUE(invert(&skew, &this->x_));
-            EXPECT_LT(test::solution_residual(a, this->x_, test::identity_of<Real>(n)), 200);
+            EXPECT_LT(solution_residual(a, this->x_, identity_of<Real>(n)), 200);
         } else {
-            test::expect_solves(skew, 2, 30, solve);
-            test::expect_inverts(skew, 200, invert);
+            expect_solves(skew, 2, 30, solve);
+            expect_inverts(skew, 200, invert);
         }
         if (code < 10) {
-            test::expect_solves(a, 2, 30,
-                                [&](auto*, auto* rhs, auto* x) { return solve(&s, rhs, x); });
-            test::expect_inverts(a, 200, [&](auto*, auto* x) { return invert(&s, x); });
+            expect_solves(a, 2, 30, [&](auto*, auto* rhs, auto* x) { return solve(&s, rhs, x); });
+            expect_inverts(a, 200, [&](auto*, auto* x) { return invert(&s, x); });
         } else {  // no method has this code
             EXPECT_TRUE(fails_with(f, "10", solve(&s, &b, &this->x_)));
             EXPECT_TRUE(fails_with(f, "10", solve(&s, &right, &y)));
@@ -87,7 +83,7 @@ TWIN_TEST(MethodChoice, EveryCodeSolvesAndInverts) {
 
 // The methods that are reached and the details, on a matrix that all of them refuse.
 TWIN_TEST(MethodChoice, TheWholeTableOfFailures) {
-    const Matrix<Real> b = test::random_matrix<Real>(3, 2);
+    const Matrix<Real> b = random_matrix<Real>(3, 2);
     Matrix<Real> zero;
     zero.c_Create(3, 3, 0);
     MatrixSymmetric<Real> s;
@@ -101,7 +97,7 @@ TWIN_TEST(MethodChoice, TheWholeTableOfFailures) {
         const auto expect = [&](bool done, const std::string& method, const char* detail,
                                 const std::string& name) {
             EXPECT_TRUE(fails_with(f, detail, done));
-            const std::string records = test::records_of(f);
+            const std::string records = records_of(f);
             EXPECT_NE(records.find("\n" + method), std::string::npos) << records;
             EXPECT_NE(records.find(name + ": " + detail), std::string::npos) << records;
         };
@@ -116,7 +112,7 @@ TWIN_TEST(MethodChoice, TheWholeTableOfFailures) {
         expect_all(&zero, row.solve, row.detail);
         expect_all(&s, row.symmetric_solve, row.symmetric_detail);
         // not square, and no longer there
-        const Matrix<Real> tall = test::random_matrix<Real>(3, 2);
+        const Matrix<Real> tall = random_matrix<Real>(3, 2);
         EXPECT_TRUE(
             fails_with(f, row.detail, f.sle_Solve_Linear_Equation(row.code, &tall, &b, &this->x_)));
         EXPECT_TRUE(fails_with(f, row.detail, f.im_Inverse_Matrix(row.code, &tall, &this->x_)));
@@ -133,8 +129,8 @@ TWIN_TEST(MethodChoice, HomogeneousUnderAConstraint) {
     for (const auto& [m, n] : {std::pair{9, 6}, {4, 6}, {40, 30}})
         for (const int p : {1, 3, 5}) {
             SCOPED_TRACE(testing::Message() << m << " x " << n << " constraints " << p);
-            const Matrix<Real> a = test::random_matrix<Real>(m, n, 5);
-            const Matrix<Real> c = test::rank_deficient_matrix<Real>(p + 1, n, p, 7);
+            const Matrix<Real> a = random_matrix<Real>(m, n, 5);
+            const Matrix<Real> c = rank_deficient_matrix<Real>(p + 1, n, p, 7);
             Vector<Real> x, x_hat;
             const auto norm_of = [](const Matrix<Real>& matrix, const Vector<Real>& v) {
                 double sum = 0;
@@ -149,13 +145,13 @@ TWIN_TEST(MethodChoice, HomogeneousUnderAConstraint) {
             ASSERT_TRUE(this->f_.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(
                 &a, &c, Real(1e-4), &x));
             EXPECT_LT(norm_of(c, x), 300 * kEpsilon<Real>);
-            EXPECT_NEAR(norm_of(test::identity_of<Real>(n), x), 1, 100 * kEpsilon<Real>);
+            EXPECT_NEAR(norm_of(identity_of<Real>(n), x), 1, 100 * kEpsilon<Real>);
             // no unit vector in a basis of the space does better
             Matrix<Real> space;
             int rank = 0;
             ASSERT_TRUE(this->f_.fin_Find_Input_Null_vector_space(&c, Real(1e-4), rank, &space,
                                                                   nullptr, nullptr, nullptr));
-            test::Uniform uniform(3);
+            Uniform uniform(3);
             for (int k = 0; k < 20; ++k) {
                 Vector<Real> other;
                 other.c_Create(n, 0);
@@ -168,20 +164,19 @@ TWIN_TEST(MethodChoice, HomogeneousUnderAConstraint) {
                 EXPECT_LE(norm_of(a, x), norm_of(a, other) / std::sqrt(length) + 1e-4);
             }
             // the same space as the range of its basis, twice over
-            const Matrix<Real> g = test::matrix_of<Real>(
+            const Matrix<Real> g = matrix_of<Real>(
                 n, 2 * space.mw(), [&](int i, int j) { return double(space[i][j / 2]) * (j + 1); });
             Vector<Real> again;
             ASSERT_TRUE(this->f_.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
                 &a, &g, Real(1e-4), &again, &x_hat));
             EXPECT_EQ(x_hat.vs(), g.mw());
             EXPECT_NEAR(norm_of(a, again), norm_of(a, x), 1e4 * kEpsilon<Real>);
-            EXPECT_LT(test::largest_difference(test::product(g, test::column_of(x_hat)),
-                                               test::column_of(again)),
+            EXPECT_LT(largest_difference(product(g, column_of(x_hat)), column_of(again)),
                       1e3 * kEpsilon<Real>);
             ASSERT_TRUE(this->f_.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
                 &a, &g, Real(1e-4), &again, nullptr));
         }
-    const Matrix<Real> a = test::random_matrix<Real>(4, 3), identity = test::identity_of<Real>(3);
+    const Matrix<Real> a = random_matrix<Real>(4, 3), identity = identity_of<Real>(3);
     Matrix<Real> zero;
     zero.c_Create(3, 3, 0);
     Vector<Real> x;

@@ -5,16 +5,13 @@
 #include "nequar_algebra/linear_equation.h"
 #include "support/chain.h"
 #include "support/data_files.h"
-#include "support/matrix_gallery.h"
-#include "support/residual.h"
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-using test::fails_as;
-using test::fails_with;
+using namespace test;
 
 template <class Real>
 class OrthogonalSolvers : public testing::Test {
@@ -38,7 +35,7 @@ protected:
         if (form == 1) s_.dqlh_Decompose_into_QL_matrices_based_on_Householder(a, &q, &lower);
         if (form == 2) s_.drqh_Decompose_into_RQ_matrices_based_on_Householder(a, &upper, &q);
         if (form == 3) s_.dlqh_Decompose_into_LQ_matrices_based_on_Householder(a, &lower, &q);
-        if (form >= 2) q = test::transposed(q);
+        if (form >= 2) q = transposed(q);
     }
     template <class... Arguments>
     bool solve_with(int form, Arguments... arguments) const {
@@ -65,23 +62,23 @@ TWIN_TEST(OrthogonalSolvers, SolveAndInvert) {
     for (int form = 0; form < 4; ++form)
         for (const int n : {1, 2, 9, 48, 90}) {
             SCOPED_TRACE(testing::Message() << "form " << form);
-            const Matrix<Real> a = test::random_matrix<Real>(n, n, 3);
-            test::expect_solves(a, 3, 30, [&](auto* given, auto* b, auto* x) {
+            const Matrix<Real> a = random_matrix<Real>(n, n, 3);
+            expect_solves(a, 3, 30, [&](auto* given, auto* b, auto* x) {
                 return this->solve(form, given, b, x);
             });
-            test::expect_inverts(
-                a, 30, [&](auto* given, auto* x) { return this->invert(form, given, x); });
+            expect_inverts(a, 30,
+                           [&](auto* given, auto* x) { return this->invert(form, given, x); });
 
             this->factor(form, &a);
-            const Matrix<Real> b = test::random_matrix<Real>(n, 3, 4), kept = this->q;
+            const Matrix<Real> b = random_matrix<Real>(n, 3, 4), kept = this->q;
             Matrix<Real> x, inverse;
-            test::expect_solves(a, 3, 60, [&](auto*, auto* right, auto* y) {
+            expect_solves(a, 3, 60, [&](auto*, auto* right, auto* y) {
                 return this->solve_with(form, right, y);
             });
-            test::expect_solves_arrays(
+            expect_solves_arrays(
                 a, 3, 60, [&](auto... arguments) { return this->solve_with(form, arguments...); });
             ASSERT_TRUE(this->invert_with(form, &inverse));
-            EXPECT_LT(test::solution_residual(a, inverse, test::identity_of<Real>(n)), 60);
+            EXPECT_LT(solution_residual(a, inverse, identity_of<Real>(n)), 60);
             // a factor may take the result
             ASSERT_TRUE(this->solve_with(form, &b, &x));
             ASSERT_TRUE(this->solve_with(form, &b, &this->q));
@@ -94,10 +91,10 @@ TWIN_TEST(OrthogonalSolvers, SolveAndInvert) {
 
 TWIN_TEST(OrthogonalSolvers, RefusalsAndTheirRecords) {
     const auto& s = this->s_;
-    const Matrix<Real> mark = test::random_matrix<Real>(2, 2, 9);
-    const Matrix<Real> tall = test::random_matrix<Real>(4, 3);
-    const Matrix<Real> square = test::random_matrix<Real>(3, 3);
-    const Matrix<Real> b = test::random_matrix<Real>(4, 1);
+    const Matrix<Real> mark = random_matrix<Real>(2, 2, 9);
+    const Matrix<Real> tall = random_matrix<Real>(4, 3);
+    const Matrix<Real> square = random_matrix<Real>(3, 3);
+    const Matrix<Real> b = random_matrix<Real>(4, 1);
     Matrix<Real> x = mark;
     EXPECT_TRUE(fails_as(s, "u_sqr_Solve_based_on_QRD: 1\nsqr_Solve_based_on_QRD: 2",
                          this->solve(0, &tall, &b, &x)));
@@ -114,9 +111,9 @@ TWIN_TEST(OrthogonalSolvers, RefusalsAndTheirRecords) {
     EXPECT_TRUE(x == mark);
 
     // an exact zero on the diagonal
-    Matrix<Real> singular = test::identity_of<Real>(3);
+    Matrix<Real> singular = identity_of<Real>(3);
     singular[1][1] = 0;
-    const Matrix<Real> right = test::random_matrix<Real>(3, 2), empty;
+    const Matrix<Real> right = random_matrix<Real>(3, 2), empty;
     EXPECT_TRUE(fails_as(s, "u_sql_Solve_based_on_QLD: 2\nsql_Solve_based_on_QLD: 2",
                          this->solve(1, &singular, &right, &x)));
     EXPECT_TRUE(fails_as(s,
@@ -150,21 +147,21 @@ TWIN_TEST(OrthogonalSolvers, NanInfinityAndTheEndsOfTheRange) {
     const Real bad[] = {std::numeric_limits<Real>::quiet_NaN(),
                         std::numeric_limits<Real>::infinity()};
     for (int form = 0; form < 4; ++form) {
-        const Matrix<Real> b = test::random_matrix<Real>(60, 1, 4);
+        const Matrix<Real> b = random_matrix<Real>(60, 1, 4);
         Matrix<Real> x;
         for (const Real value : bad) {
-            Matrix<Real> a = test::random_matrix<Real>(60, 60, 3);
+            Matrix<Real> a = random_matrix<Real>(60, 60, 3);
             a[20][30] = value;
             ASSERT_TRUE(this->solve(form, &a, &b, &x));
             EXPECT_TRUE(std::isnan(x[0][0]) || std::isnan(x[59][0]));
         }
         for (const Real scale : {large, 1 / large}) {
-            Matrix<Real> a = test::random_matrix<Real>(60, 60, 3), c = b;
+            Matrix<Real> a = random_matrix<Real>(60, 60, 3), c = b;
             for (int i = 0; i < 60; ++i)
                 for (int j = 0; j < 60; ++j) a[i][j] *= scale;
             for (int i = 0; i < 60; ++i) c[i][0] *= scale;
             ASSERT_TRUE(this->solve(form, &a, &c, &x));
-            EXPECT_LT(test::solution_residual(a, x, c), 30) << form;
+            EXPECT_LT(solution_residual(a, x, c), 30) << form;
         }
     }
 }
@@ -172,14 +169,14 @@ TWIN_TEST(OrthogonalSolvers, NanInfinityAndTheEndsOfTheRange) {
 TEST(OrthogonalSolversOnData, SolveRealSystems) {
     for (const char* name : {"west0067", "gre_343", "steam3", "pores_1", "b1_ss"}) {
         const std::string file = std::string(name) + ".mtx";
-        if (!std::filesystem::exists(test::data_file(file)))
+        if (!std::filesystem::exists(data_file(file)))
             GTEST_SKIP() << "there is no ../shared/data/" << file;
-        const Matrix<double> a = test::read_matrix_market<double>(file);
-        const Matrix<double> b = test::matrix_of<double>(a.mh(), 1, [](int, int) { return 1.0; });
+        const Matrix<double> a = read_matrix_market<double>(file);
+        const Matrix<double> b = matrix_of<double>(a.mh(), 1, [](int, int) { return 1.0; });
         LCNqUtility_for_Linear_Equation s;
         Matrix<double> x;
         ASSERT_TRUE(s.sqr_Solve_based_on_QRD(&a, &b, &x)) << name;
-        EXPECT_LT(test::solution_residual(a, x, b), 30) << name;
+        EXPECT_LT(solution_residual(a, x, b), 30) << name;
     }
 }
 

@@ -2,22 +2,16 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <string>
 
 #include "nequar_algebra/linear_equation.h"
 #include "support/chain.h"
-#include "support/matrix_gallery.h"
-#include "support/residual.h"
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
 namespace nequar {
 namespace {
 
-using test::fails_as;
-using test::fails_with;
-using test::kEpsilon;
-using test::product;
+using namespace test;
 
 template <class Real>
 class SpectralSolvers : public testing::Test {
@@ -31,11 +25,11 @@ TWIN_TEST(SpectralSolvers, SolveAndInvert) {
     const auto& f = this->f_;
     const Real tolerance = Real(1e-6);
     for (const int n : {1, 2, 9, 30, 70}) {
-        const Matrix<Real> a = test::random_matrix<Real>(n, n, 3);
-        test::expect_solves(a, 3, 10, [&](auto* given, auto* b, auto* x) {
+        const Matrix<Real> a = random_matrix<Real>(n, n, 3);
+        expect_solves(a, 3, 10, [&](auto* given, auto* b, auto* x) {
             return f.ssv_Solve_based_on_SVD(given, tolerance, b, x);
         });
-        test::expect_inverts(a, 50, [&](auto* given, auto* x) {
+        expect_inverts(a, 50, [&](auto* given, auto* x) {
             return f.isv_Inverse_matrix_based_on_SVD(given, tolerance, x);
         });
         Matrix<Real> u, v;
@@ -43,14 +37,14 @@ TWIN_TEST(SpectralSolvers, SolveAndInvert) {
         int steps = 0;
         ASSERT_TRUE(f.dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(&a, &u, &s, &v,
                                                                                    10000, steps));
-        test::expect_solves(a, 3, 10, [&](auto*, auto* b, auto* x) {
+        expect_solves(a, 3, 10, [&](auto*, auto* b, auto* x) {
             return f.u_ssv_Solve_based_on_SVD(&u, &s, &v, tolerance, b, x);
         });
-        test::expect_solves_arrays(a, 3, 10, [&](auto... arguments) {
+        expect_solves_arrays(a, 3, 10, [&](auto... arguments) {
             return f.u_ssv_Solve_based_on_SVD(&u, &s, &v, tolerance, arguments...);
         });
         ASSERT_TRUE(f.u_isv_Inverse_matrix_based_on_SVD(&u, &s, &v, tolerance, &u));
-        EXPECT_LT(test::solution_residual(a, u, test::identity_of<Real>(n)), 50);
+        EXPECT_LT(solution_residual(a, u, identity_of<Real>(n)), 50);
     }
 }
 
@@ -60,29 +54,29 @@ TWIN_TEST(SpectralSolvers, MoorePenroseConditions) {
          {std::pair{8, 5}, {5, 8}, {6, 6}, {70, 50}, {50, 70}, {60, 20}, {20, 60}})
         for (const int rank : {1, 3, 5, std::min(m, n)}) {
             SCOPED_TRACE(testing::Message() << m << " x " << n << " rank " << rank);
-            const Matrix<Real> a = test::rank_deficient_matrix<Real>(m, n, rank, 9);
+            const Matrix<Real> a = rank_deficient_matrix<Real>(m, n, rank, 9);
             ASSERT_TRUE(
                 this->f_.pisv_Pseudo_Inverse_matrix_based_on_SVD(&a, Real(1e-4), &this->x_));
             const Matrix<Real> ax = product(a, this->x_), xa = product(this->x_, a);
             const double size =
-                test::largest_of(a) * test::largest_of(this->x_) * 40 * (m + n) * kEpsilon<Real>;
-            EXPECT_LE(test::largest_difference(ax, test::transposed(ax)), size);
-            EXPECT_LE(test::largest_difference(xa, test::transposed(xa)), size);
-            EXPECT_LE(test::largest_difference(product(ax, a), a), size * test::largest_of(a));
-            EXPECT_LE(test::largest_difference(product(xa, this->x_), this->x_),
-                      size * test::largest_of(this->x_));
+                largest_of(a) * largest_of(this->x_) * 40 * (m + n) * kEpsilon<Real>;
+            EXPECT_LE(largest_difference(ax, transposed(ax)), size);
+            EXPECT_LE(largest_difference(xa, transposed(xa)), size);
+            EXPECT_LE(largest_difference(product(ax, a), a), size * largest_of(a));
+            EXPECT_LE(largest_difference(product(xa, this->x_), this->x_),
+                      size * largest_of(this->x_));
             if (m < n) continue;
             Matrix<Real> again;
             ASSERT_TRUE(this->f_.dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(
                 &a, &this->u_, &this->s_, &this->v_));
             ASSERT_TRUE(this->f_.u_pisv_Pseudo_Inverse_matrix_based_on_SVD(
                 &this->u_, &this->s_, &this->v_, Real(1e-4), &again));
-            EXPECT_LE(test::largest_difference(again, this->x_), size * test::largest_of(this->x_));
+            EXPECT_LE(largest_difference(again, this->x_), size * largest_of(this->x_));
         }
     Matrix<Real> zero;
     zero.c_Create(3, 2, 0);
     ASSERT_TRUE(this->f_.pisv_Pseudo_Inverse_matrix_based_on_SVD(&zero, Real(0), &zero));
-    EXPECT_TRUE(zero == test::matrix_of<Real>(2, 3, [](int, int) { return 0; }));
+    EXPECT_TRUE(zero == matrix_of<Real>(2, 3, [](int, int) { return 0; }));
 }
 
 // 2^e A has 2^-e times the inverse; a singular value in doubt beside the largest changes the way of
@@ -121,11 +115,11 @@ TWIN_TEST(SpectralSolvers, EndsOfTheRangeAndDoubtfulRank) {
 }
 
 TWIN_TEST(SpectralSolvers, Refusals) {
-    Matrix<Real> a = test::matrix_of<Real>(3, 3, [](int i, int j) {
+    Matrix<Real> a = matrix_of<Real>(3, 3, [](int i, int j) {
         return i != j ? 0 : i == 2 ? 1e-12 : 3 - i;
     });
-    const Matrix<Real> b = test::random_matrix<Real>(3, 1), tall = test::random_matrix<Real>(4, 3),
-                       wide = test::transposed(tall);
+    const Matrix<Real> b = random_matrix<Real>(3, 1), tall = random_matrix<Real>(4, 3),
+                       wide = transposed(tall);
     const auto& f = this->f_;
     Matrix<Real>* const x = &this->x_;
     EXPECT_TRUE(fails_as(f,
@@ -144,7 +138,7 @@ TWIN_TEST(SpectralSolvers, Refusals) {
                          f.pisv_Pseudo_Inverse_matrix_based_on_SVD(&a, Real(-0.1), x)));
     EXPECT_TRUE(fails_with(f, "1", f.ssv_Solve_based_on_SVD(&wide, Real(0), &b, x)));
     EXPECT_TRUE(fails_with(f, "2", f.ssv_Solve_based_on_SVD(&tall, Real(0), &b, x)));
-    a = test::random_matrix<Real>(4, 4);
+    a = random_matrix<Real>(4, 4);
     EXPECT_TRUE(fails_as(f, "u_ssv_Solve_based_on_SVD: 2\nssv_Solve_based_on_SVD: 2",
                          f.ssv_Solve_based_on_SVD(&a, Real(0), &b, x)));
     a[1][2] = std::numeric_limits<Real>::quiet_NaN();
@@ -152,7 +146,7 @@ TWIN_TEST(SpectralSolvers, Refusals) {
     EXPECT_TRUE(fails_with(f, "1", f.pisv_Pseudo_Inverse_matrix_based_on_SVD(&a, Real(0), x)));
     EXPECT_EQ((*x)[0][0], 5);
 
-    const Matrix<Real> identity = test::identity_of<Real>(3), small = test::identity_of<Real>(2);
+    const Matrix<Real> identity = identity_of<Real>(3), small = identity_of<Real>(2);
     int rank = -1;
     struct Case {
         double s[3];

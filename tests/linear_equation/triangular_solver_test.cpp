@@ -6,22 +6,22 @@
 
 #include "nequar_algebra/linear_equation.h"
 #include "support/chain.h"
-#include "support/matrix_gallery.h"
-#include "support/residual.h"
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
 namespace nequar {
 namespace {
 
+using namespace test;
+
 template <class Real>
 class TriangularSolvers : public testing::Test {
 protected:
     // Positive definite, so that every method can solve with it, Gauss-Jordan included.
     void prepare(int n, int k) {
-        a = test::positive_definite_matrix<Real>(n, 20, 7);
+        a = positive_definite_matrix<Real>(n, 20, 7);
         s.i_Import(&a);
-        b = test::random_matrix<Real>(n, k, 8);
+        b = random_matrix<Real>(n, k, 8);
     }
 
     // With the matrix given, or its packed form s.
@@ -53,15 +53,9 @@ protected:
                solver.dch_Decompose_matrix_by_Cholesky_algorithm(&s, &uu);
     }
 
-    std::string chain(std::initializer_list<std::string> records) const {
-        return test::chain(solver, records);
+    void expect_refused(bool done, std::initializer_list<std::string> records) const {
+        EXPECT_TRUE(fails_as(solver, records, done));
     }
-    // What the call leaves behind: false, and these records.
-    void expect_refused(bool result, std::initializer_list<std::string> records) const {
-        EXPECT_FALSE(result);
-        EXPECT_EQ(trace(), chain(records));
-    }
-    std::string trace() const { return solver.gft_Get_Failure_Trace().c_str(); }
 
     LinearEquation<Real> solver;
     Matrix<Real> a;
@@ -82,11 +76,11 @@ TWIN_TEST(TriangularSolvers, EveryMethodSolvesAndInverts) {
             this->prepare(n, 1);
             const Matrix<Real>& matrix = this->a;
             for (const int k : {1, 2, n})
-                test::expect_solves(matrix, k, 3, [&](auto* given, auto* right, auto* x) {
+                expect_solves(matrix, k, 3, [&](auto* given, auto* right, auto* x) {
                     return this->solve(method, given, right, x);
                 });
-            test::expect_inverts(
-                matrix, 3, [&](auto* given, auto* x) { return this->invert(method, given, x); });
+            expect_inverts(matrix, 3,
+                           [&](auto* given, auto* x) { return this->invert(method, given, x); });
         }
     // A packed factor is a vector, too.
     this->prepare(6, 1);
@@ -105,10 +99,9 @@ TWIN_TEST(TriangularSolvers, FactorsSolveInEveryLayout) {
         this->prepare(n, k);
         ASSERT_TRUE(this->factor());
         const Matrix<Real>& matrix = this->a;
-        test::expect_solves(matrix, k, 3, [&](auto*, auto* right, auto* x) {
-            return this->solve_with_lu(right, x);
-        });
-        test::expect_inverts(matrix, 3, [&](auto*, auto* x) {
+        expect_solves(matrix, k, 3,
+                      [&](auto*, auto* right, auto* x) { return this->solve_with_lu(right, x); });
+        expect_inverts(matrix, 3, [&](auto*, auto* x) {
             return f.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, x);
         });
         Matrix<Real> x;
@@ -120,13 +113,13 @@ TWIN_TEST(TriangularSolvers, FactorsSolveInEveryLayout) {
         y = this->b;
         ASSERT_TRUE(this->solve_with_lu(y.p()[0], false, k, n));
         const Real* const columns = y.p()[0];
-        EXPECT_EQ(x, test::matrix_of<Real>(n, k, [&](int i, int c) { return columns[c * n + i]; }));
+        EXPECT_EQ(x, matrix_of<Real>(n, k, [&](int i, int c) { return columns[c * n + i]; }));
 
         const auto check = [&](const auto& solve, const auto& invert) {
-            test::expect_solves(matrix, k, 3,
-                                [&](auto*, auto* right, auto* out) { return solve(right, out); });
-            test::expect_solves_arrays(matrix, k, 3, solve);
-            test::expect_inverts(matrix, 3, [&](auto*, auto* out) { return invert(out); });
+            expect_solves(matrix, k, 3,
+                          [&](auto*, auto* right, auto* out) { return solve(right, out); });
+            expect_solves_arrays(matrix, k, 3, solve);
+            expect_inverts(matrix, 3, [&](auto*, auto* out) { return invert(out); });
         };
         check([&](auto... args) { return f.u_sll_Solve_based_on_LLD(&this->ll, args...); },
               [&](auto* out) { return f.u_ill_Inverse_matrix_based_on_LLD(&this->ll, out); });
@@ -140,7 +133,7 @@ TWIN_TEST(TriangularSolvers, AnyTrianglesAndAnyOrder) {
     const int n = 5;
     this->l.c_Create(n, n);
     this->u.c_Create(n, n);
-    const Matrix<Real> values = test::dominant_matrix<Real>(n, 5);
+    const Matrix<Real> values = dominant_matrix<Real>(n, 5);
     this->l.i_Import(&values);
     this->u.i_Import(&values);
     this->perm.c_Create(n);
@@ -151,15 +144,15 @@ TWIN_TEST(TriangularSolvers, AnyTrianglesAndAnyOrder) {
     this->l.e_Export(&dense_l, true);
     this->u.e_Export(&dense_u, true);
     const auto product = test::product(dense_l, dense_u);
-    const Matrix<Real> gathered = test::with_rows(test::identity_of<Real>(n), order);
-    const Matrix<Real> identity = test::identity_of<Real>(n);
+    const Matrix<Real> gathered = with_rows(identity_of<Real>(n), order);
+    const Matrix<Real> identity = identity_of<Real>(n);
     Matrix<Real> x;
     Matrix<Real> inverse;
     ASSERT_TRUE(this->solve_with_lu(&identity, &x));
     ASSERT_TRUE(
         this->solver.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, &inverse));
-    EXPECT_LT(test::solution_residual(product, x, gathered), 3.0);
-    EXPECT_LT(test::solution_residual(product, inverse, gathered), 3.0);
+    EXPECT_LT(solution_residual(product, x, gathered), 3.0);
+    EXPECT_LT(solution_residual(product, inverse, gathered), 3.0);
 }
 
 TWIN_TEST(TriangularSolvers, ChainsOfRecords) {
@@ -186,7 +179,7 @@ TWIN_TEST(TriangularSolvers, ChainsOfRecords) {
          "u_suu_Solve_based_on_UUD: 1", "suu_Solve_based_on_UUD: ", "non-positive definite"}};
     for (const int n : {2, 40})
         for (const Case& c : cases) {
-            Matrix<Real> x = test::random_matrix<Real>(1, 2);
+            Matrix<Real> x = random_matrix<Real>(1, 2);
             const Matrix<Real> kept = x;
             // A column of zeros is singular for every method.
             this->prepare(n, 2);
@@ -197,7 +190,7 @@ TWIN_TEST(TriangularSolvers, ChainsOfRecords) {
             EXPECT_EQ(f.ged_Get_Error_Detail(), "1");
             // Right-hand sides of the wrong size.
             this->prepare(n, 2);
-            const Matrix<Real> longer = test::random_matrix<Real>(n + 1, 2);
+            const Matrix<Real> longer = random_matrix<Real>(n + 1, 2);
             const Vector<Real> none;
             Vector<Real> y;
             y.c_Create(3, Real(4));
@@ -208,12 +201,12 @@ TWIN_TEST(TriangularSolvers, ChainsOfRecords) {
             EXPECT_EQ(y.vs(), 3);
             EXPECT_EQ(x, kept);
             if (c.reduce == cholesky) continue;
-            this->a = test::random_matrix<Real>(n, n + 1);
+            this->a = random_matrix<Real>(n, n + 1);
             this->expect_refused(this->solve(c.method, &this->a, &this->b, &x),
                                  {c.reduce + "non-square", c.factor, c.solver + "1"});
         }
     // Inverses, and no right-hand side at all.
-    Matrix<Real> x = test::random_matrix<Real>(1, 2);
+    Matrix<Real> x = random_matrix<Real>(1, 2);
     this->prepare(3, 0);
     this->expect_refused(this->solve(0, &this->a, &this->b, &x),
                          {"u_slu_Solve_based_on_LUD: 1", "slu_Solve_based_on_LUD: 2"});
@@ -233,7 +226,7 @@ TWIN_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
     const auto& f = this->solver;
     this->prepare(4, 2);
     ASSERT_TRUE(this->factor());
-    Matrix<Real> x = test::random_matrix<Real>(1, 2);
+    Matrix<Real> x = random_matrix<Real>(1, 2);
     const Matrix<Real> kept = x;
     const auto solve = [&] { return this->solve_with_lu(&this->b, &x); };
     for (const int entry :
@@ -290,7 +283,7 @@ TWIN_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
 TWIN_TEST(TriangularSolvers, GaussJordan) {
     const auto& f = this->solver;
     const auto of = [](double value) {
-        return test::matrix_of<Real>(1, 1, [&](int, int) { return value; });
+        return matrix_of<Real>(1, 1, [&](int, int) { return value; });
     };
     const Matrix<Real> negative = of(-2);
     const Matrix<Real> four = of(4);
@@ -306,8 +299,8 @@ TWIN_TEST(TriangularSolvers, GaussJordan) {
                          {"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 2"});
     this->expect_refused(f.igj_Inverse_matrix_based_on_GJE(&zero, &x),
                          {"u_sgj_Solve_based_on_GJE: 1", "igj_Inverse_matrix_based_on_GJE: 2"});
-    const Matrix<Real> wide = test::random_matrix<Real>(1, 2);
-    const Matrix<Real> tall = test::random_matrix<Real>(2, 1);
+    const Matrix<Real> wide = random_matrix<Real>(1, 2);
+    const Matrix<Real> tall = random_matrix<Real>(2, 1);
     this->expect_refused(f.sgj_Solve_based_on_GJE(&wide, &four, &x), {"sgj_Solve_based_on_GJE: 1"});
     this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &tall, &x), {"sgj_Solve_based_on_GJE: 2"});
     EXPECT_FALSE(f.igj_Inverse_matrix_based_on_GJE(&wide, &x));
@@ -323,17 +316,16 @@ TWIN_TEST(TriangularSolvers, GaussJordan) {
             this->prepare(n, k);
             for (const bool row_major : {true, false}) {
                 Matrix<Real> left = this->a;  // symmetric: the same in both layouts
-                const Matrix<Real> laid = row_major ? this->b : test::transposed(this->b);
+                const Matrix<Real> laid = row_major ? this->b : transposed(this->b);
                 std::vector<Real> data(laid.p()[0], laid.p()[0] + n * k);
                 data.push_back(77);
                 ASSERT_TRUE(f.u_sgj_Solve_based_on_GJE(row_major, n, k, left.p()[0], data.data()));
                 EXPECT_EQ(data.back(), Real(77));
-                const auto x_of_array = test::matrix_of<Real>(n, k, [&](int i, int c) {
+                const auto x_of_array = matrix_of<Real>(n, k, [&](int i, int c) {
                     return data[static_cast<std::size_t>(row_major ? i * k + c : i + n * c)];
                 });
-                EXPECT_LT(test::solution_residual(this->a, x_of_array, this->b), 3.0);
-                EXPECT_LT(test::largest_difference(left, test::identity_of<Real>(n)),
-                          1e4 * test::kEpsilon<Real>);
+                EXPECT_LT(solution_residual(this->a, x_of_array, this->b), 3.0);
+                EXPECT_LT(largest_difference(left, identity_of<Real>(n)), 1e4 * kEpsilon<Real>);
             }
         }
     }

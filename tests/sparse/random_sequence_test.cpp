@@ -3,7 +3,6 @@
 // rounded.
 
 #include "sparse/matrix_steps.h"
-#include "support/twins.h"
 
 namespace {
 

@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "sparse/mirror.h"
-#include "support/twins.h"
 
 namespace {
 

@@ -2,7 +2,6 @@
 // to be stored as the mirror says, explicit zeros included, and all that is read has to be the full
 // matrix. Values are small integers, so nothing is rounded.
 #include "sparse/symmetric_steps.h"
-#include "support/twins.h"
 
 namespace {
 

@@ -9,7 +9,6 @@
 
 #include "sparse/mirror.h"
 #include "support/matrix_gallery.h"
-#include "support/twins.h"
 
 namespace {
 

@@ -135,14 +135,13 @@ TWIN_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
             }
         MatrixSymmetric<Real> cov;
         cov.i_Import(&dense);
-        ASSERT_TRUE(g.ctl(cov, T)) << rank << test::records_of(g);
+        ASSERT_TRUE(g.ctl(cov, T)) << rank << records_of(g);
         Matrix<Real> product;
         product.c_Create(n, n, Real(0));
         for (int i = 0; i < n; ++i)
             for (int j = 0; j < n; ++j)
                 for (int k = 0; k < n; ++k) product[i][j] += T[i][k] * T[j][k];
-        EXPECT_LE(test::largest_difference(product, dense),
-                  20 * n * test::kEpsilon<Real> * test::largest_of(dense));
+        EXPECT_LE(largest_difference(product, dense), 20 * n * kEpsilon<Real> * largest_of(dense));
     }
     for (const auto& bad : {symmetric_of<Real>(2, {1, 2, 2, 1}), symmetric_of<Real>(1, {-1e-20}),
                             symmetric_of<Real>(2, {1, 0, 0, -1e-3})}) {
@@ -187,7 +186,7 @@ TWIN_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAre
                         };
                         expected = T[k][0] * z(0) + T[k][1] * z(1);
                     }
-                    EXPECT_NEAR(by_column ? m[k][v] : m[v][k], expected, 40 * test::kEpsilon<Real>);
+                    EXPECT_NEAR(by_column ? m[k][v] : m[v][k], expected, 40 * kEpsilon<Real>);
                 }
                 taken += chosen ? 1 : 0;
             }
@@ -259,7 +258,7 @@ TWIN_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     std::as_const(rows).z_gii(&r);
     ASSERT_TRUE(columns.nee() == 4 && rows.nee() == 4 && columns.vs() == 2 && rows.vs() == 2);
     for (int v = 0; v < 4; ++v)
-        for (int k = 0; k < 2; ++k) EXPECT_NEAR((*c)[k][v], (*r)[v][k], 8 * test::kEpsilon<Real>);
+        for (int k = 0; k < 2; ++k) EXPECT_NEAR((*c)[k][v], (*r)[v][k], 8 * kEpsilon<Real>);
     EXPECT_TRUE(fails_with(g, "mismatch between mean and covariance",
                            g.avg(vector_of<Real>({0}), cov, 4, rows)));
     EXPECT_TRUE(fails_with(g, "gvg", g.avg(mean, cov, 0, rows)));

@@ -59,7 +59,7 @@ TWIN_TEST(PrincipalComponentsTest, ParametersAndValidity) {
                            {0, 3, 0.05, 0.5, "3"},
                            {10, -1, 0.05, 0.5, "3"}}) {
         EXPECT_FALSE(pca.c_Create(row.n, row.d, Real(row.ratio), Real(row.share)));
-        EXPECT_EQ(test::records_of(pca).substr(test::records_of(pca).rfind("c_Create")),
+        EXPECT_EQ(records_of(pca).substr(records_of(pca).rfind("c_Create")),
                   std::string("c_Create: ") + row.detail);
     }
     ASSERT_TRUE(pca.c_Create(4, 2, Real(0.1), Real(0.5)));  // 0.1f is above 0.1
@@ -73,7 +73,7 @@ TWIN_TEST(PrincipalComponentsTest, ParametersAndValidity) {
     const auto not_valid = [&] {
         pca.cr_Clear_Record();
         EXPECT_EQ(pca.nbpc(), 0);
-        EXPECT_EQ(test::records_of(pca), "nbpc_NumBer_of_Principal_Components: Not valid");
+        EXPECT_EQ(records_of(pca), "nbpc_NumBer_of_Principal_Components: Not valid");
         EXPECT_EQ(pca.nbev(), 0);
         EXPECT_EQ(pca.rre(), Real(0));
         EXPECT_EQ(pca.ppc(0), nullptr);
@@ -99,7 +99,7 @@ TWIN_TEST(PrincipalComponentsTest, ParametersAndValidity) {
     EXPECT_EQ(pca.ppc(-1), nullptr);
     EXPECT_FALSE(pca.inv_INput_a_Vector(vector_of<Real>({1}), &slot));  // refused, and yet
     EXPECT_EQ(detail_of(pca), "1");
-    EXPECT_NE(test::records_of(pca).find("inv_INput_a_Vector <CNqVector>: 1"), std::string::npos);
+    EXPECT_NE(records_of(pca).find("inv_INput_a_Vector <CNqVector>: 1"), std::string::npos);
     not_valid();
     ASSERT_TRUE(this->analyse());
     EXPECT_FALSE(pca.c_Create(4, 2, Real(0.5), Real(0.5)));
@@ -163,13 +163,13 @@ TWIN_TEST(PrincipalComponentsTest, ComponentsAreEigenvectorsOfTheScatterMatrix) 
         for (int i = 0; i < d; ++i) {
             double mu = 0;
             for (int j = 0; j < n; ++j) mu += double(X[i][j]) / n;
-            EXPECT_NEAR(mean[i], mu, 20 * test::kEpsilon<Real>);
+            EXPECT_NEAR(mean[i], mu, 20 * kEpsilon<Real>);
             for (int j = 0; j < n; ++j) {
                 D[i][j] = double(X[i][j]) - mu;
                 trace += D[i][j] * D[i][j];
             }
         }
-        const double tolerance = 200 * test::kEpsilon<Real> * (1 + trace);
+        const double tolerance = 200 * kEpsilon<Real> * (1 + trace);
         for (int k = 0; k < m; ++k) {
             const Vector<Real>& c = *components.gpe(k);
             ASSERT_EQ(c.vs(), d);
@@ -189,7 +189,7 @@ TWIN_TEST(PrincipalComponentsTest, ComponentsAreEigenvectorsOfTheScatterMatrix) 
             for (int l = 0; l <= k; ++l) {
                 double product = 0;
                 for (int i = 0; i < d; ++i) product += double(c[i]) * (*components.gpe(l))[i];
-                EXPECT_NEAR(product, k == l ? 1 : 0, 2000 * test::kEpsilon<Real>);
+                EXPECT_NEAR(product, k == l ? 1 : 0, 2000 * kEpsilon<Real>);
             }
         }
         EXPECT_LE(total, trace + tolerance);
@@ -245,7 +245,7 @@ TWIN_TEST(PrincipalComponentsTest, AnalysisAndReconstruction) {
     ASSERT_TRUE(this->feed({2, 8, 4}, 0.05, 0.3));
     ASSERT_TRUE(this->analyse());  // components e1, e2, e0 (counted from 0) up to the sign
     const auto x = vector_of<Real>({3 + 1, 3 + 2, 3 + 3});
-    const double tolerance = 100 * test::kEpsilon<Real>;
+    const double tolerance = 100 * kEpsilon<Real>;
     struct Row {
         int asked, taken;
         double rest, weighted;

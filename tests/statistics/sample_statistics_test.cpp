@@ -145,7 +145,7 @@ TWIN_TEST(SampleStatistics, MeanVectorsAndCovariances) {
         for (int k = 0; k < d; ++k)
             rows[i][k] = Real(std::sin(i * (k + 1.0)) + 0.1 * k * std::cos(i));
     }
-    const Matrix<Real> columns = test::transposed(rows);
+    const Matrix<Real> columns = transposed(rows);
     GrowableMatrix<Real, Growth::columns> growing_columns;
     GrowableMatrix<Real, Growth::rows> growing_rows;
     growing_columns.in_Initialize(d, n + 10);
@@ -176,10 +176,10 @@ TWIN_TEST(SampleStatistics, MeanVectorsAndCovariances) {
             EXPECT_EQ(count, expected_count);
             ASSERT_TRUE(mu.vs() == d && spread.mh() == d && spread.mw() == d);
             for (int k = 0; k < d; ++k) {
-                EXPECT_NEAR(mu[k], mean[std::size_t(k)], 100 * test::kEpsilon<Real>);
+                EXPECT_NEAR(mu[k], mean[std::size_t(k)], 100 * kEpsilon<Real>);
                 for (int l = 0; l < d; ++l) {
                     EXPECT_NEAR(spread[k][l], expected[k][l] / expected_count,
-                                100 * test::kEpsilon<Real>);
+                                100 * kEpsilon<Real>);
                     EXPECT_EQ(spread[k][l], spread[l][k]);
                 }
             }
@@ -215,7 +215,7 @@ TWIN_TEST(SampleStatistics, DistancesAndTheirEstimates) {
             for (int k = 0; k < d; ++k) x[k] = Real(std::cos(0.3 * k));
             for (int i = 0; i < n; ++i)
                 for (int k = 0; k < d; ++k) rows[i][k] = Real(std::sin(i + 2.0 * k));
-            const Matrix<Real> columns = test::transposed(rows);
+            const Matrix<Real> columns = transposed(rows);
             std::vector<double> expected;
             for (int i = 0; i < n; ++i) {
                 double sum = 0;
@@ -230,7 +230,7 @@ TWIN_TEST(SampleStatistics, DistancesAndTheirEstimates) {
                 ASSERT_TRUE(g.csd(x, samples, by_column, distances));
                 for (int i = 0; i < n; ++i)
                     ASSERT_NEAR(distances[i], expected[std::size_t(i)],
-                                8 * d * test::kEpsilon<Real> * expected[std::size_t(i)]);
+                                8 * d * kEpsilon<Real> * expected[std::size_t(i)]);
                 Vector<Real> same = x;
                 ASSERT_TRUE(g.csd(same, samples, by_column, same) && same == distances);
                 for (const int k : {1, (n + 1) / 2, n}) {
@@ -239,7 +239,7 @@ TWIN_TEST(SampleStatistics, DistancesAndTheirEstimates) {
                         std::tgamma(d / 2.0 + 1);
                     Real p = 0;
                     ASSERT_TRUE(g.epknne(x, samples, by_column, k, p, &same));
-                    EXPECT_NEAR(p * volume * n / k, 1, 40 * d * test::kEpsilon<Real>);
+                    EXPECT_NEAR(p * volume * n / k, 1, 40 * d * kEpsilon<Real>);
                     EXPECT_TRUE(same == distances);
                     same = x;
                     Real again = 0;
@@ -253,9 +253,8 @@ TWIN_TEST(SampleStatistics, DistancesAndTheirEstimates) {
                     const double ball =
                         std::pow(std::numbers::pi * double(h) * double(h), d / 2.0) /
                         std::tgamma(d / 2.0 + 1);
-                    EXPECT_NEAR(
-                        p * ball * n, count,
-                        1e-3 * test::kEpsilon<Real> + 40 * d * count * test::kEpsilon<Real>);
+                    EXPECT_NEAR(p * ball * n, count,
+                                1e-3 * kEpsilon<Real> + 40 * d * count * kEpsilon<Real>);
                 }
                 // Every sample a query of its own.
                 Vector<Real> all;
@@ -282,9 +281,9 @@ TWIN_TEST(SampleStatistics, EstimatesAtTheirLimits) {
     ASSERT_TRUE(g.epknne(x, samples, true, 2, p, nullptr));  // two samples at the distance 0
     EXPECT_EQ(p, Real(1e15));
     ASSERT_TRUE(g.epknne(x, samples, true, 3, p, nullptr));
-    EXPECT_NEAR(p, 3 / (4.0 * 4), 4 * test::kEpsilon<Real>);
+    EXPECT_NEAR(p, 3 / (4.0 * 4), 4 * kEpsilon<Real>);
     ASSERT_TRUE(g.eppwh(x, samples, true, Real(2), p));  // one of them on the boundary
-    EXPECT_NEAR(p, 3 / (4.0 * 4), 4 * test::kEpsilon<Real>);
+    EXPECT_NEAR(p, 3 / (4.0 * 4), 4 * kEpsilon<Real>);
     ASSERT_TRUE(g.eppwh(vector_of<Real>({2}), samples, true, Real(0), p));
     EXPECT_TRUE(std::isnan(p));
     for (const double bad : {kNan, std::numeric_limits<double>::infinity()}) {
@@ -338,12 +337,12 @@ TWIN_TEST(SampleStatistics, GaussianDensities) {
     Vector<Real> all;
     const auto zero = vector_of<Real>({0});
     ASSERT_TRUE(g.cpgm(zero, zero, unit, p));
-    EXPECT_NEAR(p, 1 / root, test::kEpsilon<Real>);
+    EXPECT_NEAR(p, 1 / root, kEpsilon<Real>);
     ASSERT_TRUE(g.cpgm(vector_of<Real>({1}), zero, unit, p));
-    EXPECT_NEAR(p, std::exp(-2) / root, test::kEpsilon<Real>);
+    EXPECT_NEAR(p, std::exp(-2) / root, kEpsilon<Real>);
     ASSERT_TRUE(g.cpgm(matrix_of<Real>(1, 2, {0, 1}), true, zero, unit, all));
-    EXPECT_NEAR(all[0], 1 / root, test::kEpsilon<Real>);
-    EXPECT_NEAR(all[1], std::exp(-0.5) / root, test::kEpsilon<Real>);
+    EXPECT_NEAR(all[0], 1 / root, kEpsilon<Real>);
+    EXPECT_NEAR(all[1], std::exp(-0.5) / root, kEpsilon<Real>);
 
     const auto S = symmetric_of<Real>(3, {2, 0.5, 0, 0.5, 1, 0.25, 0, 0.25, 3});
     const auto mean = vector_of<Real>({0.5, -1, 0.25});
@@ -353,7 +352,7 @@ TWIN_TEST(SampleStatistics, GaussianDensities) {
     rows.c_Create(n, 3);
     for (int i = 0; i < n; ++i)
         for (int k = 0; k < 3; ++k) rows[i][k] = Real(std::sin(i + 3.0 * k));
-    const Matrix<Real> columns = test::transposed(rows);
+    const Matrix<Real> columns = transposed(rows);
     for (const bool by_column : {true, false}) {
         ASSERT_TRUE(g.cpgm(by_column ? columns : rows, by_column, mean, S, all));
         ASSERT_EQ(all.vs(), n);
@@ -364,11 +363,11 @@ TWIN_TEST(SampleStatistics, GaussianDensities) {
                     q += (double(rows[i][k]) - mean[k]) * S.ge_Get_Element(l, k) *
                          (double(rows[i][l]) - mean[l]);
             const double height = std::sqrt(det) / (root * root * root);
-            EXPECT_NEAR(all[i], height * std::exp(-0.5 * q), 20 * test::kEpsilon<Real>);
+            EXPECT_NEAR(all[i], height * std::exp(-0.5 * q), 20 * kEpsilon<Real>);
             Vector<Real> x;
             rows.gr_Get_Row(i, 0, 3, &x);
             ASSERT_TRUE(g.cpgm(x, mean, S, p));
-            EXPECT_NEAR(p, height * std::exp(-2 * q), 20 * test::kEpsilon<Real>);
+            EXPECT_NEAR(p, height * std::exp(-2 * q), 20 * kEpsilon<Real>);
         }
     }
     Vector<Real> same = mean;
@@ -398,9 +397,9 @@ TEST(SampleStatisticsOnData, ReachTheirDigits) {
                                  {"Michelso", 299.852400000000, 0.0790105478190518, 13.5},
                                  {"Lew", -177.435000000000, 277.332168044316, 14.5}}) {
         const std::string file = std::string(set.name) + ".dat";
-        if (!std::filesystem::exists(test::data_file(file)))
+        if (!std::filesystem::exists(data_file(file)))
             GTEST_SKIP() << "there is no ../shared/data/" << file;
-        std::ifstream stream(test::data_file(file));
+        std::ifstream stream(data_file(file));
         std::string line;
         while (std::getline(stream, line) && line.rfind("Data: Y", 0) != 0) {
         }

@@ -11,26 +11,10 @@
 namespace statistics_test {
 
 using namespace nequar;
-using test::fails_as;
-using test::fails_with;
-using test::vector_of;
+using namespace nequar::test;
 
-inline CNqVectorBool mask_of(std::initializer_list<bool> values) {
-    CNqVectorBool v;
-    v.c_Create(static_cast<int>(values.size()));
-    int i = 0;
-    for (const bool value : values) v[i++] = value;
-    return v;
-}
-
-// By rows, height x width.
-template <class Real>
-Matrix<Real> matrix_of(int height, int width, std::initializer_list<double> values) {
-    Matrix<Real> m;
-    m.c_Create(height, width);
-    int i = 0;
-    for (const double value : values) m.p()[0][i++] = static_cast<Real>(value);
-    return m;
+inline CNqVectorBool mask_of(std::initializer_list<double> values) {
+    return vector_of<bool>(values);
 }
 
 // Packed from a dense matrix given by rows.

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <utility>
 
 #include "structured/packed_support.h"

@@ -20,8 +20,6 @@ struct Enumerated {
     int height, width;
     std::vector<Position> stored = {};
     typename Kind::Packed packed = {};
-    int below = 0, above = 0;  // the bands of a band matrix
-
     // Where the element at column x and row y is stored; -1 where it is not.
     int index(int x, int y) const {
         if (is_mirrored<Kind> && x > y) std::swap(x, y);
@@ -74,8 +72,6 @@ void for_every_shape(const Check& check) {
                         e.packed.c_Create(height, width, p, q);
                         e.stored = band_positions(height, width, p, q);
                     }
-                    e.below = p;
-                    e.above = q;
                     numbered(e);
                 }
             if constexpr (!is_band<Kind>) {

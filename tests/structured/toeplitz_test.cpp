@@ -5,14 +5,13 @@
 #include <numbers>
 #include <utility>
 
-#include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/twins.h"
 
 namespace {
 
 using namespace nequar;
-using test::vector_of;
+using namespace nequar::test;
 
 TWINS(ToeplitzTest);
 
@@ -59,16 +58,8 @@ Matrix<Real> full(const Vector<Real>& r, int n) {
 }
 
 template <class Real>
-Matrix<Real> column(const Vector<Real>& v) {
-    Matrix<Real> m;
-    m.c_Create(v.vs(), 1);
-    for (int i = 0; i < v.vs(); ++i) m[i][0] = v[i];
-    return m;
-}
-
-template <class Real>
 double residual(const Vector<Real>& r, const Vector<Real>& x, const Vector<Real>& b) {
-    return test::solution_residual(full(r, b.vs()), column(x), column(b));
+    return solution_residual(full(r, b.vs()), column_of(x), column_of(b));
 }
 
 TWIN_TEST(ToeplitzTest, SolutionsAndInversesHaveSmallResiduals) {
@@ -103,18 +94,18 @@ TWIN_TEST(ToeplitzTest, SolutionsAndInversesHaveSmallResiduals) {
             Matrix<Real> inverse;
             MatrixSymmetric<Real> packed;
             ASSERT_TRUE(own.fimt_Find_Inverse_Matrix_by_Trench(&inverse, &packed));
-            EXPECT_LT(test::solution_residual(full(r, n), inverse, test::identity_of<Real>(n)), 10);
+            EXPECT_LT(solution_residual(full(r, n), inverse, identity_of<Real>(n)), 10);
             Matrix<Real> unpacked;
             packed.e_Export(&unpacked);
             EXPECT_TRUE(inverse == unpacked);
-            EXPECT_TRUE(inverse == test::transposed(inverse));
+            EXPECT_TRUE(inverse == transposed(inverse));
             for (int i = 0; i < n; ++i)
                 for (int j = 0; j < n; ++j) ASSERT_EQ(inverse[i][j], inverse[n - 1 - j][n - 1 - i]);
             MatrixSymmetric<Real> alone;
             ASSERT_TRUE(own.fimt_Find_Inverse_Matrix_by_Trench(nullptr, &alone));
             alone.e_Export(&unpacked);
-            EXPECT_LE(test::largest_difference(unpacked, inverse),
-                      n * test::kEpsilon<Real> * test::largest_of(inverse));
+            EXPECT_LE(largest_difference(unpacked, inverse),
+                      n * kEpsilon<Real> * largest_of(inverse));
         }
 }
 

@@ -3,24 +3,15 @@
 #include <cmath>
 #include <limits>
 
-#include "support/matrix_gallery.h"
 #include "support/residual.h"
 #include "support/twins.h"
 
 namespace {
 
 using namespace nequar;
-using test::vector_of;
+using namespace nequar::test;
 
 TWINS(VandermondeTest);
-
-template <class Real>
-Matrix<Real> column(const Vector<Real>& v) {
-    Matrix<Real> m;
-    m.c_Create(v.vs(), 1);
-    for (int i = 0; i < v.vs(); ++i) m[i][0] = v[i];
-    return m;
-}
 
 TWIN_TEST(VandermondeTest, InterpolatesAndSolves) {
     const MatrixVandermonde<Real> any;
@@ -48,10 +39,10 @@ TWIN_TEST(VandermondeTest, InterpolatesAndSolves) {
         v.ex_Export(&matrix, &transposed, nullptr);
         auto x = data;
         ASSERT_TRUE(v.sle_Solve_Linear_Equation(x));
-        EXPECT_LT(test::solution_residual(matrix, column(x), column(data)), 10);
+        EXPECT_LT(solution_residual(matrix, column_of(x), column_of(data)), 10);
         x = data;
         ASSERT_TRUE(v.fcp_Find_Coefficients_of_Polynomial(x));
-        EXPECT_LT(test::solution_residual(transposed, column(x), column(data)), 10);
+        EXPECT_LT(solution_residual(transposed, column_of(x), column_of(data)), 10);
 
         // The nodes as their own data: p(t) = t, and the sum of nothing but the first powers.
         x = nodes;
@@ -137,7 +128,7 @@ TWIN_TEST(VandermondeTest, ElementsRowsAndExportsAgree) {
         for (int x = 0; x < n; ++x) {
             const double expected = std::pow(double(nodes[x]), y);
             EXPECT_LE(std::abs(double(matrix[y][x]) - expected),
-                      8 * test::kEpsilon<Real> * std::abs(expected));
+                      8 * kEpsilon<Real> * std::abs(expected));
             EXPECT_EQ(v.ge_Get_Element(x - n, y + 2 * n), matrix[y][x]);
             EXPECT_EQ(row[x], matrix[y][x]);
             EXPECT_EQ(column[x], matrix[x][y]);

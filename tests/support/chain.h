@@ -8,19 +8,7 @@
 
 namespace nequar::test {
 
-// "Class::record" lines, innermost first, as gft_Get_Failure_Trace() hands them out.
-template <class Object>
-std::string chain(const Object& object, std::initializer_list<std::string> records) {
-    std::string text;
-    for (const std::string& record : records) {
-        if (!text.empty()) text += '\n';
-        text += object.gcn_Get_Class_Name().c_str();
-        text += "::" + record;
-    }
-    return text;
-}
-
-// The other way round: the records without the name of the object's class.
+// The records, innermost first, without the name of the object's class.
 template <class Object>
 std::string records_of(const Object& object) {
     std::string text = object.gft_Get_Failure_Trace().c_str();
@@ -32,16 +20,24 @@ std::string records_of(const Object& object) {
 
 // Whether a call that answered `done` failed, and left this detail (these records) on the object.
 template <class Object>
-testing::AssertionResult fails_with(const Object& object, const std::string& detail, bool done) {
+::testing::AssertionResult fails_with(const Object& object, const std::string& detail, bool done) {
     const std::string found = object.ged_Get_Error_Detail().c_str();
-    if (!done && found == detail) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "done: " << done << ", \"" << found << "\" is left";
+    if (!done && found == detail) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "done: " << done << ", \"" << found << "\" is left";
 }
 template <class Object>
-testing::AssertionResult fails_as(const Object& object, const std::string& records, bool done) {
+::testing::AssertionResult fails_as(const Object& object, const std::string& records, bool done) {
     const std::string found = records_of(object);
-    if (!done && found == records) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "done: " << done << ", \"" << found << "\" is left";
+    if (!done && found == records) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "done: " << done << ", \"" << found << "\" is left";
+}
+
+template <class Object>
+::testing::AssertionResult fails_as(const Object& object,
+                                    std::initializer_list<std::string> records, bool done) {
+    std::string joined;
+    for (const std::string& record : records) joined += (joined.empty() ? "" : "\n") + record;
+    return fails_as(object, joined, done);
 }
 
 }  // namespace nequar::test

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cctype>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>

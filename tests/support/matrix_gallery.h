@@ -39,13 +39,22 @@ Matrix<Real> matrix_of(int height, int width, Function element) {
     return a;
 }
 
-template <class Real>
-Vector<Real> vector_of(std::initializer_list<double> values) {
-    Vector<Real> v;
+// With these elements, matrices row by row.
+template <class Element>
+Vector<Element> vector_of(std::initializer_list<double> values) {
+    Vector<Element> v;
     v.c_Create(static_cast<int>(values.size()));
-    int i = 0;
-    for (const double value : values) v[i++] = static_cast<Real>(value);
+    std::transform(values.begin(), values.end(), v.p(),
+                   [](double value) { return static_cast<Element>(value); });
     return v;
+}
+template <class Real>
+Matrix<Real> matrix_of(int height, int width, std::initializer_list<double> values) {
+    Matrix<Real> a;
+    a.c_Create(height, width);
+    std::transform(values.begin(), values.end(), a.p()[0],
+                   [](double value) { return static_cast<Real>(value); });
+    return a;
 }
 
 // From the upper triangle.

@@ -15,7 +15,7 @@ namespace nequar::test {
 template <class Real, class Solve>
 void expect_solves(const Matrix<Real>& a, int k, double bound, const Solve& solve) {
     const int n = a.mh();
-    SCOPED_TRACE(testing::Message() << "n = " << n << ", k = " << k);
+    SCOPED_TRACE(::testing::Message() << "n = " << n << ", k = " << k);
     const Matrix<Real> b = random_matrix<Real>(n, k, 8);
     const Matrix<Real> given = a;
     Matrix<Real> x;
@@ -39,7 +39,7 @@ void expect_solves(const Matrix<Real>& a, int k, double bound, const Solve& solv
 
 template <class Real, class Invert>
 void expect_inverts(const Matrix<Real>& a, double bound, const Invert& invert) {
-    SCOPED_TRACE(testing::Message() << "n = " << a.mh());
+    SCOPED_TRACE(::testing::Message() << "n = " << a.mh());
     const Matrix<Real> given = a;
     Matrix<Real> inverse;
     ASSERT_TRUE(invert(&given, &inverse));
@@ -55,7 +55,7 @@ template <class Real, class Solve>
 void expect_solves_arrays(const Matrix<Real>& a, int k, double bound, const Solve& solve) {
     const Matrix<Real> b = random_matrix<Real>(a.mh(), k, 8);
     for (const bool row_major : {true, false}) {
-        SCOPED_TRACE(testing::Message() << "n = " << a.mh() << ", by rows: " << row_major);
+        SCOPED_TRACE(::testing::Message() << "n = " << a.mh() << ", by rows: " << row_major);
         Matrix<Real> data = row_major ? b : transposed(b);
         ASSERT_TRUE(solve(data.p()[0], row_major, k, a.mh()));
         EXPECT_LT(solution_residual(a, row_major ? data : transposed(data), b), bound);

@@ -86,20 +86,20 @@ public:
 
 private:
     template <class Object>
-    const char* solve_dense(int method, bool is_from_symmetric, const Matrix<Real>* a,
-                            const Object* b, Object* x) const;
+    bool solve_dense(int method, bool is_from_symmetric, const Matrix<Real>* a, const Object* b,
+                     Object* x) const;
     template <class Object>
-    const char* solve_symmetric(int method, const MatrixSymmetric<Real>* a, const Object* b,
-                                Object* x) const;
-    const char* invert_dense(int method, bool is_from_symmetric, const Matrix<Real>* a,
-                             Matrix<Real>* inverse) const;
-    const char* invert_symmetric(int method, const MatrixSymmetric<Real>* a,
-                                 Matrix<Real>* inverse) const;
+    bool solve_symmetric(int method, const MatrixSymmetric<Real>* a, const Object* b,
+                         Object* x) const;
+    bool invert_dense(int method, bool is_from_symmetric, const Matrix<Real>* a,
+                      Matrix<Real>* inverse) const;
+    bool invert_symmetric(int method, const MatrixSymmetric<Real>* a, Matrix<Real>* inverse) const;
     template <class Object>
     bool solve(int method, const Matrix<Real>* a, const Object* b, Object* x) const;
     template <class Object>
     bool solve(int method, const MatrixSymmetric<Real>* a, const Object* b, Object* x) const;
     bool import_symmetric(const Matrix<Real>* a, MatrixSymmetric<Real>* symmetric) const;
+    bool export_dense(int method, const MatrixSymmetric<Real>* a, Matrix<Real>* dense) const;
     bool solve_within(const char* method, const Matrix<Real>* a, const Matrix<Real>& basis,
                       Vector<Real>* y, Vector<Real>* x) const;
 };

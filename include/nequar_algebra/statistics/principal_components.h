@@ -22,7 +22,7 @@ namespace nequar {
 /// successful `cevvcm_…` until the next input or `c_Create`; asking before is reported as "Not
 /// valid". Beside the details named below there are "out of memory" and "cannot size the output".
 ///
-/// Matrices of order above 32 are decomposed by QR steps instead of Jacobi rotations: the same
+/// Matrices of order 10 and above are decomposed by QR steps instead of Jacobi rotations: the same
 /// within rounding, but components may have the other sign.
 ///
 /// Eigenvalues are those of the scatter matrix, the sum (not the mean) of the outer products of the

@@ -12,6 +12,8 @@ namespace {
 // Blocks pay when the trailing matrix is large beside a panel.
 constexpr Size kSmallestBlockedSize = 32;
 constexpr Size kTall = 100;  // so high, columns are worth copying out whatever the width
+// So few columns are reduced one by one: coupling their reflectors would cost more than it saves.
+constexpr Size kNarrow = 12;
 
 Size largest(Size a, Size b, Size c) {
     const Size of_two = a > b ? a : b;
@@ -39,6 +41,16 @@ void qr_plain(View<Real> a, const QrTargets<Real>& targets, Scratch<Real> scratc
         if (b.width > 0)
             reflect_from_left(reading(u), b.rows(k, height), Strided<Real>(w, b.width));
     }
+}
+
+// The same on a copy of A that is stored column by column.
+template <class Real>
+void qr_in_columns(View<Real> a, const QrTargets<Real>& targets, Scratch<Real> scratch) {
+    const View<Real> columns = scratch_by_columns(scratch.take(a.width * padded_length(a.height)),
+                                                  a.height, a.width, a.row_stride);
+    kernel::copy(reading(a), columns);
+    qr_plain(columns, targets, scratch);
+    kernel::copy(reading(columns), a);
 }
 
 // P (rows x width) := R with leftovers, U its reflectors, S their coupling (strictly upper).
@@ -142,11 +154,16 @@ template <class Real>
 void qr_into(View<Real> a, const QrTargets<Real>& targets, QrBlocking blocking,
              Scratch<Real> scratch) {
     const Size block = block_of_qr(a.height, a.width, blocking);
-    if (block <= 1)
-        qr_plain(a, targets, scratch);
-    else
+    if (block > 1 && (a.width > kNarrow || blocking.block > 0)) {
         qr_blocked(a, targets, block, blocking.leaf > 0 ? blocking.leaf : 64 / Size(sizeof(Real)),
                    scratch);
+        return;
+    }
+    if (block <= 1 || a.row_stride == 1 || a.row_stride == -1)
+        qr_plain(a, targets, scratch);
+    else
+        qr_in_columns(a, targets, scratch);
+    if (block > 1 && targets.store != nullptr) finish_store(*targets.store);
 }
 
 template <class Real>

@@ -7,19 +7,38 @@
 
 namespace nequar {
 
+namespace {
+
+template <class Real>
+bool find_largest_finite(Strided<const Real> line, Real& largest) {
+    const Real here = std::abs(line(kernel::index_of_largest_magnitude(line)));
+    if (!(here <= largest)) largest = here;
+    // A sum is not finite when an element is not; large finite ones may overflow it.
+    if (std::isfinite(kernel::sum_of_magnitudes(line))) return true;
+    for (Size j = 0; j < line.size; ++j)
+        if (!std::isfinite(line(j))) return false;
+    return true;
+}
+
+}  // namespace
+
 template <class Real>
 bool find_largest_finite(View<const Real> a, Real& largest) {
     largest = 0;
     if (a.is_empty()) return true;
     if (std::abs(a.column_stride) > std::abs(a.row_stride)) a = a.transposed();
-    for (Size i = 0; i < a.height; ++i) {
-        const Strided<const Real> row = a.row(i);
-        const Real here = std::abs(row(kernel::index_of_largest_magnitude(row)));
-        if (!(here <= largest)) largest = here;
-        if (std::isfinite(kernel::sum_of_magnitudes(row))) continue;
-        for (Size j = 0; j < a.width; ++j)
-            if (!std::isfinite(row(j))) return false;
+    if (a.column_stride == 1 && a.row_stride == a.width) {  // one after another: no short rows
+        constexpr Size kStretch = 2048;
+        const Size count = a.height * a.width;
+        for (Size i = 0; i < count; i += kStretch)
+            if (!find_largest_finite(
+                    Strided<const Real>(a.data + i, count - i < kStretch ? count - i : kStretch),
+                    largest))
+                return false;
+        return true;
     }
+    for (Size i = 0; i < a.height; ++i)
+        if (!find_largest_finite(a.row(i), largest)) return false;
     return true;
 }
 

@@ -18,13 +18,13 @@ Size RotationSweeps<Real>::width_of_strip(Size rows) {
 template <class Real>
 Size RotationSweeps<Real>::scratch(Size rows) {
     using S = Scratch<Real>;
-    return S::rounded(2 * rows * kCapacity) + S::rounded(rows * width_of_strip(rows));
+    return S::rounded(2 * rows * capacity_of(rows)) + S::rounded(rows * width_of_strip(rows));
 }
 
 template <class Real>
 RotationSweeps<Real>::RotationSweeps(Real* elements, Size rows) : rows_(rows) {
     Scratch<Real> scratch(elements);
-    pairs_ = scratch.take(stride() * kCapacity);
+    pairs_ = scratch.take(stride() * capacity_of(rows));
     strip_ = scratch.take(rows * width_of_strip(rows));
 }
 

@@ -38,7 +38,7 @@ public:
 
     RotationSweeps(Real* elements, Size rows);
 
-    bool is_full() const { return count_ == kCapacity; }
+    bool is_full() const { return count_ == capacity_of(rows_); }
 
     // Records one more sweep, of the rotations first ... last - 1, 0 <= first < last < rows, all of
     // which the caller writes: that of rows i and i + 1 to [2 i] and [2 i + 1] of the answer. Not
@@ -52,8 +52,8 @@ public:
     void apply(View<Real> a, Size reach);
 
 private:
-    static constexpr Size kCapacity = 96;  // sweeps of a batch
-    static constexpr Size kGroup = 12;     // sweeps that go over one range of rows together
+    static constexpr Size kCapacity = 192;  // sweeps of a batch
+    static constexpr Size kGroup = 12;      // sweeps that go over one range of rows together
 
     struct Range {
         Size first;
@@ -64,6 +64,8 @@ private:
     Range range_of(Size begin, Size end) const;
     void fill_with_identity(Size sweep, Size first, Size last);
     void turn_into_shears(Size sweep, Size first, Size last);
+    // What fits a cache matters less than how often a large matrix is gathered and scattered.
+    static Size capacity_of(Size rows) { return rows < 400 ? kCapacity / 2 : kCapacity; }
     static Size width_of_strip(Size rows);
 
     Real* pairs_;
