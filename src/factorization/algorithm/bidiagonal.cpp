@@ -19,7 +19,7 @@ constexpr Size kSmallestBlockedSize = 72;
 // Columns that stay in the first-level cache between their two uses.
 template <class Real>
 Size columns_at_hand(Size height) {
-    constexpr Size bytes = 32 * 1024;
+    constexpr Size bytes = Size(32) * 1024;
     const Size columns = bytes / (height * Size(sizeof(Real)) + 1) / 4 * 4;
     return columns < 4 ? 4 : columns > 64 ? 64 : columns;
 }

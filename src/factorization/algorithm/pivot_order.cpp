@@ -105,7 +105,7 @@ Size last_largest_magnitude(Strided<const Real> candidates) {
     const Size last = candidates.size - 1;
     const Strided<const Real> reversed(&candidates(last), candidates.size, -candidates.stride);
     const Size at = kernel::index_of_largest_magnitude(reversed);
-    return reversed(at) != reversed(at) ? 0 : last - at;
+    return std::isnan(reversed(at)) ? 0 : last - at;
 }
 
 template <class Real>
