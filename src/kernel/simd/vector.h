@@ -152,19 +152,19 @@ NEQUAR_INLINE Vector<Real> lesser(Vector<Real> a, Vector<Real> b) {
 #if NEQUAR_VECTOR_BYTES == 64 && defined(__AVX512F__)
 template <>
 NEQUAR_INLINE Vector<double> larger<double>(Vector<double> a, Vector<double> b) {
-    return _mm512_max_pd(a, b);
+    return _mm512_maskz_max_pd(0xff, a, b);  // unmasked, g++ 12 warns of an operand of its own
 }
 template <>
 NEQUAR_INLINE Vector<float> larger<float>(Vector<float> a, Vector<float> b) {
-    return _mm512_max_ps(a, b);
+    return _mm512_maskz_max_ps(0xffff, a, b);
 }
 template <>
 NEQUAR_INLINE Vector<double> lesser<double>(Vector<double> a, Vector<double> b) {
-    return _mm512_min_pd(a, b);
+    return _mm512_maskz_min_pd(0xff, a, b);  // unmasked, g++ 12 warns of an operand of its own
 }
 template <>
 NEQUAR_INLINE Vector<float> lesser<float>(Vector<float> a, Vector<float> b) {
-    return _mm512_min_ps(a, b);
+    return _mm512_maskz_min_ps(0xffff, a, b);
 }
 #elif NEQUAR_VECTOR_BYTES == 32 && defined(__AVX__)
 template <>
