@@ -6,9 +6,8 @@ namespace bench {
 #define NEQUAR_WITH(make, ...) make<double, __VA_ARGS__>, make<float, __VA_ARGS__>
 #define NEQUAR_PATTERN(make, pattern) make<double, Pattern::pattern>, make<float, Pattern::pattern>
 
-#define NEQUAR_SPARSE(operation)                         \
-    make_sparse<double, SparseOperation::operation>, \
-        make_sparse<float, SparseOperation::operation>
+#define NEQUAR_SPARSE(operation) \
+    make_sparse<double, SparseOperation::operation>, make_sparse<float, SparseOperation::operation>
 #define NEQUAR_LEVEL1(work, squared) NEQUAR_WITH(make_level1, VectorWork::work, squared)
 
 std::span<const Row> row_table() {
@@ -38,6 +37,11 @@ std::span<const Row> row_table() {
         {"pack", "packed symmetric, i_Import; LAPACK packs one triangle",
          NEQUAR_WITH(make_packing, false)},
         {"unpack", "e_Export; LAPACK unpacks one triangle", NEQUAR_WITH(make_packing, true)},
+        {"pack/t", "i_Import; the peers transpose",
+         NEQUAR_WITH(make_packing_beside_transpose, false)},
+        {"unpack/t", "e_Export; the peers transpose",
+         NEQUAR_WITH(make_packing_beside_transpose, true)},
+        {"syrk", "the lower triangle of A A', kernel layer", NEQUAR_BOTH(make_symmetric_product)},
         {"trsm", "T X = B, n right-hand sides, kernel layer", NEQUAR_WITH(make_triangle, false)},
         {"trtri", "inverse of a lower triangle", NEQUAR_WITH(make_triangle, true)},
         {"solve GJ 1", "full pivoting, sgj", NEQUAR_BOTH(make_gauss_jordan)},
@@ -45,6 +49,7 @@ std::span<const Row> row_table() {
         {"LUP", "P A = L U in place, partial pivoting, u_dlup", NEQUAR_BOTH(make_lup)},
         {"Cholesky", "A = L L' in place, u_dch", NEQUAR_WITH(make_cholesky, true)},
         {"Cholesky U", "A = U U' in place; peers A = L L'", NEQUAR_WITH(make_cholesky, false)},
+        {"determinant", "d", NEQUAR_BOTH(make_determinant)},
         {"solve LU 1", "one right-hand side, slu", NEQUAR_BOTH(make_solve_lu_vector)},
         {"solve LU n", "n right-hand sides, slu", NEQUAR_BOTH(make_solve_lu_matrix)},
         {"solve LUP 1", "one right-hand side, slup", NEQUAR_BOTH(make_solve_lup_vector)},

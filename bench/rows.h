@@ -3,8 +3,8 @@
 #pragma once
 
 #include "case.h"
-#include "peers/sparse.h"
 #include "peers/level12.h"
+#include "peers/sparse.h"
 
 namespace bench {
 
@@ -30,6 +30,14 @@ template <class Real, bool in_place>
 Case make_transpose(Size n);
 template <class Real, bool exports>
 Case make_packing(Size n);
+// The same beside plain transpositions of the matrix.
+template <class Real, bool exports>
+Case make_packing_beside_transpose(Size n);
+// The lower triangle of A A', n x n; the determinant.
+template <class Real>
+Case make_symmetric_product(Size n);
+template <class Real>
+Case make_determinant(Size n);  // d_
 // T X = B with n right-hand sides, and the inverse of T, T lower triangular.
 template <class Real, bool inverse>
 Case make_triangle(Size n);

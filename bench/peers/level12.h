@@ -18,14 +18,16 @@ enum class MatrixWork {
     transpose,
     transpose_in_place,
     pack,
-    unpack
+    unpack,
+    symmetric_product,  // the lower triangle of A A'
+    determinant
 };
 
 template <class Real>
 struct Level12Peer {
     // z = x + y, z = wx x + wy y, x'y, |x|; x and y are columns
     PeerTask<Real> (*vectors)(VectorWork work, const Problem<Real>& x, const Problem<Real>& y);
-    // A x, A'x, A', and the packed triangle of a symmetric A, and back; x is a column
+    // A x, A'x, A', the packed triangle of a symmetric A, and back, A A' and |A|; x is a column
     PeerTask<Real> (*pass)(MatrixWork work, const Problem<Real>& a, const Problem<Real>& x);
     // T X = B with the lower triangle of T, and its inverse
     PeerTask<Real> (*solve_triangle)(const Problem<Real>& t, const Problem<Real>& b);

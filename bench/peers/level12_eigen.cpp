@@ -84,6 +84,19 @@ PeerTask<Real> pass(MatrixWork work, const Problem<Real>& a, const Problem<Real>
                         return PeerResult<Real>{rows_of<Real>(s->a), {}};
                     }};
         }
+        case MatrixWork::symmetric_product:
+            return {[s] {
+                        s->c.template triangularView<Eigen::Lower>().setZero();
+                        s->c.template selfadjointView<Eigen::Lower>().rankUpdate(s->a);
+                    },
+                    [s] {
+                        return PeerResult<Real>{rows_of<Real>(s->c), {}};
+                    }};
+        case MatrixWork::determinant:
+            return {[s] { s->value = s->a.determinant(); },
+                    [s] {
+                        return PeerResult<Real>{{s->value}, {}};
+                    }};
         default:
             return {};
     }

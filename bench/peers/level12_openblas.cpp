@@ -24,7 +24,10 @@ extern "C" {
                   const Real*, const Real*, const int*, Real*, const int*, std::size_t,           \
                   std::size_t, std::size_t, std::size_t);                                         \
     void p##trtri_(const char*, const char*, const int*, Real*, const int*, int*, std::size_t,    \
-                   std::size_t);
+                   std::size_t);                                                                  \
+    void p##syrk_(const char*, const char*, const int*, const int*, const Real*, const Real*,     \
+                  const int*, const Real*, Real*, const int*, std::size_t, std::size_t);          \
+    void p##getrf_(const int*, const int*, Real*, const int*, int*, int*);
 NEQUAR_ROUTINES(double, d)
 NEQUAR_ROUTINES(float, s)
 #undef NEQUAR_ROUTINES
@@ -51,6 +54,8 @@ struct Routines;
         static constexpr auto tpttr = p##tpttr_;       \
         static constexpr auto trsm = p##trsm_;         \
         static constexpr auto trtri = p##trtri_;       \
+        static constexpr auto syrk = p##syrk_;         \
+        static constexpr auto getrf = p##getrf_;       \
     };
 NEQUAR_ROUTINES(double, d)
 NEQUAR_ROUTINES(float, s)
@@ -144,6 +149,29 @@ PeerTask<Real> pass(MatrixWork work, const Problem<Real>& a, const Problem<Real>
             return {run, [s, run] {
                         if (!s->transposed) run();
                         return result_of(s->a.columns, s->n, s->n);
+                    }};
+        }
+        case MatrixWork::symmetric_product:
+            return {[s] {
+                        Call::syrk("L", "N", &s->n, &s->n, &one, s->a.columns.data(), &s->n, &zero,
+                                   s->packed.data(), &s->n, 1, 1);
+                    },
+                    [s] { return result_of(s->packed, s->n, s->n); }};
+        case MatrixWork::determinant: {
+            const auto pivots = std::make_shared<std::vector<int>>(static_cast<std::size_t>(s->n));
+            return {[s, pivots] {
+                        std::copy(s->a.columns.begin(), s->a.columns.end(), s->packed.begin());
+                        Call::getrf(&s->n, &s->n, s->packed.data(), &s->n, pivots->data(),
+                                    &s->info);
+                        s->value = 1;
+                        for (int i = 0; i < s->n; ++i) {
+                            const auto k = static_cast<std::size_t>(i);
+                            s->value *= s->packed[k * static_cast<std::size_t>(s->n + 1)];
+                            if ((*pivots)[k] != i + 1) s->value = -s->value;
+                        }
+                    },
+                    [s] {
+                        return PeerResult<Real>{{s->value}, {}};
                     }};
         }
         case MatrixWork::pack:

@@ -190,20 +190,23 @@ Case make_transpose(Size n) {
     return one;
 }
 
-// Our triangle is packed by diagonals, that of LAPACK by columns.
+namespace {
+
+// Ours alone: a symmetric matrix packed by diagonals.
+template <class Real>
+struct Packing {
+    Problem<Real> a;
+    typename Twin<Real>::Matrix matrix, out;
+    typename Twin<Real>::Symmetric packed;
+    std::vector<double> expected;
+};
+
 template <class Real, bool exports>
-Case make_packing(Size n) {
-    struct Objects {
-        Problem<Real> a;
-        typename Twin<Real>::Matrix matrix, out;
-        typename Twin<Real>::Symmetric packed;
-        std::vector<double> expected;
-    };
-    const auto s = std::make_shared<Objects>(Objects{definite_matrix<Real>(n), {}, {}, {}, {}});
+Case make_our_packing(const std::shared_ptr<Packing<Real>>& s) {
     s->matrix = matrix_of(s->a);
     s->expected = in_double(s->a.rows);
     s->packed.i_Import(&s->matrix);
-    Case one{static_cast<double>(n) * static_cast<double>(n), {}};
+    Case one{static_cast<double>(s->a.count()), {}};
     const auto run = [s] {
         if constexpr (exports)
             s->packed.e_Export(&s->out);
@@ -214,6 +217,17 @@ Case make_packing(Size n) {
                                   s->packed.e_Export(&s->out);
                                   return difference(rows_of(s->out), s->expected, 0.1);
                               }});
+    return one;
+}
+
+}  // namespace
+
+// LAPACK packs one triangle by columns.
+template <class Real, bool exports>
+Case make_packing(Size n) {
+    const auto s =
+        std::make_shared<Packing<Real>>(Packing<Real>{definite_matrix<Real>(n), {}, {}, {}, {}});
+    Case one = make_our_packing<Real, exports>(s);
     const auto error_of_peer = [s, n](const std::vector<Real>& rows) {
         if constexpr (exports) return difference(rows, s->expected, 0.1);
         std::vector<double> columns;
@@ -226,6 +240,93 @@ Case make_packing(Size n) {
     add_peers<Real>(
         one, [&](const Level12Peer<Real>& peer) { return peer.pass(work, s->a, s->a); },
         error_of_peer);
+    return one;
+}
+
+template <class Real, bool exports>
+Case make_packing_beside_transpose(Size n) {
+    const auto s =
+        std::make_shared<Packing<Real>>(Packing<Real>{definite_matrix<Real>(n), {}, {}, {}, {}});
+    Case one = make_our_packing<Real, exports>(s);
+    add_peers<Real>(
+        one,
+        [&](const Level12Peer<Real>& peer) { return peer.pass(MatrixWork::transpose, s->a, s->a); },
+        [s](const std::vector<Real>& rows) { return difference(rows, s->expected, 0.1); });
+    return one;
+}
+
+template <class Real>
+Case make_symmetric_product(Size n) {
+    struct Operands {
+        Problem<Real> a;
+        std::vector<Real> c;
+    };
+    const auto s = std::make_shared<Operands>(Operands{random_matrix<Real>(n, n, 3), {}});
+    s->c.resize(s->a.count());
+    const auto size = static_cast<double>(n);
+    Case one{size * size * (size + 1), {}};
+    const auto run = [s, n] {
+        nequar::kernel::syrk<Real>(nequar::kernel::Triangle::lower, Real(1),
+                                   {s->a.rows.data(), n, n, n}, nequar::kernel::Update::set,
+                                   {s->c.data(), n, n, n});
+    };
+    const auto error = [s, n](std::vector<Real> c) {
+        if (c.size() < s->a.count()) return kWrong;
+        for (Size i = 0; i < n; ++i)
+            for (Size j = 0; j < i; ++j)
+                c[static_cast<std::size_t>(j * n + i)] = c[static_cast<std::size_t>(i * n + j)];
+        return error_of_product(s->a, false, s->a, true, c);
+    };
+    one.contenders.push_back({Who::nequar, run, [=] { return error(s->c); }});
+    add_peers<Real>(
+        one,
+        [&](const Level12Peer<Real>& peer) {
+            return peer.pass(MatrixWork::symmetric_product, s->a, s->a);
+        },
+        error);
+    return one;
+}
+
+// A = I + u v', |A| = 1 + v'u.
+template <class Real>
+Case make_determinant(Size n) {
+    struct Objects {
+        Problem<Real> a;
+        typename Twin<Real>::Matrix matrix;
+        typename Twin<Real>::Solver solver;
+        Real value = 0;
+        std::vector<double> expected;
+    };
+    const auto s = std::make_shared<Objects>(Objects{Problem<Real>(n, n), {}, {}, 0, {}});
+    const Problem<Real> u = random_matrix<Real>(n, 1, 6), v = random_matrix<Real>(n, 1, 7);
+    const double scale = 0.5 / static_cast<double>(n);
+    double determinant = 1;
+    for (Size i = 0; i < n; ++i) {
+        const double ui = u.rows[static_cast<std::size_t>(i)];
+        determinant += scale * ui * v.rows[static_cast<std::size_t>(i)];
+        for (Size j = 0; j < n; ++j)
+            s->a.rows[static_cast<std::size_t>(i * n + j)] = static_cast<Real>(
+                (i == j ? 1 : 0) + scale * ui * v.rows[static_cast<std::size_t>(j)]);
+    }
+    s->a.columns_from_rows();
+    s->expected = {determinant};
+    s->matrix = matrix_of(s->a);
+    const auto size = static_cast<double>(n);
+    Case one{2.0 / 3 * size * size * size, {}};
+    const auto error = [s, size](const std::vector<Real>& value) {
+        return difference(value, s->expected, 2 + std::sqrt(size));
+    };
+    one.contenders.push_back({Who::nequar,
+                              [s] {
+                                  if (!s->solver.d_Determinant(&s->matrix, s->value)) s->value = 0;
+                              },
+                              [=] { return error({s->value}); }});
+    add_peers<Real>(
+        one,
+        [&](const Level12Peer<Real>& peer) {
+            return peer.pass(MatrixWork::determinant, s->a, s->a);
+        },
+        error);
     return one;
 }
 
@@ -339,8 +440,14 @@ NEQUAR_BOTH(make_transpose, false)
 NEQUAR_BOTH(make_transpose, true)
 NEQUAR_BOTH(make_packing, false)
 NEQUAR_BOTH(make_packing, true)
+NEQUAR_BOTH(make_packing_beside_transpose, false)
+NEQUAR_BOTH(make_packing_beside_transpose, true)
 NEQUAR_BOTH(make_triangle, false)
 NEQUAR_BOTH(make_triangle, true)
+template Case make_symmetric_product<double>(Size);
+template Case make_symmetric_product<float>(Size);
+template Case make_determinant<double>(Size);
+template Case make_determinant<float>(Size);
 template Case make_gauss_jordan<double>(Size);
 template Case make_gauss_jordan<float>(Size);
 

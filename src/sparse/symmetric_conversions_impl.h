@@ -119,9 +119,10 @@ bool SparseSymmetricMatrix<Real>::ex(SparseMatrix<Real>* m, Matrix<Real>* a) con
     }
     if (m != nullptr) {
         m->zet_s(this->get_Get_Error_Trace_mode());
-        const FullBlock<Real> full{columns, 0, 0, n, n, true};
+        const auto create = [&](int expected) { return m->czm(n, n, expected); };
         const Gathered outcome =
-            gather(full, *m, [&](int expected) { return m->czm(n, n, expected); });
+            is_gapless(columns) ? gather(FullMatrix<Real>{columns}, *m, create)
+                                : gather(FullBlock<Real>{columns, 0, 0, n, n, true}, *m, create);
         if (outcome == Gathered::no_scratch) return this->fail("2", kName);
         if (outcome != Gathered::done) {
             this->adopt_failure_of(*m);

@@ -534,7 +534,10 @@ void unpack_symmetric_strip(const Bands<const Real>& bands, Size j, Size r, Size
             out += row;
         }
         transpose_in_registers<Real>(v);
-        NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) store(across + q * row, v[q]);
+        NEQUAR_UNROLL for (Size q = 0; q < lanes; ++q) {
+            prefetch_for_writing(across + q * row + kAhead<Real>);
+            store(across + q * row, v[q]);
+        }
         across += lanes;
     }
     for (; r < end; r += lanes) {

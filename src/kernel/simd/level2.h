@@ -283,7 +283,8 @@ template <class Real>
 void ger(Size m, Size n, Real alpha, const Real* x, Size sx, const Real* y, Size sy,
          Block<Real> a) {
     if (m <= 0 || n <= 0) return;
-    if (a.column_stride != 1 && a.row_stride == 1) {
+    // Along the contiguous way; a single contiguous column is a row of the transpose.
+    if (a.row_stride == 1 && (a.column_stride != 1 || n == 1) && m > 1) {
         ger(n, m, alpha, y, sy, x, sx, {a.data, a.column_stride, a.row_stride});
         return;
     }

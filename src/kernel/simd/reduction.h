@@ -2,7 +2,7 @@
 // latency of the addition nor its order is that of a single chain; strided ones into four.
 #pragma once
 
-#include "kernel/simd/vector.h"
+#include "kernel/simd/shuffle.h"
 
 namespace nequar::kernel::NEQUAR_UNIT {
 
@@ -98,27 +98,38 @@ Real squares_about(Size n, const Real* x, Real centre) {
     });
 }
 
+// Down to one lane.
+template <unsigned half, class Real, class Better>
+NEQUAR_INLINE Real best_lane(Vector<Real> v, Better better) {
+    Vector<Real> other = v;
+    exchange<half>(v, other);
+    v = better(v, other);
+    if constexpr (half > 1) return best_lane<half / 2, Real>(v, better);
+    return v[0];
+}
+
 // The best of n elements and `other`, better(a, b) lane by lane; NaN is none better.
 template <class Real, class Better>
 NEQUAR_INLINE Real extremum(Size n, const Real* x, Real other, Better better) {
     constexpr Size lanes = kLanes<Real>;
-    Vector<Real> best[4];
-    NEQUAR_UNROLL for (unsigned u = 0; u < 4; ++u) best[u] = broadcast(other);
+    Vector<Real> best[kAccumulators];
+    NEQUAR_UNROLL for (unsigned u = 0; u < kAccumulators; ++u) best[u] = broadcast(other);
     Size i = 0;
-    for (; i + 4 * lanes <= n; i += 4 * lanes) {
-        NEQUAR_UNROLL for (unsigned u = 0; u < 4; ++u) {
+    for (; i + Size(kAccumulators) * lanes <= n; i += Size(kAccumulators) * lanes) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < kAccumulators; ++u) {
             best[u] = better(load(x + i + Size(u) * lanes), best[u]);
         }
     }
     for (; i + lanes <= n; i += lanes) best[0] = better(load(x + i), best[0]);
-    for (; i < n; ++i) best[1] = better(broadcast(x[i]), best[1]);
-    best[0] = better(better(best[0], best[1]), better(best[2], best[3]));
-    Vector<Real> lane[unsigned(kLanes<Real>)];
-    NEQUAR_UNROLL for (Size l = 0; l < lanes; ++l) lane[l] = broadcast(best[0][l]);
-    NEQUAR_UNROLL for (Size half = lanes / 2; half > 0; half /= 2) {
-        NEQUAR_UNROLL for (Size l = 0; l < half; ++l) lane[l] = better(lane[l], lane[l + half]);
+    if (i < n && n >= lanes) {
+        best[1] = better(load(x + n - lanes), best[1]);  // some elements once more
+    } else {
+        for (; i < n; ++i) best[1] = better(broadcast(x[i]), best[1]);
     }
-    return lane[0][0];
+    NEQUAR_UNROLL for (unsigned half = kAccumulators / 2; half > 0; half /= 2) {
+        NEQUAR_UNROLL for (unsigned u = 0; u < half; ++u) best[u] = better(best[u], best[u + half]);
+    }
+    return best_lane<unsigned(kLanes<Real>) / 2, Real>(best[0], better);
 }
 
 template <class Real>
@@ -128,7 +139,7 @@ Real largest(Size n, const Real* x, Real other) {
 
 template <class Real>
 Real smallest(Size n, const Real* x, Real other) {
-    return extremum(n, x, other, [](Vector<Real> a, Vector<Real> b) { return a < b ? a : b; });
+    return extremum(n, x, other, [](Vector<Real> a, Vector<Real> b) { return lesser<Real>(a, b); });
 }
 
 template <class Real>

@@ -140,11 +140,50 @@ NEQUAR_INLINE Vector<Real> magnitude(Vector<Real> v) {
                                           VectorTraits<Real>::kMagnitude);
 }
 
-// Lane by lane the larger one; b where a is NaN.
+// Lane by lane the larger (lesser) one; b where either is NaN, and where both are zero.
 template <class Real>
 NEQUAR_INLINE Vector<Real> larger(Vector<Real> a, Vector<Real> b) {
     return a > b ? a : b;
 }
+template <class Real>
+NEQUAR_INLINE Vector<Real> lesser(Vector<Real> a, Vector<Real> b) {
+    return a < b ? a : b;
+}
+#if NEQUAR_VECTOR_BYTES == 64 && defined(__AVX512F__)
+template <>
+NEQUAR_INLINE Vector<double> larger<double>(Vector<double> a, Vector<double> b) {
+    return _mm512_maskz_max_pd(0xff, a, b);  // unmasked, g++ 12 warns of an operand of its own
+}
+template <>
+NEQUAR_INLINE Vector<float> larger<float>(Vector<float> a, Vector<float> b) {
+    return _mm512_maskz_max_ps(0xffff, a, b);
+}
+template <>
+NEQUAR_INLINE Vector<double> lesser<double>(Vector<double> a, Vector<double> b) {
+    return _mm512_maskz_min_pd(0xff, a, b);  // unmasked, g++ 12 warns of an operand of its own
+}
+template <>
+NEQUAR_INLINE Vector<float> lesser<float>(Vector<float> a, Vector<float> b) {
+    return _mm512_maskz_min_ps(0xffff, a, b);
+}
+#elif NEQUAR_VECTOR_BYTES == 32 && defined(__AVX__)
+template <>
+NEQUAR_INLINE Vector<double> larger<double>(Vector<double> a, Vector<double> b) {
+    return _mm256_max_pd(a, b);
+}
+template <>
+NEQUAR_INLINE Vector<float> larger<float>(Vector<float> a, Vector<float> b) {
+    return _mm256_max_ps(a, b);
+}
+template <>
+NEQUAR_INLINE Vector<double> lesser<double>(Vector<double> a, Vector<double> b) {
+    return _mm256_min_pd(a, b);
+}
+template <>
+NEQUAR_INLINE Vector<float> lesser<float>(Vector<float> a, Vector<float> b) {
+    return _mm256_min_ps(a, b);
+}
+#endif
 
 // Halves are added to halves, in every variant.
 template <class Real>

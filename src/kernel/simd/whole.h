@@ -174,6 +174,20 @@ void copy_matrix(Size m, Size n, Block<const Real> a, Block<Real> b) {
 
 // ---- in place ----------------------------------------------------------------------------------
 
+// The same for few elements, one by one.
+template <class Real>
+__attribute__((noinline)) void exchange_elements(Size height, Size width, Real* p, Real* q,
+                                                 Size row) {
+    for (Size i = 0; i < height; ++i) {
+        const Size end = p == q ? i : width;
+        for (Size j = 0; j < end; ++j) {
+            const Real old = p[i * row + j];
+            p[i * row + j] = q[j * row + i];
+            q[j * row + i] = old;
+        }
+    }
+}
+
 // Two blocks across the diagonal change places, each transposed: P (height x width) at (i, j) and
 // Q (width x height) at (j, i); P = Q on the diagonal. Blocks are squares of a vector but at the
 // ends.
@@ -193,7 +207,12 @@ NEQUAR_INLINE void exchange_transposed(Size height, Size width, Real* p, Real* q
         NEQUAR_UNROLL for (unsigned i = 0; i < lanes; ++i) store(q + i * row, columns[i]);
         return;
     }
-    exchange_parts(height, width, p, q, row);
+    const Size pairs = p == q ? height * (height - 1) / 2 : height * width;
+    if (pairs <= 2 * Size(lanes)) {
+        exchange_elements(height, width, p, q, row);
+    } else {
+        exchange_parts(height, width, p, q, row);
+    }
 }
 
 template <class Real>

@@ -9,6 +9,7 @@
 //     ColumnsHalf   elements of one triangle of a sparse matrix, as a lower triangle
 //     FullBlock     a block of the symmetric matrix of which the lower half is stored
 //     FullColumn    a part of one of its columns
+//     FullMatrix    all of it
 //
 // The upper triangle is mirrored: element (r, c), r <= c, is visited as row c of column r.
 #pragma once
@@ -188,6 +189,23 @@ private:
     }
 };
 
+// The full matrix, where the columns of the half lie without gaps (`is_gapless`). Its elements are
+// counted in the order in which they lie, and placed in one walk: loops over single short columns
+// would cost more than what they do.
+template <class Real>
+struct FullMatrix {
+    Columns<Real> a;
+
+    Size width() const { return a.width; }
+};
+
+template <class Real>
+bool is_gapless(const Columns<Real>& a) {
+    bool ordered = a.start[0] == 0 && a.start[a.width] == a.count;
+    for (Size c = 0; c < a.width; ++c) ordered &= a.start[c] <= a.start[c + 1];
+    return ordered;
+}
+
 struct ElementCounter {
     int* start;
     Size total = 0;
@@ -235,15 +253,61 @@ Size count_elements(const Source& source, int* start) {
     return counter.total;
 }
 
-// Fills rows and values from what count_elements found; start[c + 1] becomes the end of column c.
-template <class Source, class Real>
-void put_elements(const Source& source, int* start, int* rows, Real* values) {
+template <class Real>
+Size count_elements(const FullMatrix<Real>& full, int* start) {
+    const Columns<Real>& a = full.a;
+    std::fill(start, start + a.width + 1, 0);
+    for (Size k = 0; k < a.count; ++k)
+        if (a.rows[k] >= 0 && a.rows[k] < a.width) ++start[a.rows[k] + 1];
+    Size total = 0;
+    for (Size c = 0; c < a.width; ++c) {
+        const int begin = a.start[c];
+        const int length = a.start[c + 1] - begin;
+        start[c + 1] += length - (length > 0 && a.rows[begin] == c ? 1 : 0);
+        total += start[c + 1];
+    }
+    return total;
+}
+
+// From lengths to beginnings.
+inline void accumulate_lengths(int* start, Size width) {
     int begin = 0;
-    for (Size c = 0; c < source.width(); ++c) {
+    for (Size c = 0; c < width; ++c) {
         const int length = start[c + 1];
         start[c + 1] = begin;
         begin += length;
     }
+}
+
+// When its own elements are placed, the mirrored ones of a column stand. An element of the diagonal
+// is its own mirror image.
+template <class Real>
+void put_elements(const FullMatrix<Real>& full, int* start, int* rows, Real* values) {
+    const Columns<Real>& a = full.a;
+    accumulate_lengths(start, a.width);
+    int k = 0;
+    for (int c = 0; c < a.width; ++c) {
+        int own = start[c + 1];
+        const int end = a.start[c + 1];
+        start[c + 1] += end - k;
+        for (; k < end; ++k, ++own) {
+            const int row = a.rows[k];
+            const Real value = a.values[k];
+            rows[own] = row;
+            values[own] = value;
+            if (row < 0 || row >= a.width) continue;
+            const int to = row == c ? own : start[row + 1];
+            start[row + 1] += row == c ? 0 : 1;
+            rows[to] = c;
+            values[to] = value;
+        }
+    }
+}
+
+// Fills rows and values from what count_elements found; start[c + 1] becomes the end of column c.
+template <class Source, class Real>
+void put_elements(const Source& source, int* start, int* rows, Real* values) {
+    accumulate_lengths(start, source.width());
     ElementPlacer<Real> placer{start, rows, values};
     source.each(placer);
 }

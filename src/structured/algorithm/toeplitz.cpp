@@ -6,14 +6,44 @@
 namespace nequar {
 namespace {
 
+// So few elements go one by one: a vector of what was just written element by element would wait
+// for its parts longer than this takes.
+constexpr Size kFew = 12;
+
 template <class Real>
 Real dot(Size n, const Real* x, const Real* y) {
+    if (n <= kFew) {
+        Real even = 0;
+        Real odd = 0;
+        Size i = 0;
+        for (; i + 1 < n; i += 2) {
+            even += x[i] * y[i];
+            odd += x[i + 1] * y[i + 1];
+        }
+        return i < n ? even + x[i] * y[i] + odd : even + odd;
+    }
     return kernel::dot(Strided<const Real>(x, n), Strided<const Real>(y, n));
 }
 
 template <class Real>
 void axpy(Size n, Real alpha, const Real* x, Real* y) {
+    if (n <= kFew) {
+        for (Size i = 0; i < n; ++i) y[i] += alpha * x[i];
+        return;
+    }
     kernel::axpy(alpha, Strided<const Real>(x, n), Strided<Real>(y, n));
+}
+
+// x_i += alpha x_(n-1-i)
+template <class Real>
+void add_reversed(Size n, Real alpha, Real* x) {
+    if (n > kFew) return kernel::add_reversed(n, alpha, x);
+    for (Size i = 0, j = n - 1; i <= j; ++i, --j) {
+        const Real low = x[i];
+        const Real high = x[j];
+        x[i] = low + alpha * high;
+        x[j] = high + alpha * low;
+    }
 }
 
 // out := x / first
@@ -35,7 +65,7 @@ public:
 
     // y := ( y + alpha J y,  alpha )
     void grow(Real alpha) {
-        kernel::add_reversed(order_, alpha, end_ - order_);
+        add_reversed(order_, alpha, end_ - order_);
         ++order_;
         end_[-order_] = alpha;
     }
