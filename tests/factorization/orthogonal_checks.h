@@ -29,14 +29,6 @@ struct Dense {
 };
 
 template <class Real>
-Dense<Real> dense_of(View<const Real> a) {
-    Dense<Real> result(a.height, a.width);
-    for (Size i = 0; i < a.height; ++i)
-        for (Size j = 0; j < a.width; ++j) result(i, j) = a(i, j);
-    return result;
-}
-
-template <class Real>
 Dense<Real> random_dense(Size height, Size width, unsigned seed = 1) {
     std::mt19937 bits(seed);
     std::uniform_real_distribution<double> uniform(-1, 1);
@@ -108,9 +100,9 @@ struct StatedReflection {
 // The matrix whose elements on and above the diagonal are those of R.
 template <class Real>
 Dense<Real> upper_triangle_of(View<const Real> r) {
-    Dense<Real> result = dense_of(r);
+    Dense<Real> result(r.height, r.width);
     for (Size i = 0; i < r.height; ++i)
-        for (Size j = 0; j < r.width && j < i; ++j) result(i, j) = 0;
+        for (Size j = i; j < r.width; ++j) result(i, j) = r(i, j);
     return result;
 }
 

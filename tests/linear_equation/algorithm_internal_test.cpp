@@ -1,5 +1,6 @@
 // Gauss-Jordan elimination and the condition estimate: the algorithms.
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "factorization/algorithm/condition.h"
@@ -31,7 +32,7 @@ Matrix<Real> inverse_of(const Matrix<Real>& a) {
     return inverse;
 }
 
-// A and B end as the plain loops leave them, negative pivots and zero blocks included.
+// A and B end as the plain loops leave them, exchanges and negative pivots included.
 TWIN_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
     for (const int n : {0, 1, 2, 3, 8, 17, 40}) {
         for (const int k : {0, 1, 5, n}) {
@@ -41,6 +42,9 @@ TWIN_TEST(SolveAlgorithm, GaussJordanFollowsTheScheme) {
                                              : integer_matrix<Real>(n, n, 3, 4);
                 if (kind == 2)
                     for (int j = 0; j < n; ++j) a[n / 2][j] = 0;
+                if (kind == 1)  // the pivots lie below the diagonal, so that rows are exchanged
+                    for (int i = 0; i + 1 < n; ++i)
+                        for (int j = 0; j < n; ++j) std::swap(a[i][j], a[i + 1][j]);
                 Matrix<Real> b = random_matrix<Real>(n, k, 3);
                 const Matrix<Real> a0 = a;
                 const Matrix<Real> b0 = b;

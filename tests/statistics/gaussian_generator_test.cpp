@@ -14,8 +14,6 @@ namespace {
 
 using namespace statistics_test;
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 template <class Real>
 class GaussianGeneratorTest : public testing::Test {
 protected:

@@ -12,7 +12,6 @@ namespace {
 
 using namespace statistics_test;
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr const char* kAnalyse = "cevvcm_Calculate_Eigen_Values_and_Vectors_of_Covariance_Matrix";
 
 template <class Real>

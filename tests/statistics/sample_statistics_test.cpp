@@ -15,8 +15,6 @@ namespace {
 
 using namespace statistics_test;
 
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
 template <class Real>
 class SampleStatistics : public testing::Test {
 protected:

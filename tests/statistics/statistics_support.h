@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <limits>
 #include <string>
 
 #include "nequar_algebra/statistics.h"
@@ -12,6 +13,8 @@ namespace statistics_test {
 
 using namespace nequar;
 using namespace nequar::test;
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 inline CNqVectorBool mask_of(std::initializer_list<double> values) {
     return vector_of<bool>(values);
