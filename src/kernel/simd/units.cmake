@@ -16,7 +16,7 @@ if(NEQUAR_SANITIZE MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND NEQUAR_UNIT_OPTIONS --param=asan-instrumentation-with-call-threshold=64)
 endif()
 
-set_source_files_properties(${NEQUAR_UNIT_DIR}/../level23.cpp PROPERTIES
+set_source_files_properties(${NEQUAR_UNIT_DIR}/../level23.cpp ${NEQUAR_UNIT_DIR}/../small.cpp PROPERTIES
   COMPILE_OPTIONS "-fno-tree-slp-vectorize")
 set_source_files_properties(${NEQUAR_UNIT_DIR}/baseline.cpp PROPERTIES
   COMPILE_OPTIONS "${NEQUAR_UNIT_OPTIONS}")
