@@ -56,10 +56,10 @@ Case make_gemm(Size n) {
         const nequar::View<const Real> plain(rows.data(), n, n, n);
         return transposed ? plain.transposed() : plain;
     };
-    const auto run = [=] {
-        nequar::kernel::gemm<Real>(
-            Real(1), view(s->a.rows, transposes_a(pattern)), view(s->b.rows, transposes_b(pattern)),
-            nequar::kernel::Update::set, nequar::View<Real>(s->c.data(), n, n, n));
+    const auto run = [s, a = view(s->a.rows, transposes_a(pattern)),
+                      b = view(s->b.rows, transposes_b(pattern)),
+                      c = nequar::View<Real>(s->c.data(), n, n, n)] {
+        nequar::kernel::gemm<Real>(Real(1), a, b, nequar::kernel::Update::set, c);
     };
     one.contenders.insert(one.contenders.begin(), {Who::nequar, run, [s] {
                                                        return error_of_product(
@@ -77,12 +77,10 @@ Case make_thin_gemm(Size n) {
         Operands<Real>{random_matrix<Real>(m, k, 3), random_matrix<Real>(k, width, 4),
                        std::vector<Real>(static_cast<std::size_t>(m * width))});
     Case one = peers_only<Real, Pattern::nn>(s);
-    const auto run = [=] {
-        using nequar::View;
-        nequar::kernel::gemm<Real>(Real(1), View<const Real>(s->a.rows.data(), m, k, k),
-                                   View<const Real>(s->b.rows.data(), k, width, width),
-                                   nequar::kernel::Update::set,
-                                   View<Real>(s->c.data(), m, width, width));
+    const auto run = [s, a = nequar::View<const Real>(s->a.rows.data(), m, k, k),
+                      b = nequar::View<const Real>(s->b.rows.data(), k, width, width),
+                      c = nequar::View<Real>(s->c.data(), m, width, width)] {
+        nequar::kernel::gemm<Real>(Real(1), a, b, nequar::kernel::Update::set, c);
     };
     one.contenders.insert(
         one.contenders.begin(),

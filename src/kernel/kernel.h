@@ -118,6 +118,9 @@ template <class Real> Size lu_small(Rounding rounding, const View<const Real>& f
 // may be `from`; nothing depends on the strict lower triangles, and they are not written. Answers -1, or, with `to`
 // untouched, the first pivot that is not above zero.
 template <class Real> Size cholesky_small(Rounding rounding, const View<const Real>& from, const View<Real>& to);
+// P A = L U of a square A with partial pivoting, in place, order up to kSmallOrder; products and
+// differences are rounded one by one. The pivots, and what is answered, are those of `lu_panel`.
+template <class Real> Size lu_pivoted_small(const View<Real>& a, int* pivots);
 // P A = L U of an m x w panel with partial pivoting, m >= w: row c of t (w x m, contiguous rows with
 // kPanelPadding elements behind each) is column c of the panel. pivots[k] >= k is the row exchanged with
 // row k, the first of the largest; NaN is never chosen. A column without a pivot is passed over. Answers

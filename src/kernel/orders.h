@@ -5,7 +5,7 @@
 
 namespace nequar::kernel {
 
-// The largest order of `lu_small` and `cholesky_small`.
+// The largest order of `lu_small`, `lu_pivoted_small` and `cholesky_small`.
 inline constexpr std::ptrdiff_t kSmallOrder = 64;
 
 // Elements behind each row of the transposed panel of `lu_panel` that are the kernel's own.

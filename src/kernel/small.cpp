@@ -19,6 +19,11 @@ Size cholesky_small(Rounding rounding, const View<const Real>& from, const View<
 }
 
 template <class Real>
+Size lu_pivoted_small(const View<Real>& a, int* pivots) {
+    return table<Real>().lu_pivoted_small(a.height, block_of(a), pivots);
+}
+
+template <class Real>
 Size lu_panel(Rounding rounding, const View<Real>& t, int* pivots) {
     return table<Real>().lu_panel(rounding == Rounding::fused, t.height, t.width, t.data,
                                   t.row_stride, pivots);
@@ -56,6 +61,7 @@ void symv_upper(const View<const Real>& a, const Real* x, Real* y) {
 #define NEQUAR_INSTANTIATE(Real)                                                              \
     template Size lu_small(Rounding, const View<const Real>&, const int*, const View<Real>&); \
     template Size cholesky_small(Rounding, const View<const Real>&, const View<Real>&);       \
+    template Size lu_pivoted_small(const View<Real>&, int*);                                  \
     template Size lu_panel(Rounding, const View<Real>&, int*);                                \
     template void last_largest_of_columns(const View<const Real>&, const int*, Size, Real*,   \
                                           Real*);                                             \

@@ -95,10 +95,11 @@ struct Table {
     void (*pack_symmetric)(std::ptrdiff_t n, Block<const Real> a, Real* packed);
 
     // ---- eliminations of what is small, or a step: see kernel.h ----
-    std::ptrdiff_t (*lu_small)(bool fused, std::ptrdiff_t n, Block<const Real> from,
-                               const int* rows, Block<Real> to);
-    std::ptrdiff_t (*cholesky_small)(bool fused, std::ptrdiff_t n, Block<const Real> from,
-                                     Block<Real> to);
+    std::ptrdiff_t (*lu_small)(bool fused, std::ptrdiff_t n, const Block<const Real>& from,
+                               const int* rows, const Block<Real>& to);
+    std::ptrdiff_t (*cholesky_small)(bool fused, std::ptrdiff_t n, const Block<const Real>& from,
+                                     const Block<Real>& to);
+    std::ptrdiff_t (*lu_pivoted_small)(std::ptrdiff_t n, const Block<Real>& a, int* pivots);
     std::ptrdiff_t (*lu_panel)(bool fused, std::ptrdiff_t w, std::ptrdiff_t m, Real* t,
                                std::ptrdiff_t stride, int* pivots);
     void (*last_largest_of_columns)(std::ptrdiff_t m, std::ptrdiff_t w, const Real* a,

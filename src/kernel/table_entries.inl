@@ -39,6 +39,7 @@
 .pack_symmetric = pack_symmetric<Real>,
 .lu_small = lu_small<Real>,
 .cholesky_small = cholesky_small<Real>,
+.lu_pivoted_small = lu_pivoted_small<Real>,
 .lu_panel = lu_panel<Real>,
 .last_largest_of_columns = last_largest_of_columns<Real>,
 .eliminate_column = eliminate_column<Real>,

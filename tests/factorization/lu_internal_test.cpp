@@ -243,5 +243,30 @@ TWIN_TEST(LuAlgorithm, PartialPivotingTakesTheFirstOfEqualsAndFinishesSingularOn
     EXPECT_EQ(determinant_from_lu(reading(view_of(&lu.a)), lu.interchanges), Real(-1));
 }
 
+// Row by row or as a panel: the same operations.
+TYPED_TEST(LuAlgorithm, PartialPivotingOfSmallMatricesHasTheBitsOfThePanel) {
+    using Real = TypeParam;
+    const Real hard[] = {0,
+                         1,
+                         -1,
+                         std::numeric_limits<Real>::denorm_min(),
+                         std::numeric_limits<Real>::infinity(),
+                         std::numeric_limits<Real>::quiet_NaN()};
+    for (int n = 1; n <= 32; ++n) {
+        for (int kind = 0; kind < 8; ++kind) {
+            Matrix<Real> a = test::random_matrix<Real>(n, n, unsigned(n));
+            for (int i = 0; i < n && kind < 6; ++i) a[i][n / 2] = hard[kind];  // a whole column
+            if (kind == 6) a[n / 2][n / 3] = hard[5];
+            if (kind == 7) a = test::identity_of<Real>(n);
+            const Lu<Real> rows = lu_partial_of(a);
+            const Lu<Real> panel = lu_partial_of(a, {32, 16, 0});
+            EXPECT_TRUE(same_bits(rows.a, panel.a)) << "n = " << n << ", kind " << kind;
+            EXPECT_EQ(rows.perm, panel.perm);
+            EXPECT_EQ(rows.interchanges, panel.interchanges);
+            EXPECT_EQ(rows.outcome.index, panel.outcome.index);
+        }
+    }
+}
+
 }  // namespace
 }  // namespace nequar

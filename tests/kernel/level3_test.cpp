@@ -36,7 +36,8 @@ TWIN_TEST(Level3, ProductsAgreeInEveryLayout) {
     // Nothing at all; then packed blocks, their edges, and shapes that are thin one way.
     const Shape shapes[] = {{0, 0, 3},       {0, 5, 3},     {5, 0, 3},      {5, 4, 0},
                             {130, 131, 129}, {97, 33, 601}, {13, 290, 301}, {301, 7, 290},
-                            {5, 517, 90},    {517, 5, 90},  {260, 250, 3}};
+                            {5, 517, 90},    {517, 5, 90},  {260, 250, 3},  {40, 3, 70},
+                            {17, 8, 300},    {21, 4, 1100}, {30, 60, 530}};
     with_each(
         [](const Table<Real>* table, const Shape& shape, Layout la, Layout lb) {
             expect_product(table, shape, la, lb, kLayouts[(int(la) + int(lb)) % 5], int(la) % 2);
@@ -54,26 +55,28 @@ TWIN_TEST(Level3, ProductsAgreeInEveryLayout) {
 
 TWIN_TEST(Level3, NaNAndInfinityReachExactlyTheirRowsAndColumns) {
     with_each(
-        [](const Table<Real>* table, Size n, Layout layout) {
-            Operand<Real> a(n, n, layout), b(n, n, layout), c(n, n, Layout::rows);
+        [](const Table<Real>* table, std::array<Size, 2> shape, Layout layout) {
+            const auto [n, w] = shape;
+            Operand<Real> a(n, n, layout), b(n, w, layout), c(n, w, Layout::rows);
             a.randomize(1);
             b.randomize(2);
-            for (Size j = 0; j < n; ++j) b(n - 1, j) = 0;
+            for (Size j = 0; j < w; ++j) b(n - 1, j) = 0;
             a(n / 2, n - 1) = kInfinity<Real>;  // infinity times zero
-            b(2, n - 3) = kNaN<Real>;
-            table->gemm(n, n, n, Real(1), a.reading(), b.reading(), false, c.block());
+            b(2, w - 3) = kNaN<Real>;
+            table->gemm(n, w, n, Real(1), a.reading(), b.reading(), false, c.block());
             Size wrong = 0;
             for (Size i = 0; i < n; ++i)
-                for (Size j = 0; j < n; ++j)
-                    wrong += std::isnan(c(i, j)) != (i == n / 2 || j == n - 3);
+                for (Size j = 0; j < w; ++j)
+                    wrong += std::isnan(c(i, j)) != (i == n / 2 || j == w - 3);
             EXPECT_EQ(wrong, 0);
-            Operand<Real> again(n, n, Layout::rows);  // what is computed twice is the same bits
-            table->gemm(n, n, n, Real(1), a.reading(), b.reading(), false, again.block());
+            Operand<Real> again(n, w, Layout::rows);  // what is computed twice is the same bits
+            table->gemm(n, w, n, Real(1), a.reading(), b.reading(), false, again.block());
             EXPECT_EQ(largest_difference(c, again), Real(0));
-            table->gemm(n, n, n, Real(0), a.reading(), b.reading(), true, c.block());
+            table->gemm(n, w, n, Real(0), a.reading(), b.reading(), true, c.block());
             EXPECT_TRUE(std::isnan(c(n / 2, 0))) << "alpha = 0 skips nothing";
         },
-        variants<Real>(), Sizes{9, 40, 150},
+        variants<Real>(),
+        std::array<std::array<Size, 2>, 4>{{{9, 9}, {40, 40}, {150, 150}, {150, 3}}},
         std::array{Layout::rows, Layout::columns, Layout::spread});
 }
 

@@ -69,6 +69,20 @@ private:
     Real* panel_;
 };
 
+// False when there is no memory for the panel.
+template <class Real>
+[[gnu::noinline]] bool factor_by_panels(View<Real> a, int* pivots,
+                                        const LuPartialBlocking& blocking, Size& zero) {
+    const Size n = a.height;
+    const bool is_plain = n <= blocking.plain;
+    const Size width = is_plain ? n : std::min(n, blocking.panel);
+    Workspace<Real, 16384> panel(width * panel_stride<Real>(n));
+    if (!panel) return false;
+    const auto rounding = is_plain ? kernel::Rounding::separate : kernel::Rounding::fused;
+    zero = Factorization<Real>(rounding, width, panel.data()).factor(a, pivots);
+    return true;
+}
+
 }  // namespace
 
 template <class Real>
@@ -77,12 +91,12 @@ Outcome lu_partial_in_place(View<Real> a, int* perm, int& interchanges,
     const Size n = a.height;
     Workspace<int, 1024> pivots(n);
     if (!pivots) return {OutcomeKind::no_memory};
-    const bool is_plain = n <= blocking.plain;
-    const Size width = is_plain ? n : std::min(n, blocking.panel);
-    Workspace<Real, 16384> panel(width * panel_stride<Real>(n));
-    if (!panel) return {OutcomeKind::no_memory};
-    const auto rounding = is_plain ? kernel::Rounding::separate : kernel::Rounding::fused;
-    const Size zero = Factorization<Real>(rounding, width, panel.data()).factor(a, pivots.data());
+    Size zero = -1;
+    if (n <= std::min(blocking.rows, blocking.plain)) {
+        zero = kernel::lu_pivoted_small(a, pivots.data());
+    } else if (!factor_by_panels(a, pivots.data(), blocking, zero)) {
+        return {OutcomeKind::no_memory};
+    }
     interchanges = 0;
     for (Size i = 0; i < n; ++i) perm[i] = static_cast<int>(i);
     for (Size k = 0; k < n; ++k) {

@@ -13,7 +13,8 @@
 //                 L21 := P2 L21                rows exchanged
 //
 // It ends at narrow panels, which are factored on a transposed copy, so that columns are
-// contiguous.
+// contiguous. The smallest matrices go row by row as they are; a matrix no larger than `plain` has
+// the same bits either way.
 //
 // What is not a number is never chosen. A column without a pivot, all zero where it is sought, is
 // passed over: its multipliers stay zero and the elimination goes on, so that on failure too
@@ -31,6 +32,7 @@ namespace nequar {
 struct LuPartialBlocking {
     Size plain = 32;  // the largest order that is one panel, eliminated without fused operations
     Size panel = 16;  // the width at which the recursion ends
+    Size rows = 32;   // the largest order that goes row by row, `plain` and kSmallOrder at most
 };
 
 // Fails as singular with the first column whose pivot is exactly zero, all columns done.

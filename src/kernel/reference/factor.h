@@ -3,6 +3,7 @@
 //   lu_small         A = L U                    row by row, no search
 //   cholesky_small   A = U^T U                  on the upper triangle
 //   lu_panel         P A = L U, m x w           column by column, held transposed
+//   lu_pivoted_small P A = L U, n x n           the same on a transposed copy
 #pragma once
 
 #include <cmath>
@@ -13,7 +14,8 @@
 namespace nequar::kernel::reference {
 
 template <class Real>
-Size lu_small(bool /*fused*/, Size n, Block<const Real> from, const int* rows, Block<Real> to) {
+Size lu_small(bool /*fused*/, Size n, const Block<const Real>& from, const int* rows,
+              const Block<Real>& to) {
     Real a[kSmallOrder][kSmallOrder];
     for (Size i = 0; i < n; ++i) {
         for (Size j = 0; j < n; ++j) a[i][j] = at(from, rows != nullptr ? rows[i] : i, j);
@@ -33,7 +35,7 @@ Size lu_small(bool /*fused*/, Size n, Block<const Real> from, const int* rows, B
 }
 
 template <class Real>
-Size cholesky_small(bool /*fused*/, Size n, Block<const Real> from, Block<Real> to) {
+Size cholesky_small(bool /*fused*/, Size n, const Block<const Real>& from, const Block<Real>& to) {
     Real u[kSmallOrder][kSmallOrder];
     for (Size i = 0; i < n; ++i) {
         for (Size j = i; j < n; ++j) u[i][j] = at(from, i, j);
@@ -78,6 +80,19 @@ Size lu_panel(bool /*fused*/, Size w, Size m, Real* t, Size stride, int* pivots)
         for (Size c = k + 1; c < w; ++c) {
             for (Size i = k + 1; i < m; ++i) t[c * stride + i] -= t[c * stride + k] * column[i];
         }
+    }
+    return zero;
+}
+
+template <class Real>
+Size lu_pivoted_small(Size n, const Block<Real>& a, int* pivots) {
+    Real t[kSmallOrder][kSmallOrder];
+    for (Size i = 0; i < n; ++i) {
+        for (Size j = 0; j < n; ++j) t[j][i] = at(a, i, j);
+    }
+    const Size zero = lu_panel(false, n, n, t[0], kSmallOrder, pivots);
+    for (Size i = 0; i < n; ++i) {
+        for (Size j = 0; j < n; ++j) at(a, i, j) = t[j][i];
     }
     return zero;
 }

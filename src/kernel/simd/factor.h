@@ -206,7 +206,8 @@ Size eliminate_square(Size n, Real* a, Size stride) {
 }
 
 template <class Real>
-Size lu_small(bool fused, Size n, Block<const Real> from, const int* rows, Block<Real> to) {
+Size lu_small(bool fused, Size n, const Block<const Real>& from, const int* rows,
+              const Block<Real>& to) {
     if (n <= 0) return -1;
     Square<Real> square;
     Real* a = square.elements;
@@ -283,8 +284,43 @@ Size cholesky_square(Size n, Real* a, Size stride) {
     return -1;
 }
 
+// The same where every step waits for the one before it, n <= kFewPivots: one pivot at a time, the
+// next one computed ahead of the rows. Rows are read as they were written, in whole vectors.
+inline constexpr Size kFewPivots = 16;
+
 template <class Real>
-Size cholesky_small(bool fused, Size n, Block<const Real> from, Block<Real> to) {
+Size cholesky_by_rows(Size n, Real* a, Size stride) {
+    constexpr Size lanes = kLanes<Real>;
+    Real next = a[0];
+    for (Size k = 0; k < n; ++k) {
+        if (!(next > 0)) return k;
+        Real* const u = a + k * stride;
+        const Real pivot = root_of(next);
+        if (k + 1 < n) {
+            const Real ahead = u[k + 1] / pivot;
+            next = diminished<false>(u[stride + k + 1], ahead, ahead);
+        }
+        const Vector<Real> pivots = broadcast(pivot);
+        for (Size j = k / lanes * lanes; j < n; j += lanes) {
+            const Vector<Real> v = load(static_cast<const Real*>(u + j));
+            store(u + j, v / pivots);
+        }
+        Real* row = u + stride;
+        for (Size i = k + 1; i < n; ++i, row += stride) {
+            const Vector<Real> factor = broadcast(u[i]);
+            for (Size j = i / lanes * lanes; j < n; j += lanes) {
+                const Vector<Real> v = load(static_cast<const Real*>(row + j));
+                store(row + j,
+                      diminished<false, Real>(v, factor, load(static_cast<const Real*>(u + j))));
+            }
+        }
+        u[k] = pivot;
+    }
+    return -1;
+}
+
+template <class Real>
+Size cholesky_small(bool fused, Size n, const Block<const Real>& from, const Block<Real>& to) {
     if (n <= 0) return -1;
     Square<Real> square;
     Real* a = square.elements;
@@ -293,8 +329,9 @@ Size cholesky_small(bool fused, Size n, Block<const Real> from, Block<Real> to) 
     for (Size i = 0; i < n; ++i) {
         take_row(i, n, from.data + i * from.row_stride, from.column_stride, a + i * stride, last);
     }
-    const Size stopped = fused ? cholesky_square<Real, true>(n, a, stride)
-                               : cholesky_square<Real, false>(n, a, stride);
+    const Size stopped = fused             ? cholesky_square<Real, true>(n, a, stride)
+                         : n <= kFewPivots ? cholesky_by_rows<Real>(n, a, stride)
+                                           : cholesky_square<Real, false>(n, a, stride);
     if (stopped >= 0) return stopped;
     for (Size i = 0; i < n; ++i) {
         give_row(i, n, static_cast<const Real*>(a + i * stride), to.data + i * to.row_stride,

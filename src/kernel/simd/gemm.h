@@ -22,6 +22,7 @@
 #pragma once
 
 #include "kernel/memory.h"
+#include "kernel/simd/few_columns.h"
 #include "kernel/simd/pack.h"
 #include "kernel/simd/tile.h"
 
@@ -503,6 +504,12 @@ void gemm(Size m, Size n, Size k, Real alpha, const Block<const Real>& a,
         gemm(n, m, k, alpha, transposed(b), transposed(a), accumulate, transposed(c));
         return;
     }
+#if NEQUAR_VECTOR_BYTES == 64
+    if (n <= kFewColumns<Real> && a.column_stride == 1 && pays_with_few_columns<Real>(m, n, k)) {
+        multiply_few_columns(m, n, k, alpha, a, b, accumulate, c);
+        return;
+    }
+#endif
     const bool in_place = b.column_stride == 1 || n == 1;
     if ((c.column_stride != 1 && n > 1) || m <= 0 || n <= 0 || k <= 0 ||
         m * n * Size(sizeof(Real)) > kNearBytes ||

@@ -6,6 +6,7 @@
 #include "kernel/simd/factor.h"
 #include "kernel/simd/gemm.h"
 #include "kernel/simd/level2.h"
+#include "kernel/simd/pivoted.h"
 #include "kernel/simd/reduction.h"
 #include "kernel/simd/rotations.h"
 #include "kernel/simd/triangular.h"
