@@ -17,7 +17,7 @@ namespace nequar::test {
 template <class Fixture, class Test>
 bool register_twin(const char* suite, const char* real, const char* name, const char* file,
                    int line) {
-    ::testing::RegisterTest((std::string(suite) + '/' + real).c_str(), name, real, nullptr, file,
+    ::testing::RegisterTest((std::string(suite) + '/' + real).c_str(), name, nullptr, nullptr, file,
                             line, []() -> Fixture* { return new Test; });
     return true;
 }
