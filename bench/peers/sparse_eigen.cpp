@@ -1,6 +1,8 @@
 // Eigen's sparse matrices, by columns as ours.
 #include <Eigen/Dense>
 #include <Eigen/Sparse>
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include "peers/sparse.h"
@@ -102,7 +104,7 @@ SparseTask<Real> sparse_task(SparseOperation operation, const SparseProblem<Real
                 const double mean = (2 * double(half.sum()) - double(diagonal.sum())) / elements;
                 const double squares =
                     2 * double(half.squaredNorm()) - double(diagonal.squaredNorm());
-                s->number = std::sqrt(squares / elements - mean * mean);
+                s->number = std::sqrt(std::max(0.0, squares / elements - mean * mean));
             };
             break;
         case SparseOperation::reads:

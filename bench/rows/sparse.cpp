@@ -159,9 +159,17 @@ double error_of(SparseOperation operation, const SparseProblem<Real>& p,
                 const SparseResult<Real>& result) {
     const double right = expected(operation, p);
     const double got = gives_matrix(operation) ? image(result.matrix) : result.number;
-    const double terms = double(p.a.values.size()) + 10;
-    return std::abs(got - right) /
-           (terms * std::numeric_limits<Real>::epsilon() * std::max(std::abs(right), 1e-30));
+    const double bound =
+        (double(p.a.values.size()) + 10) * double(std::numeric_limits<Real>::epsilon());
+    const auto error_beside_norm = [&](SparseOperation norm) {
+        return std::abs(got * got - right * right) * double(p.a.width) * double(p.a.width) /
+               (bound * std::pow(expected(norm, p), 2));
+    };
+    // A variance is as good as the mean square that it is part of.
+    if (operation == SparseOperation::deviation) return error_beside_norm(SparseOperation::norm);
+    if (operation == SparseOperation::symmetric_deviation)
+        return error_beside_norm(SparseOperation::symmetric_norm);
+    return std::abs(got - right) / (bound * std::max(std::abs(right), 1e-30));
 }
 
 // ---- ours ---------------------------------------------------------------------------------------

@@ -244,8 +244,7 @@ TWIN_TEST(LuAlgorithm, PartialPivotingTakesTheFirstOfEqualsAndFinishesSingularOn
 }
 
 // Row by row or as a panel: the same operations.
-TYPED_TEST(LuAlgorithm, PartialPivotingOfSmallMatricesHasTheBitsOfThePanel) {
-    using Real = TypeParam;
+TWIN_TEST(LuAlgorithm, PartialPivotingOfSmallMatricesHasTheBitsOfThePanel) {
     const Real hard[] = {0,
                          1,
                          -1,
