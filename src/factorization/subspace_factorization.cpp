@@ -146,7 +146,7 @@ bool SubspaceFactorization<Real>::rev_Rank_based_on_Eigen_Value_decomposition(co
     const Size order = a->mh() < a->mw() ? a->mh() : a->mw();
     const char* const detail = order < kFirstTridiagonal ? "1" : "2";
     Real largest = 0;
-    if (tolerance != tolerance) return this->fail("1", kRankByEigenvalues);
+    if (std::isnan(tolerance)) return this->fail("1", kRankByEigenvalues);
     if (!find_largest_finite(view_of(a), largest)) return this->fail(detail, kRankByEigenvalues);
     int found = 0;
     if (!rank_by_gram_matrix(view_of(a), largest, tolerance, found))
