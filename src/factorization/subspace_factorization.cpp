@@ -1,5 +1,7 @@
 #include "nequar_algebra/factorization/subspace_factorization.h"
 
+#include <cmath>
+
 #include "core/workspace.h"
 #include "factorization/algorithm/gram_rank.h"
 #include "factorization/algorithm/pivoted_qr.h"
@@ -106,8 +108,7 @@ bool SubspaceFactorization<Real>::r_Rank(const Matrix<Real>* a, Real tolerance, 
     const Size count = a->mh() < a->mw() ? a->mh() : a->mw();
     Workspace<Real> sigma(count);
     if (!sigma) return this->fail(text::kOutOfMemory, kRank);
-    if (tolerance != tolerance ||
-        !this->find_singular_values_in_100_steps(view_of(a), sigma.data()))
+    if (std::isnan(tolerance) || !this->find_singular_values_in_100_steps(view_of(a), sigma.data()))
         return this->fail("1", kRank);
     rank = count_above(Strided<const Real>(sigma.data(), count), tolerance);
     return true;
@@ -145,7 +146,7 @@ bool SubspaceFactorization<Real>::rev_Rank_based_on_Eigen_Value_decomposition(co
     const Size order = a->mh() < a->mw() ? a->mh() : a->mw();
     const char* const detail = order < kFirstTridiagonal ? "1" : "2";
     Real largest = 0;
-    if (tolerance != tolerance) return this->fail("1", kRankByEigenvalues);
+    if (std::isnan(tolerance)) return this->fail("1", kRankByEigenvalues);
     if (!find_largest_finite(view_of(a), largest)) return this->fail(detail, kRankByEigenvalues);
     int found = 0;
     if (!rank_by_gram_matrix(view_of(a), largest, tolerance, found))

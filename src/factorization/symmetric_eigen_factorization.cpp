@@ -1,6 +1,7 @@
 #include "nequar_algebra/factorization/symmetric_eigen_factorization.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "factorization/algorithm/generalized_eigen.h"
@@ -48,7 +49,7 @@ bool SymmetricEigenFactorization<Real>::diagonalize(int mode, const Symmetric* a
                                                     Real tolerance, int& sweeps,
                                                     int& annihilated) const {
     const CNqClass* const input = a;
-    if (!is_readable(a) || input == v || mode < 0 || mode > 2 || tolerance != tolerance)
+    if (!is_readable(a) || input == v || mode < 0 || mode > 2 || std::isnan(tolerance))
         return this->fail("1", kRotations);
     const int n = a->mh();
     const SymmetricCopy<Real> copy(a);

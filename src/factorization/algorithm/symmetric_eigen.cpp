@@ -84,7 +84,7 @@ struct Prepared {
 template <class Real>
 Prepared<Real> prepare(View<Real> a) {
     const Real largest = largest_above(reading(a));
-    if (!(largest == largest)) return {false, 0};
+    if (std::isnan(largest)) return {false, 0};
     const int exponent = exponent_of_unit(largest);
     divide_by_power_of_two(a, exponent);
     return {true, exponent};

@@ -101,7 +101,7 @@ Real deviation(const Real* x, Size count, Size total, Real mean) {
     if (std::isfinite(plain) && plain > kSafelyLarge<Real>) return std::sqrt(plain / elements);
     Real largest = total > count ? std::abs(mean) : Real(0);
     for (Size k = 0; k < count; ++k) largest = std::max(largest, std::abs(x[k] - mean));
-    if (largest == Real(0) || !std::isfinite(largest) || plain != plain) return std::sqrt(plain);
+    if (largest == Real(0) || !std::isfinite(largest) || std::isnan(plain)) return std::sqrt(plain);
     Real scaled = zeros * ((mean / largest) * (mean / largest));
     for (Size k = 0; k < count; ++k) {
         const Real difference = (x[k] - mean) / largest;

@@ -77,7 +77,7 @@ Real root_of_squares(const Columns<Real>& lower, Real centre, Real absent, Real 
     Real largest = absent > Real(0) ? std::abs(centre) : Real(0);
     for (Size k = 0; k < lower.count; ++k)
         largest = std::max(largest, std::abs(lower.values[k] - centre));
-    if (largest == Real(0) || !std::isfinite(largest) || plain != plain) return std::sqrt(plain);
+    if (largest == Real(0) || !std::isfinite(largest) || std::isnan(plain)) return std::sqrt(plain);
     const Real scaled = sum_of_full(lower, [=](Real v) { return square((v - centre) / largest); }) +
                         absent * square(centre / largest);
     return largest * std::sqrt(scaled / divisor);
