@@ -14,7 +14,8 @@ template <class Real>
 constexpr Real kSafelyLarge =
     std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon();
 
-constexpr Size kBlock = 1024;
+constexpr Size kBlock = 1024;    // of a sum
+constexpr Size kStretch = 4096;  // that is searched for an extremum at once
 
 template <bool largest, class Real>
 bool beats(Real a, Real b) {
@@ -42,21 +43,21 @@ Size last_place(const Real* x, Size begin, Size end, Real best) {
     return end - 1;
 }
 
-// Block by block from the end: the first block that holds the extremum holds its last place.
+// Stretch by stretch from the end: the first that holds the extremum holds its last place.
 template <bool largest, class Real>
 Size position_of_extremum(const Real* x, Size count) {
     if (x[0] != x[0]) return 0;
     Real best = x[0];
     Size best_end = 0;
-    for (Size end = count; end > 0; end -= std::min(end, kBlock)) {
-        const Size begin = end - std::min(end, kBlock);
-        const Real of_block = extremum<largest>(x + begin, end - begin, best);
-        if (!beats<largest>(of_block, best)) continue;
-        best = of_block;
+    for (Size end = count; end > 0; end -= std::min(end, kStretch)) {
+        const Size begin = end - std::min(end, kStretch);
+        const Real here = extremum<largest>(x + begin, end - begin, best);
+        if (!beats<largest>(here, best)) continue;
+        best = here;
         best_end = end;
     }
     if (best_end == 0) return 0;
-    return last_place<largest>(x, best_end - std::min(best_end, kBlock), best_end, best);
+    return last_place<largest>(x, best_end - std::min(best_end, kStretch), best_end, best);
 }
 
 // sum of f(block, n) over blocks of x
