@@ -89,30 +89,18 @@ namespace {
 
 // The rotation of rotation.h in a form with less to wait for, where no square leaves the range:
 //
-//   (c, s) = (a, -b) factor,    factor = 1 / sqrt(a^2 + b^2), with the sign that makes the larger
-//   one
-//                               not negative
+//   (c, s) = (a, -b) / sqrt(a^2 + b^2), with the sign that makes the larger one not negative
 //
 // where 1 / sqrt(q) = sqrt(q) (1 / q): root and quotient need not wait for each other.
 template <class Real>
-inline bool quick_factor(Real a, Real b, Real& squares, Real& factor) {
+inline Rotation<Real> quick_rotation(Real a, Real b) {
     constexpr Real least = std::numeric_limits<Real>::min() / std::numeric_limits<Real>::epsilon() /
                            std::numeric_limits<Real>::epsilon();
     constexpr Real greatest = std::numeric_limits<Real>::max() / 4;
-    squares = a * a + b * b;
-    if (b == 0 || !(squares >= least && squares <= greatest)) return false;
-    // no branch: which is larger cannot be foretold
-    const Real sign_of_a = std::copysign(Real(1), a);
-    const Real to_sign_of_b = std::copysign(Real(1), -b) - sign_of_a;
-    const Real sign = sign_of_a + to_sign_of_b * Real(std::abs(b) > std::abs(a));
-    factor = std::sqrt(squares) * (sign * (1 / squares));
-    return true;
-}
-
-template <class Real>
-inline Rotation<Real> quick_rotation(Real a, Real b) {
-    Real squares, factor;
-    if (!quick_factor(a, b, squares, factor)) return givens_rotation(a, b);
+    const Real squares = a * a + b * b;
+    if (b == 0 || !(squares >= least && squares <= greatest)) return givens_rotation(a, b);
+    const Real larger = std::abs(b) > std::abs(a) ? -b : a;
+    const Real factor = std::copysign(std::sqrt(squares) * (1 / squares), larger);
     return {a * factor, -b * factor};
 }
 
@@ -124,37 +112,6 @@ inline Rotation<Real> annihilate(Real& a, Real b) {
     return g;
 }
 
-// Half a turn of the chase, rows or columns:
-//
-//      | a |  x   0    |        | r |  x'  bulge |
-//      | b |  y   next |   ->   | 0 |  y'  next' |
-//
-// and answers the bulge. The products are at hand when the factor is.
-template <class Real>
-inline Real turn(Real& a, Real b, Real& x, Real& y, Real& next, Rotation<Real>& g) {
-    const Real to_x = a * x + b * y;
-    const Real to_y = a * y - b * x;
-    const Real to_bulge = b * next;
-    const Real to_next = a * next;
-    Real squares, factor;
-    if (quick_factor(a, b, squares, factor)) {
-        g = {a * factor, -b * factor};
-        a = squares * factor;
-        x = to_x * factor;
-        y = to_y * factor;
-        next = to_next * factor;
-        return to_bulge * factor;
-    }
-    g = givens_rotation(a, b);
-    a = g.c * a - g.s * b;
-    const Real old = x;
-    x = g.c * old - g.s * y;
-    y = g.s * old + g.c * y;
-    const Real bulge = -g.s * next;
-    next *= g.c;
-    return bulge;
-}
-
 template <class Real>
 void step_on_piece(Real* d, Real* f, BidiagonalBlock piece, Rotation<Real>* right,
                    Rotation<Real>* left) {
@@ -162,36 +119,35 @@ void step_on_piece(Real* d, Real* f, BidiagonalBlock piece, Rotation<Real>* righ
     const Real size_at_end = std::abs(d[last]) + std::abs(d[last - 1]) + std::abs(f[last - 1]);
     Real y = 0, z = 0;
     first_vector(d, f, piece, y, z);
-    // What is at hand stays in registers; y is f(j - 1), or of no account.
-    Real dj = d[piece.begin];
-    Real fj = f[piece.begin];
-    bool has_begun = false;
+    Rotation<Real> g = quick_rotation(y, z);
     for (Size j = piece.begin; j < last; ++j) {
         // columns j and j+1:  | d(j)    f(j)   |
         //                     | bulge   d(j+1) |
-        Real next_d = d[j + 1];
-        const Real below = turn(y, z, dj, fj, next_d, right[j]);
-        if (has_begun) f[j - 1] = y;
+        right[j] = g;
+        const Real dj = d[j];
+        const Real fj = f[j];
+        d[j] = g.c * dj - g.s * fj;
+        f[j] = g.s * dj + g.c * fj;
+        const Real below = -g.s * d[j + 1];
+        d[j + 1] = g.c * d[j + 1];
         // rows j and j+1:  | d(j)   f(j)     bulge  |
         //                  | 0      d(j+1)   f(j+1) |
-        Real next_f = j + 1 < last ? f[j + 1] : Real(0);
-        z = turn(dj, below, fj, next_d, next_f, left[j]);
-        d[j] = dj;
-        y = fj;
-        dj = next_d;
-        fj = next_f;
-        has_begun = true;
-        if (j + 1 < last && std::abs(z) < kLeast<Real> &&
-            std::abs(y) + size_at_end == size_at_end) {
-            f[j] = y;
-            d[j + 1] = dj;
-            f[j + 1] = fj;
+        g = annihilate(d[j], below);
+        left[j] = g;
+        const Real fr = f[j];
+        const Real dn = d[j + 1];
+        f[j] = g.c * fr - g.s * dn;
+        d[j + 1] = g.s * fr + g.c * dn;
+        if (j + 1 == last) break;
+        const Real beside = -g.s * f[j + 1];
+        f[j + 1] = g.c * f[j + 1];
+        if (std::abs(beside) < kLeast<Real> && std::abs(f[j]) + size_at_end == size_at_end) {
             first_vector(d, f, {j + 1, piece.end}, y, z);
-            has_begun = false;
+            g = quick_rotation(y, z);
+            continue;
         }
+        g = annihilate(f[j], beside);
     }
-    f[last - 1] = y;
-    d[last] = dj;
 }
 
 }  // namespace
