@@ -1,101 +1,124 @@
 // C := alpha A B (+ C) where B has so few columns that a vector along a row of C would be mostly
 // empty: n <= kFewColumns.
 //
-// Vectors run along the rows of A instead. E rows (E elements are 128 bits) are transposed inside
-// the lanes of 128 bits of Q lanes, so that vector e holds, in lane q, column p + q E + e of A; it
-// meets a vector of factors that holds b(p + q E + e, j) throughout lane q:
+// G steps at once: G neighbours in a row of A are repeated throughout a vector, which one load
+// does, and meet G rows of B, interleaved (G = 2, four columns):
 //
-//      rows of A, p ...            transposed in lanes, vector e          factors of column j
-//      a00 a01 | a02 a03           e = 0:  a00 a10 | a02 a12              b0j b0j | b2j b2j
-//      a10 a11 | a12 a13           e = 1:  a01 a11 | a03 a13              b1j b1j | b3j b3j
-//                                  (E = 2, Q = 2)
+//      a(i,p) a(i,p+1) | a(i,p) a(i,p+1) | a(i,p) a(i,p+1) | a(i,p) a(i,p+1)
+//      b(p,0) b(p+1,0) | b(p,1) b(p+1,1) | b(p,2) b(p+1,2) | b(p,3) b(p+1,3)
 //
-// The lanes are Q partial sums of the same elements of C, added at the end. Half of the shuffles of
-// a whole transposition are not needed, and no element waits for a sum over a whole vector.
-// The factors are packed once, each E times over.
+// so that G neighbouring lanes are partial sums of one element of C, added at the end. B is
+// interleaved once. What is left of k is done by single steps in the first lane of each group.
 #pragma once
 
+#include "kernel/simd/partition.h"
 #include "kernel/simd/shuffle.h"
+#include "kernel/simd/tile.h"
 #include "kernel/table.h"
 
 namespace nequar::kernel::NEQUAR_UNIT {
 
 #if NEQUAR_VECTOR_BYTES == 64
 
-inline constexpr unsigned kColumnsOfBlock = 4;  // as many as there are lanes of 128 bits
 template <class Real>
-inline constexpr Size kFewColumns = sizeof(Real) == 4 ? 8 : 4;
-inline constexpr unsigned kFactorBytes = 32768;
+inline constexpr Size kFewColumns = kLanes<Real> / 2;
+inline constexpr unsigned kInterleavedBytes = 32768;
+inline constexpr Size kInterleavedVectors = kInterleavedBytes / 64;
 
-// Steps that packed factors can hold.
+// ---- groups of lanes ---------------------------------------------------------------------------
+
+template <unsigned G, class Real>
+NEQUAR_INLINE Vector<Real> repeat_group(const Real* p) {
+#if defined(__AVX512F__) && defined(__AVX512DQ__)
+    // With all lanes named: the plain forms make g++ 12 warn of their undefined operands.
+    if constexpr (sizeof(Real) == 8 && G == 2) {
+        return _mm512_maskz_broadcast_f64x2(0xff, _mm_loadu_pd(p));
+    } else if constexpr (sizeof(Real) == 8) {
+        return _mm512_maskz_broadcast_f64x4(0xff, _mm256_loadu_pd(p));
+    } else if constexpr (G == 2) {
+        double pair;
+        __builtin_memcpy(&pair, p, sizeof pair);
+        return _mm512_castpd_ps(_mm512_set1_pd(pair));
+    } else {
+        return _mm512_maskz_broadcast_f32x4(0xffff, _mm_loadu_ps(p));
+    }
+#else
+    Vector<Real> v;
+    NEQUAR_UNROLL for (Size lane = 0; lane < kLanes<Real>; ++lane) v[lane] = p[lane % Size(G)];
+    return v;
+#endif
+}
+
+// The lanes of a and b in turn, as far as a vector goes.
+NEQUAR_INLINE Vector<double> in_turn(Vector<double> a, Vector<double> b) {
+    return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+NEQUAR_INLINE Vector<float> in_turn(Vector<float> a, Vector<float> b) {
+    return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+
+// Even lanes of a, then of b; odd lanes.
+template <bool odd>
+NEQUAR_INLINE Vector<double> every_second(Vector<double> a, Vector<double> b) {
+    return odd ? __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15)
+               : __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14);
+}
+template <bool odd>
+NEQUAR_INLINE Vector<float> every_second(Vector<float> a, Vector<float> b) {
+    return odd ? __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27,
+                                         29, 31)
+               : __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26,
+                                         28, 30);
+}
+
+// Neighbours added: the sums of a, then those of b.
 template <class Real>
-inline constexpr Size kFactorSteps = kFactorBytes / Size(sizeof(Real)) /
-                                     (kFewColumns<Real> * Size(kPiece<Real>));
-
-// Four vectors of partial sums, one a column, to E rows of four elements.
-NEQUAR_INLINE Vector<double> rows_of_sums(Vector<double> a, Vector<double> b, Vector<double> c,
-                                          Vector<double> d) {
-    const Vector<double> ab = __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11) +
-                              __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
-    const Vector<double> cd = __builtin_shufflevector(c, d, 0, 1, 2, 3, 8, 9, 10, 11) +
-                              __builtin_shufflevector(c, d, 4, 5, 6, 7, 12, 13, 14, 15);
-    return __builtin_shufflevector(ab, cd, 0, 4, 8, 12, 1, 5, 9, 13) +
-           __builtin_shufflevector(ab, cd, 2, 6, 10, 14, 3, 7, 11, 15);
-}
-NEQUAR_INLINE Vector<float> rows_of_sums(Vector<float> a, Vector<float> b, Vector<float> c,
-                                         Vector<float> d) {
-    const Vector<float> ab =
-        __builtin_shufflevector(a, b, 0, 1, 2, 3, 4, 5, 6, 7, 16, 17, 18, 19, 20, 21, 22, 23) +
-        __builtin_shufflevector(a, b, 8, 9, 10, 11, 12, 13, 14, 15, 24, 25, 26, 27, 28, 29, 30, 31);
-    const Vector<float> cd =
-        __builtin_shufflevector(c, d, 0, 1, 2, 3, 4, 5, 6, 7, 16, 17, 18, 19, 20, 21, 22, 23) +
-        __builtin_shufflevector(c, d, 8, 9, 10, 11, 12, 13, 14, 15, 24, 25, 26, 27, 28, 29, 30, 31);
-    return __builtin_shufflevector(ab, cd, 0, 8, 16, 24, 1, 9, 17, 25, 2, 10, 18, 26, 3, 11, 19,
-                                   27) +
-           __builtin_shufflevector(ab, cd, 4, 12, 20, 28, 5, 13, 21, 29, 6, 14, 22, 30, 7, 15, 23,
-                                   31);
+NEQUAR_INLINE Vector<Real> sums_of_pairs(Vector<Real> a, Vector<Real> b) {
+    return every_second<false>(a, b) + every_second<true>(a, b);
 }
 
-// A number throughout 128 bits.
-NEQUAR_INLINE PackOf<double, 2> spread_pack(double x) {
-    const PackOf<double, 2> v = {x};
-    return __builtin_shufflevector(v, v, 0, 0);
-}
-NEQUAR_INLINE PackOf<float, 4> spread_pack(float x) {
-    const PackOf<float, 4> v = {x};
-    return __builtin_shufflevector(v, v, 0, 0, 0, 0);
-}
+// ---- B -----------------------------------------------------------------------------------------
 
-// For each vector of steps and each e: a vector for each of `Columns` columns; zero past n and k.
-template <class Real, unsigned Columns>
-void pack_factors(Size n, Size k, const Block<const Real>& b, Real* out) {
+// Vectors for k / G groups, then for the k % G steps that are left; zero past n.
+template <class Real, unsigned G>
+void interleave(Size n, Size k, const Block<const Real>& b, Real* out) {
     constexpr Size lanes = kLanes<Real>;
-    constexpr unsigned E = kPiece<Real>;
-    constexpr Size vectors = Size(E * Columns);  // for a vector of steps
-    const Size cleared = n < Size(Columns) ? 0 : k / lanes;
-    for (Size i = cleared * vectors * lanes; i < (k + lanes - 1) / lanes * vectors * lanes;
-         i += lanes)
-        store(out + i, Vector<Real>{});
-    const Real* row = b.data;
-    for (Size p = 0; p < k; ++p, row += b.row_stride) {
-        const Size q = p % lanes / Size(E);
-        Real* to = out + (p / lanes * vectors + p % Size(E) * Size(Columns)) * lanes + q * Size(E);
-        NEQUAR_UNROLL for (unsigned j = 0; j < Columns; ++j, to += lanes) {
-            if (Size(j) >= n) break;
-            const PackOf<Real, E> v = spread_pack(row[Size(j) * b.column_stride]);
-            store_pack<E>(to, v);
+    const Real* from = b.data;
+    Size p = 0;
+    if (b.column_stride == 1) {
+        const FirstLanes<Real> present = first_lanes<Real>(n);
+        const Vector<Real> none = {};
+        for (; p + Size(G) <= k; p += G, from += Size(G) * b.row_stride, out += lanes) {
+            Vector<Real> row[G];
+            NEQUAR_UNROLL for (unsigned t = 0; t < G; ++t) {
+                row[t] = load(from + Size(t) * b.row_stride, present);
+            }
+            if constexpr (G == 2)
+                store(out, in_turn(row[0], row[1]));
+            else
+                store(out, in_turn(in_turn(row[0], row[2]), in_turn(row[1], row[3])));
         }
+        for (; p < k; ++p, from += b.row_stride, out += lanes) {
+            const Vector<Real> row = load(from, present);
+            store(out, G == 2 ? in_turn(row, none) : in_turn(in_turn(row, none), none));
+        }
+        return;
+    }
+    for (; p + Size(G) <= k; p += G, from += Size(G) * b.row_stride, out += lanes) {
+        store(out, Vector<Real>{});
+        for (Size j = 0; j < n; ++j) {
+            for (Size t = 0; t < Size(G); ++t) {
+                out[j * Size(G) + t] = from[t * b.row_stride + j * b.column_stride];
+            }
+        }
+    }
+    for (; p < k; ++p, from += b.row_stride, out += lanes) {
+        store(out, Vector<Real>{});
+        for (Size j = 0; j < n; ++j) out[j * Size(G)] = from[j * b.column_stride];
     }
 }
 
-// A vector that is used more than once is loaded once.
-template <class Real>
-NEQUAR_INLINE Vector<Real> in_register(Vector<Real> v) {
-#if defined(__AVX512F__)
-    __asm__("" : "+v"(v));
-#endif
-    return v;
-}
+// ---- tiles of C --------------------------------------------------------------------------------
 
 // What the tiles of one product share.
 template <class Real>
@@ -104,131 +127,129 @@ struct FewColumnsTask {
     Size k;
     Real alpha;
     Size a_row;
-    const Real* factors;
+    const Real* b;
     Size c_row;
     Size c_column;
     bool accumulate;
 };
 
-template <class Real, unsigned G, unsigned NB>
-NEQUAR_INLINE void add_steps(Vector<Real> (&rows)[G][kPiece<Real>], const Real* factors,
-                             Vector<Real> (&acc)[G][NB * kColumnsOfBlock]) {
-    constexpr unsigned columns = NB * kColumnsOfBlock;
-    NEQUAR_UNROLL for (unsigned g = 0; g < G; ++g) transpose_lanes(rows[g]);
-    NEQUAR_UNROLL for (unsigned e = 0; e < kPiece<Real>; ++e) {
-        NEQUAR_UNROLL for (unsigned j = 0; j < columns; ++j) {
-            const Vector<Real> factor =
-                in_register<Real>(load(factors + Size(e * columns + j) * kLanes<Real>));
-            NEQUAR_UNROLL for (unsigned g = 0; g < G; ++g) {
-                acc[g][j] = multiply_add(rows[g][e], factor, acc[g][j]);
-            }
-        }
-    }
-}
-
-// Up to G E rows of C; a missing row of A is a copy of the last one.
-template <class Real, unsigned G, unsigned NB>
-void few_columns_tile(Size height, const FewColumnsTask<Real>& task, const Real* a, Real* c) {
+// R rows from the first of a and c, of which those before `first` are not written.
+template <class Real, unsigned G, unsigned R>
+void few_columns_tile(Size first, const FewColumnsTask<Real>& task, const Real* a, Real* c) {
     constexpr Size lanes = kLanes<Real>;
-    constexpr unsigned E = kPiece<Real>;
-    constexpr unsigned columns = NB * kColumnsOfBlock;
-    const Real* from[G * E];
-    NEQUAR_UNROLL for (unsigned r = 0; r < G * E; ++r) {
-        from[r] = a + (Size(r) < height ? Size(r) : height - 1) * task.a_row;
+    constexpr unsigned columns = unsigned(lanes) / G;
+    constexpr unsigned pointers = (R + kRowsOfPointer - 1) / kRowsOfPointer;
+    const Real* rows[pointers];
+    NEQUAR_UNROLL for (unsigned i = 0; i < pointers; ++i) {
+        rows[i] = opaque(a);
+        a += Size(kRowsOfPointer) * task.a_row;
     }
-    Vector<Real> acc[G][columns];
-    NEQUAR_UNROLL for (unsigned g = 0; g < G; ++g) {
-        NEQUAR_UNROLL for (unsigned j = 0; j < columns; ++j) acc[g][j] = Vector<Real>{};
-    }
-    const Real* factors = task.factors;
-    Size p = 0;
-    for (; p + lanes <= task.k; p += lanes, factors += Size(E * columns) * lanes) {
-        Vector<Real> rows[G][E];
-        NEQUAR_UNROLL for (unsigned r = 0; r < G * E; ++r) rows[r / E][r % E] =
-            in_register<Real>(load(from[r] + p));
-        add_steps<Real, G, NB>(rows, factors, acc);
-    }
-    if (p < task.k) {
-        const FirstLanes<Real> rest = first_lanes<Real>(task.k - p);
-        Vector<Real> rows[G][E];
-        NEQUAR_UNROLL for (unsigned r = 0; r < G * E; ++r) {
-            rows[r / E][r % E] = load(from[r] + p, rest);
+    const Size a_row = task.a_row;
+    const Real* b = task.b;
+    Vector<Real> acc[R];
+    NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) acc[r] = Vector<Real>{};
+    for (Size left = task.k / Size(G); left > 0; --left, b += lanes) {
+        const Vector<Real> factors = load(b);
+        NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
+            const Real* p = rows[r / kRowsOfPointer] + Size(r % kRowsOfPointer) * a_row;
+            acc[r] = multiply_add(repeat_group<G>(p), factors, acc[r]);
         }
-        add_steps<Real, G, NB>(rows, factors, acc);
+        NEQUAR_UNROLL for (auto& pointer : rows) pointer += G;
+    }
+    Vector<Real> is_first;  // one in the first lane of each group
+    NEQUAR_UNROLL for (Size lane = 0; lane < lanes; ++lane) is_first[lane] = lane % Size(G) == 0;
+    for (Size left = task.k % Size(G); left > 0; --left, b += lanes) {
+        const Vector<Real> factors = load(b);
+        NEQUAR_UNROLL for (unsigned r = 0; r < R; ++r) {
+            const Real* p = rows[r / kRowsOfPointer] + Size(r % kRowsOfPointer) * a_row;
+            const Vector<Real> x = is_first > 0 ? broadcast(*p) : Vector<Real>{};
+            acc[r] = multiply_add(x, factors, acc[r]);
+        }
+        NEQUAR_UNROLL for (auto& pointer : rows) pointer += 1;
     }
     const Vector<Real> alpha = broadcast(task.alpha);
-    alignas(64) Real sums[G][NB][E][kColumnsOfBlock];
-    NEQUAR_UNROLL for (unsigned g = 0; g < G; ++g) {
-        NEQUAR_UNROLL for (unsigned block = 0; block < NB; ++block) {
-            const Vector<Real>* s = acc[g] + block * kColumnsOfBlock;
-            store(&sums[g][block][0][0], alpha * rows_of_sums(s[0], s[1], s[2], s[3]));
-        }
+    alignas(64) Real sums[R][columns];
+    NEQUAR_UNROLL for (unsigned r = 0; r < R; r += G) {
+        Vector<Real> sum = sums_of_pairs<Real>(acc[r], acc[r + 1]);
+        if constexpr (G == 4)
+            sum = sums_of_pairs<Real>(sum, sums_of_pairs<Real>(acc[r + 2], acc[r + 3]));
+        store(sums[r], alpha * sum);
     }
+    c += first * task.c_row;
     if (task.n == Size(columns) && task.c_column == 1 && !task.accumulate) {
-        for (Size r = 0; r < height; ++r, c += task.c_row) {
-            NEQUAR_UNROLL for (unsigned block = 0; block < NB; ++block) {
-                store_pack<kColumnsOfBlock>(
-                    c + block * kColumnsOfBlock,
-                    load_pack<kColumnsOfBlock>(&sums[r / Size(E)][block][r % Size(E)][0]));
-            }
+        for (Size r = first; r < Size(R); ++r, c += task.c_row) {
+            store_pack<columns>(c, load_pack<columns>(sums[r]));
         }
         return;
     }
-    for (Size r = 0; r < height; ++r, c += task.c_row) {
+    for (Size r = first; r < Size(R); ++r, c += task.c_row) {
         for (Size j = 0; j < task.n; ++j) {
             Real& element = c[j * task.c_column];
-            const Real sum = sums[r / Size(E)][j / 4][r % Size(E)][j % 4];
-            element = task.accumulate ? element + sum : sum;
+            element = task.accumulate ? element + sums[r][j] : sums[r][j];
         }
     }
 }
 
-template <class Real, unsigned NB>
-NEQUAR_INLINE void few_columns_tiles(Size m, const FewColumnsTask<Real>& task, const Real* a,
-                                     Real* c) {
-    constexpr unsigned G = 8 / kPiece<Real>;
-    for (Size i = 0; i < m; i += 8) {
-        const Size height = m - i < 8 ? m - i : 8;
-        few_columns_tile<Real, G, NB>(height, task, a + i * task.a_row, c + i * task.c_row);
+// The last tile may begin in the one before it.
+template <class Real, unsigned G>
+void few_columns_tiles(Size m, const FewColumnsTask<Real>& task, const Real* a, Real* c) {
+    for (Size i = 0; i < m;) {
+        const Size left = m - i;
+        const Size height = left >= 24 ? 24 : left > 8 ? 16 : 8;
+        const Size start = smaller(i, m - height);
+        const Real* from = a + start * task.a_row;
+        Real* to = c + start * task.c_row;
+        if (height == 24)
+            few_columns_tile<Real, G, 24>(i - start, task, from, to);
+        else if (height == 16)
+            few_columns_tile<Real, G, 16>(i - start, task, from, to);
+        else
+            few_columns_tile<Real, G, 8>(i - start, task, from, to);
+        i = start + height;
     }
 }
 
-// Whether there are rows enough to make up for the packing, and steps enough for the sums.
-template <class Real>
-NEQUAR_INLINE bool pays_with_few_columns(Size m, Size n, Size k) {
-    return m >= 16 && n > 0 && k >= (n <= Size(kColumnsOfBlock) ? 2 : 8) * kLanes<Real>;
-}
-
-// A of contiguous rows, n <= kFewColumns.
-template <class Real>
-__attribute__((noinline)) void multiply_few_columns(Size m, Size n, Size k, Real alpha,
-                                                    const Block<const Real>& a,
-                                                    const Block<const Real>& b, bool accumulate,
-                                                    const Block<Real>& c) {
-    alignas(64) Real factors[kFactorBytes / sizeof(Real)];
+template <class Real, unsigned G>
+__attribute__((noinline)) void multiply_by_groups(Size m, Size n, Size k, Real alpha,
+                                                  const Block<const Real>& a,
+                                                  const Block<const Real>& b, bool accumulate,
+                                                  const Block<Real>& c) {
+    alignas(64) Real interleaved[kInterleavedBytes / sizeof(Real)];
+    constexpr Size most = (kInterleavedVectors - Size(G)) * Size(G);
     FewColumnsTask<Real> task;
     task.n = n;
     task.alpha = alpha;
     task.a_row = a.row_stride;
-    task.factors = factors;
+    task.b = interleaved;
     task.c_row = c.row_stride;
     task.c_column = c.column_stride;
     task.accumulate = accumulate;
-    const bool one_block = n <= Size(kColumnsOfBlock);
     for (Size p = 0; p < k; p += task.k, task.accumulate = true) {
-        task.k = k - p < kFactorSteps<Real> ? k - p : kFactorSteps<Real>;
+        task.k = smaller(k - p, most);
         Block<const Real> rest;
         rest.data = b.data + p * b.row_stride;
         rest.row_stride = b.row_stride;
         rest.column_stride = b.column_stride;
-        if (one_block) {
-            pack_factors<Real, 4>(n, task.k, rest, factors);
-            few_columns_tiles<Real, 1>(m, task, a.data + p, c.data);
-        } else if constexpr (kFewColumns<Real> == 8) {
-            pack_factors<Real, 8>(n, task.k, rest, factors);
-            few_columns_tiles<Real, 2>(m, task, a.data + p, c.data);
-        }
+        interleave<Real, G>(n, task.k, rest, interleaved);
+        few_columns_tiles<Real, G>(m, task, a.data + p, c.data);
     }
+}
+
+// A of contiguous rows, n <= kFewColumns, m >= 8.
+template <class Real>
+NEQUAR_INLINE void multiply_few_columns(Size m, Size n, Size k, Real alpha,
+                                        const Block<const Real>& a, const Block<const Real>& b,
+                                        bool accumulate, const Block<Real>& c) {
+    if (n > kLanes<Real> / 4)
+        multiply_by_groups<Real, 2>(m, n, k, alpha, a, b, accumulate, c);
+    else
+        multiply_by_groups<Real, 4>(m, n, k, alpha, a, b, accumulate, c);
+}
+
+// Whether there are rows enough to make up for the interleaving.
+template <class Real>
+NEQUAR_INLINE bool pays_with_few_columns(Size m, Size n, Size k) {
+    return m >= 16 && n > 0 && k >= 16;
 }
 
 #endif
