@@ -314,7 +314,7 @@ Case make_determinant(Size n) {
     const auto size = static_cast<double>(n);
     Case one{2.0 / 3 * size * size * size, {}};
     const auto error = [s, size](const std::vector<Real>& value) {
-        return difference(value, s->expected, 2 + std::sqrt(size));
+        return difference(value, s->expected, 2 + size);  // each of n pivots is rounded
     };
     one.contenders.push_back({Who::nequar,
                               [s] {
