@@ -3,7 +3,7 @@
 //     general      [[4,4,1],[2,1,1],[2,2,3]]   regular, not symmetric
 //     positive     [[4,1,0],[1,3,1],[0,1,2]]   symmetric positive definite
 //     indefinite   [[1,2,0],[2,1,0],[0,0,3]]   symmetric, one eigenvalue is -1
-//     singular     [[1,2,3],[2,4,6],[1,0,1]]
+//     singular     [[1,2,4],[2,4,8],[1,0,1]]
 #include <nequar_algebra/nequar_algebra.h>
 
 #include <algorithm>
@@ -39,7 +39,7 @@ int main() {
     const double elements[][9] = {{4, 4, 1, 2, 1, 1, 2, 2, 3},
                                   {4, 1, 0, 1, 3, 1, 0, 1, 2},
                                   {1, 2, 0, 2, 1, 0, 0, 0, 3},
-                                  {1, 2, 3, 2, 4, 6, 1, 0, 1}};
+                                  {1, 2, 4, 2, 4, 8, 1, 0, 1}};
     const char* const names[] = {"general", "positive", "indefinite", "singular"};
     for (int m = 0; m < 4; ++m) {
         CNqMatrix A, symmetric_part;

@@ -37,7 +37,7 @@ printed=$(LD_LIBRARY_PATH="$lib_dir" "$work/readme")
 
 echo "--- an example, alone"
 cp -r "$example" "$work/example"
-CXX=$compiler CXXFLAGS=$flags cmake -S "$work/example" -B "$work/example_build" -DCMAKE_PREFIX_PATH="$prefix"
+CXX=$compiler CXXFLAGS=$flags cmake -S "$work/example" -B "$work/example_build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
 cmake --build "$work/example_build"
 "$work/example_build/camera_pose" "$work/example/points_noisy.txt" || fail "the example"
 

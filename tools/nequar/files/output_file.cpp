@@ -25,9 +25,28 @@ extern "C" void remove_and_die(int signal) {
     std::raise(signal);
 }
 
+constexpr int kWatched[] = {SIGINT, SIGTERM, SIGHUP};
+
+// Keeps the signals waiting while it lives: a file must not be there before its name is watched.
+class HeldSignals {
+public:
+    HeldSignals() {
+        sigset_t watched;
+        sigemptyset(&watched);
+        for (const int signal : kWatched) sigaddset(&watched, signal);
+        pthread_sigmask(SIG_BLOCK, &watched, &before_);
+    }
+    ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+
+private:
+    sigset_t before_;
+};
+
 void watch(const std::string& name) {
     if (name.size() >= sizeof name_to_remove) return;
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, remove_and_die);
+    for (const int signal : kWatched) std::signal(signal, remove_and_die);
     // The first byte comes last: a signal in between must not see half a name.
     std::copy(name.begin() + 1, name.end(), name_to_remove + 1);
     name_to_remove[name.size()] = 0;
@@ -55,10 +74,19 @@ OutputFile::OutputFile(const std::string& path) : path_(path), target_(path) {
     if (std::filesystem::exists(status) && access(target_.c_str(), W_OK) != 0) fail(errno);
 
     std::string name = target_ + ".XXXXXX";
-    const int descriptor = mkstemp(name.data());
-    if (descriptor < 0) fail(errno);
-    temporary_ = std::move(name);  // without memory that could be refused: the file is there now
-    watch(temporary_);
+    int descriptor = -1;
+    int error = 0;
+    {
+        const HeldSignals held;
+        descriptor = mkstemp(name.data());
+        error = errno;
+        if (descriptor >= 0) {
+            temporary_ =
+                std::move(name);  // without memory that could be refused: the file is there
+            watch(temporary_);
+        }
+    }
+    if (descriptor < 0) fail(error);
     // mkstemp keeps the file to its owner; give it the rights that any new file would have.
     const mode_t mask = umask(0);
     umask(mask);
@@ -67,7 +95,7 @@ OutputFile::OutputFile(const std::string& path) : path_(path), target_(path) {
     }
     file_ = fdopen(descriptor, "wb");
     if (file_ == nullptr) {
-        const int error = errno;
+        error = errno;
         close(descriptor);
         fail(error);
     }
