@@ -48,8 +48,8 @@ bool agree(const std::string& expected, const std::string& actual, double whole)
     if (expected.starts_with("<=")) return is_number(expected.substr(2), wanted) && found <= wanted;
     if (expected.starts_with(">=")) return is_number(expected.substr(2), wanted) && found >= wanted;
     if (!is_number(expected, wanted)) return false;
-    // Half a percent more, since neither decimal number is exact in binary.
-    return std::fabs(found - wanted) <= 1.005 * last_digit_of(expected, whole);
+    // Between one unit and two: neither decimal number is exact in binary.
+    return std::fabs(found - wanted) <= 1.5 * last_digit_of(expected, whole);
 }
 
 // Commas and quotation marks as words of their own.
