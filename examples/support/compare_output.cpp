@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 #include <sstream>
 #include <string>
 
@@ -48,8 +49,10 @@ bool agree(const std::string& expected, const std::string& actual, double whole)
     if (expected.starts_with("<=")) return is_number(expected.substr(2), wanted) && found <= wanted;
     if (expected.starts_with(">=")) return is_number(expected.substr(2), wanted) && found >= wanted;
     if (!is_number(expected, wanted)) return false;
-    // Between one unit and two: neither decimal number is exact in binary.
-    return std::fabs(found - wanted) <= 1.5 * last_digit_of(expected, whole);
+    // One unit, and the rounding of both numbers to binary, which counts from fourteen digits on.
+    const double rounding =
+        std::numeric_limits<double>::epsilon() * (std::fabs(found) + std::fabs(wanted));
+    return std::fabs(found - wanted) <= 1.005 * last_digit_of(expected, whole) + rounding;
 }
 
 // Commas and quotation marks as words of their own.
