@@ -1,5 +1,6 @@
 // Runs the target once for each file of the folders named: what fuzzers have found stays found.
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>

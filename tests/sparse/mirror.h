@@ -7,11 +7,12 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
-#include <random>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "fuzz/input.h"
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/sparse.h"
 #include "support/chain.h"
@@ -19,6 +20,7 @@
 
 namespace sparse_test {
 
+using nequar::fuzz::Input;
 using nequar::test::fails_with;
 
 template <class Real>
@@ -108,84 +110,75 @@ nequar::Matrix<Real> dense_of(const Mirror<Real>& m) {
     return dense;
 }
 
-// What is wrong with the storage of a matrix, or how it differs from its mirror; "" when all is
-// well.
+// What is stored, if that is in order; elements of symmetric matrices lie below the diagonal.
 template <class Real>
-std::string fault_of(const nequar::CompressedColumns<Real>& s, const Mirror<Real>& m) {
+std::optional<Mirror<Real>> stored_in(const nequar::CompressedColumns<Real>& s, bool is_lower) {
     const nequar::Vector<int>* start_vector = nullptr;
     const Real* values = nullptr;
-    const int* rows = nullptr;
-    const int* start = nullptr;
-    int width = 0, height = 0, count = 0, blank = -1;
-    s.z_gii(&start_vector, &values, &rows, &start, &width, &height, &count, &blank);
-    if (width != m.width || height != m.height || start_vector->vs() != width + 1) return "shape";
-    if (start[0] != 0 || start[width] != count) return "ends of the start pointers";
-    if (count != static_cast<int>(m.stored.size())) return "number of elements";
-    if (blank < 0 || blank != s.sbs()) return "blank space";
-    int k = 0;
-    int column = 0;
-    for (const auto& [place, v] : m.stored) {
-        while (start[column + 1] == k && column < place.first) ++column;
-        if (place.first != column || k < start[column] || k >= start[column + 1])
-            return "column of element " + std::to_string(k);
-        if (rows[k] != place.second) return "row of element " + std::to_string(k);
-        if (!(values[k] == v)) return "value of element " + std::to_string(k);
-        ++k;
+    const int *rows = nullptr, *start = nullptr;
+    Mirror<Real> m;
+    int count = 0, blank = -1;
+    s.z_gii(&start_vector, &values, &rows, &start, &m.width, &m.height, &count, &blank);
+    if (blank < 0 || blank != s.sbs()) return {};
+    if (m.width == 0 && count == 0) return m;  // moved from
+    if (start_vector->vs() != m.width + 1 || start[0] != 0 || start[m.width] != count) return {};
+    for (int x = 0; x < m.width; ++x) {
+        if (start[x] > start[x + 1]) return {};
+        int last = is_lower ? x - 1 : -1;
+        for (int k = start[x]; k < start[x + 1]; ++k) {
+            if (rows[k] <= last || rows[k] >= m.height) return {};
+            last = rows[k];
+            m.stored.emplace_hint(m.stored.end(), std::pair(x, last), values[k]);
+        }
     }
-    return "";
+    return m;
 }
-
 template <class Real>
-std::string fault_of(const nequar::SparseVector<Real>& s, const Mirror<Real>& m) {
+std::optional<Mirror<Real>> stored_in(const nequar::SparseMatrix<Real>& s) {
+    return stored_in(s, false);
+}
+template <class Real>
+std::optional<Mirror<Real>> stored_in(const nequar::SparseSymmetricMatrix<Real>& s) {
+    return stored_in(s, true);
+}
+template <class Real>
+std::optional<Mirror<Real>> stored_in(const nequar::SparseVector<Real>& s) {
     const Real* values = nullptr;
     const int* indices = nullptr;
-    int dimension = 0, count = 0, blank = -1;
-    s.z_gii(&values, &indices, &dimension, &count, &blank);
-    if (dimension != m.height) return "dimension";
-    if (count != static_cast<int>(m.stored.size())) return "number of elements";
-    if (blank < 0 || blank != s.sbs()) return "blank space";
-    int k = 0;
-    for (const auto& [place, v] : m.stored) {
-        if (indices[k] != place.second) return "index of element " + std::to_string(k);
-        if (!(values[k] == v)) return "value of element " + std::to_string(k);
-        ++k;
+    Mirror<Real> m;
+    int count = 0, blank = -1, last = -1;
+    s.z_gii(&values, &indices, &m.height, &count, &blank);
+    if (blank < 0 || blank != s.sbs()) return {};
+    for (int k = 0; k < count; ++k) {
+        if (indices[k] <= last || indices[k] >= m.height) return {};
+        last = indices[k];
+        m.stored[{0, last}] = values[k];
     }
-    return "";
+    return m;
 }
 
-// Throws of a generator, or bytes that a fuzzer chose: after the last of them every throw is the
-// lowest.
-class Dice {
-public:
-    explicit Dice(unsigned seed = 1) : engine_(seed) {}
-    Dice(const unsigned char* bytes, std::size_t count)
-        : bytes_(bytes), end_(bytes + count), has_bytes_(true) {}
-
-    int operator()(int first, int last) {
-        if (has_bytes_) return is_used_up() ? first : first + *bytes_++ % (last - first + 1);
-        return std::uniform_int_distribution<int>(first, last)(engine_);
-    }
-    bool is_used_up() const { return bytes_ == end_; }
-    template <class Real>
-    Real value() {
-        return Real((*this)(-3, 3));
-    }
-
-private:
-    std::mt19937 engine_;
-    const unsigned char* bytes_ = nullptr;
-    const unsigned char* end_ = nullptr;
-    bool has_bytes_ = false;
-};
+// How the storage differs from its mirror, "" where it does not.
+template <class Sparse, class Real>
+std::string fault_of(const Sparse& s, const Mirror<Real>& m) {
+    const auto found = stored_in(s);
+    if (!found) return "out of order";
+    if (found->width != m.width || found->height != m.height) return "another shape";
+    for (int x = 0; x < m.width; ++x)
+        for (int y = 0; y < m.height; ++y)
+            if (found->stored.count({x, y}) != m.stored.count({x, y}) ||
+                found->at(x, y) != m.at(x, y))
+                return "another element " + std::to_string(x) + ", " + std::to_string(y);
+    return "";
+}
 
 // A random matrix, explicit zeros included.
 template <class Real>
-Mirror<Real> random_mirror(Dice& dice, int height, int width) {
+Mirror<Real> random_mirror(Input& input, int height, int width) {
     Mirror<Real> m{height, width, {}};
-    const int share = dice(0, 4);
+    const int share = input.in(0, 4);
     for (int x = 0; x < width; ++x)
         for (int y = 0; y < height; ++y)
-            if (dice(0, 3) < share) m.stored[{x, y}] = dice.value<Real>();
+            if (input.in(0, 3) < share) m.stored[{x, y}] = Real(input.in(-3, 3));
     return m;
 }
 
@@ -253,9 +246,12 @@ inline constexpr int kLargest = 7;  // of the sizes
 // A matrix that is worked on, another operand, and their mirrors.
 template <class Sparse, class Real>
 struct Operands {
-    Dice dice;
+    Input input;
     Sparse a, b;
     Mirror<Real> ma, mb;
+
+    explicit Operands(Input decisions) : input(decisions) {}
+    bool get(int x, int y, Real* value) { return a.ge(x, y, value); }
 
     // One of the operations that general and symmetric matrices share, on element (x, y) or with
     // another matrix and its mirror; the return value of each has to be true. Symmetric matrices
@@ -296,32 +292,26 @@ struct Operands {
     }
 };
 
-// A hundred thousand steps, in episodes of forty that begin with a renewed matrix. After each step
-// the storage is in order and what is read is the whole matrix. Looking at the start pointers keeps
-// them up to date from then on: in every second episode only copies are looked at, and not after
-// each step.
+// Random steps, after each of which the storage is in order and what is read is the whole matrix.
+// Looking at the start pointers keeps them up to date from then on, a copy brings them up to date
+// once: some walks look now and then and at copies alone.
 template <class Sequence>
-void expect_sequence(Sequence& m, float largest_magnitude) {
-    bool looks_at_copies = false;
-    for (int step = 0; step < 100000; ++step) {
-        SCOPED_TRACE(step);
-        if (step % 40 == 0 || m.ma.largest_magnitude() > largest_magnitude) {
-            looks_at_copies = step % 80 < 40;
-            m.a = {};
-            m.renew();
-        }
-        ASSERT_TRUE(m.step()) << failures_of(m.a);
-        if (looks_at_copies && m.dice(0, 3) != 0) continue;
+void walk(Sequence m, float largest_magnitude, bool looks_at_copies_alone) {
+    while (!m.input.empty() && m.ma.largest_magnitude() < largest_magnitude) {
+        NEQUAR_REQUIRE(m.step());
+        const bool looks = m.input.in(0, 3) == 0;
+        if (looks_at_copies_alone && !looks) continue;
         const auto copy = m.a;
-        ASSERT_EQ(fault_of(looks_at_copies ? copy : m.a, m.ma), "");
-        ASSERT_EQ(fault_of(m.b, m.mb), "");
+        NEQUAR_REQUIRE(fault_of(copy, m.ma) == "");
+        if (looks && !looks_at_copies_alone) NEQUAR_REQUIRE(fault_of(m.a, m.ma) == "");
+        NEQUAR_REQUIRE(fault_of(m.b, m.mb) == "");
         const auto whole = m.whole();
         auto value = whole.at(0, 0);
         for (int x = 0; x < whole.width; ++x)
             for (int y = 0; y < whole.height; ++y)
-                ASSERT_TRUE(m.a.ge(x, y, &value) && value == whole.at(x, y));
+                NEQUAR_REQUIRE(m.get(x, y, &value) && value == whole.at(x, y));
     }
-    EXPECT_EQ(failures_of(m.a), "");
+    NEQUAR_REQUIRE(failures_of(m.a) == "");
 }
 
 }  // namespace sparse_test

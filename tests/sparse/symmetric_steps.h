@@ -36,33 +36,37 @@ struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
     using Base = Operands<nequar::SparseSymmetricMatrix<Real>, Real>;
     using Sparse = nequar::SparseSymmetricMatrix<Real>;
     using General = nequar::SparseMatrix<Real>;
-    using Base::a, Base::b, Base::dice, Base::ma, Base::mb;
+    using Base::a, Base::b, Base::input, Base::ma, Base::mb;
 
+    explicit Symmetrics(Input decisions) : Base(decisions) {
+        renew(a, ma, input.in(1, kLargest));
+        mb = ma;
+        b = a;
+    }
     void renew(Sparse& s, Mirror<Real>& m, int n) {
-        m = lower_of(random_mirror<Real>(dice, n, n));
+        m = lower_of(random_mirror<Real>(input, n, n));
         s = symmetric_of(m);
     }
-    void renew() { renew(a, ma, dice(1, kLargest)); }
     Mirror<Real> whole() const { return full_of(ma); }
 
     // Every eighth step or so looks at the statistics, too.
     bool step() {
-        if (dice(0, 7) == 0 && fault_of_statistics() != "") return false;
+        if (input.in(0, 7) == 0 && fault_of_statistics() != "") return false;
         const int n = ma.height;
-        const int x = dice(0, n - 1);
-        const int y = dice(0, n - 1);
-        const int dx = dice(1, n - x);
-        const int dy = dice(1, n - y);
-        const Real v = dice.template value<Real>();
-        const bool itself = dice(0, 3) == 0;
-        const bool lower = dice(0, 1) == 0;
+        const int x = input.in(0, n - 1);
+        const int y = input.in(0, n - 1);
+        const int dx = input.in(1, n - x);
+        const int dy = input.in(1, n - y);
+        const Real v = Real(input.in(-3, 3));
+        const bool itself = input.in(0, 3) == 0;
+        const bool lower = input.in(0, 1) == 0;
         if (!itself && mb.height != n) renew(b, mb, n);
         const Sparse* const other = itself ? &a : &b;
         const Mirror<Real>& mother = itself ? ma : mb;
-        const int which = dice(0, 18);
+        const int which = input.in(0, 18);
         switch (which) {
             case 11: {
-                const auto u = random_mirror<Real>(dice, n, 1);
+                const auto u = random_mirror<Real>(input, n, 1);
                 const auto us = vector_of(u);
                 Mirror<Real> product{n, n, {}};
                 product.add_product(u, u);
@@ -88,7 +92,7 @@ struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
                        dense == dense_of(full_of(ma));
             }
             case 15: {  // from one half of a sparse matrix that is not symmetric
-                const Mirror<Real> general = random_mirror<Real>(dice, n, n);
+                const Mirror<Real> general = random_mirror<Real>(input, n, n);
                 const General from = matrix_of(general);
                 nequar::Matrix<Real> dense;
                 ma = lower_of(lower ? general : general.transposed());
@@ -96,13 +100,13 @@ struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
                        (itself || dense == dense_of(full_of(ma)));
             }
             case 16: {  // from one half of a dense matrix that is not symmetric
-                const Mirror<Real> general = random_mirror<Real>(dice, n, n);
+                const Mirror<Real> general = random_mirror<Real>(input, n, n);
                 nequar::Matrix<Real> from = dense_of(general);
                 nequar::Matrix<Real> dense;
                 nequar::Matrix<Real>* const symmetric = itself ? &from : &dense;
                 ma = lower_of(lower ? general : general.transposed());
                 ma.remove_zeros();
-                if (dice(0, 2) == 0) return a.im(&from, lower, nullptr);
+                if (input.in(0, 2) == 0) return a.im(&from, lower, nullptr);
                 return a.im(&from, lower, symmetric) && a.sbs() == 4 &&
                        *symmetric == dense_of(full_of(ma));
             }
@@ -116,7 +120,7 @@ struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
             case 18:
                 std::swap(ma, mb);
                 std::swap(a, b);
-                return a.mbs(dice(0, 3)) && (a = a * Real(2) / Real(2), true) &&
+                return a.mbs(input.in(0, 3)) && (a = a * Real(2) / Real(2), true) &&
                        a == symmetric_of(ma);
             case 10:
                 renew(b, mb, n);
