@@ -85,7 +85,6 @@ struct SparseInside {
     // a += factor b. Counting what is absent costs as much as merging: when there can be room for
     // all of b, what was too much is taken back instead.
     static Stored add(Matrix& a, const Matrix& b, const AddRule<Real>& rule) {
-        if (a.mw() == 0) return Stored::done;  // moved from
         put_in_order(a);
         const Columns<Real> source = columns(b);
         const auto source_of = [&source](Size c) { return source.column(c); };
