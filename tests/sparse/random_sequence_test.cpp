@@ -16,7 +16,7 @@ TWINS(SparseSequence);
 template <class Sequence>
 void expect_sequence(float largest_magnitude) {
     for (const bool looks_at_copies_alone : {false, true})
-        nequar::fuzz::expect_walks(1500, 1500, [&](Input input) {
+        nequar::fuzz::expect_walks(800, 1500, [&](Input input) {
             walk(Sequence(input), largest_magnitude, looks_at_copies_alone);
         });
 }
@@ -31,7 +31,7 @@ TWIN_TEST(SparseSequence, SymmetricMatrix) {
     expect_sequence<Symmetrics<Real>>(200);
 }
 TWIN_TEST(SparseSequence, AnyCalls) {
-    nequar::fuzz::expect_walks(2000, 1500, [](Input input) { AnyCalls<Real>(input).run(); });
+    nequar::fuzz::expect_walks(1000, 1500, [](Input input) { AnyCalls<Real>(input).run(); });
 }
 
 }  // namespace
