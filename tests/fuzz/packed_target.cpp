@@ -45,6 +45,12 @@ private:
         model_.import(s, dense);
     }
 
+    void resize() {
+        if (input_.below(4) != 0) return;
+        model_.is_resized = true;
+        static_cast<Vector<Real>&>(model_.m).c_Create(input_.below(20), Real(5));
+    }
+
     void copy_and_move(int x, int y) {
         auto& m = model_.m;
         auto copy = m;
@@ -58,35 +64,22 @@ private:
     void step() {
         const int x = input_.any_int(), y = input_.any_int();
         const int choice = input_.below(12);
-        switch (choice) {
-            case 0:
-                return create();
-            case 1:
-                return import();
-            case 2: {
-                const Real v = number();
-                return model_.band(x, y, v, !input_.coin());
-            }
-            case 3:
-            case 4:
-                if (Kind::is_diagonal) return;
-                return model_.line(x, y % 2 == 0, model_.is_resized ? Real(0) : number(),
-                                   choice == 4);
-            case 5:
-                if (Kind::is_diagonal) return;
-                return model_.find(x, y, input_.any_int());
-            case 6:
-                return copy_and_move(x, y);
-            case 7:
-                if (input_.below(4) != 0) return;
-                model_.is_resized = true;
-                static_cast<Vector<Real>&>(model_.m).c_Create(input_.below(20), Real(5));
-                return;
-            case 8:
-                return model_.get_element(x, y);
-            default:
-                return model_.set_element(x, y, number());
+        const bool has_lines = !Kind::is_diagonal;
+        if (choice == 0) return create();
+        if (choice == 1) return import();
+        if (choice == 2) {
+            const Real v = number();
+            return model_.band(x, y, v, !input_.coin());
         }
+        if (choice == 3 || choice == 4) {
+            const Real v = has_lines && !model_.is_resized ? number() : Real(0);
+            return model_.line(x, y % 2 == 0, v, choice == 4);
+        }
+        if (choice == 5) return model_.find(x, y, has_lines ? input_.any_int() : 0);
+        if (choice == 6) return copy_and_move(x, y);
+        if (choice == 7) return resize();
+        if (choice == 8) return model_.get_element(x, y);
+        model_.set_element(x, y, number());
     }
 
     Input input_;
@@ -113,34 +106,25 @@ void walk_toeplitz(Input input) {
     }
 }
 
-template <class Real>
-void walk(int kind, Input input) {
-    switch (kind) {
-        case 0:
-            return Walk<Kind<Real, Form::lower>>(input).run();
-        case 1:
-            return Walk<Kind<Real, Form::upper>>(input).run();
-        case 2:
-            return Walk<Kind<Real, Form::diagonal>>(input).run();
-        case 3:
-            return Walk<Kind<Real, Form::symmetric>>(input).run();
-        case 4:
-            return Walk<Kind<Real, Form::band>>(input).run();
-        case 5:
-            return Walk<Kind<Real, Form::band_symmetric>>(input).run();
-        default:
-            return walk_toeplitz<Real>(input);
-    }
+template <class Kind>
+void walk(Input input) {
+    Walk<Kind>(input).run();
 }
+
+template <class Real>
+constexpr void (*kWalks[])(Input) = {walk<Kind<Real, Form::lower>>,
+                                     walk<Kind<Real, Form::upper>>,
+                                     walk<Kind<Real, Form::diagonal>>,
+                                     walk<Kind<Real, Form::symmetric>>,
+                                     walk<Kind<Real, Form::band>>,
+                                     walk<Kind<Real, Form::band_symmetric>>,
+                                     walk_toeplitz<Real>};
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
     const int kind = input.below(14);
-    if (kind < 7)
-        walk<double>(kind, input);
-    else
-        walk<float>(kind - 7, input);
+    kind < 7 ? kWalks<double>[kind](input) : kWalks<float>[kind - 7](input);
     return 0;
 }

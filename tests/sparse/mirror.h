@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -111,7 +112,8 @@ nequar::Matrix<Real> dense_of(const Mirror<Real>& m) {
 
 // What is stored, if that is in order; elements of symmetric matrices lie below the diagonal.
 template <class Real>
-std::optional<Mirror<Real>> stored_in(const nequar::CompressedColumns<Real>& s, bool is_lower) {
+std::optional<Mirror<Real>> stored_in(const nequar::CompressedColumns<Real>& s) {
+    const bool is_lower = dynamic_cast<const nequar::SparseSymmetricMatrix<Real>*>(&s) != nullptr;
     const nequar::Vector<int>* start_vector = nullptr;
     const Real* values = nullptr;
     const int *rows = nullptr, *start = nullptr;
@@ -131,14 +133,6 @@ std::optional<Mirror<Real>> stored_in(const nequar::CompressedColumns<Real>& s, 
         }
     }
     return m;
-}
-template <class Real>
-std::optional<Mirror<Real>> stored_in(const nequar::SparseMatrix<Real>& s) {
-    return stored_in(s, false);
-}
-template <class Real>
-std::optional<Mirror<Real>> stored_in(const nequar::SparseSymmetricMatrix<Real>& s) {
-    return stored_in(s, true);
 }
 template <class Real>
 std::optional<Mirror<Real>> stored_in(const nequar::SparseVector<Real>& s) {
@@ -221,6 +215,17 @@ inline CNqVectorInt ints(const std::vector<int>& list) {
 
 inline constexpr int kLargest = 7;  // of the sizes
 
+// One operation on a mirror and then on what it mirrors, which has to answer true.
+struct Step {
+    std::function<void()> mirrored;
+    std::function<bool()> done;
+
+    bool take() const {
+        mirrored();
+        return done();
+    }
+};
+
 // A matrix that is worked on, another operand, and their mirrors.
 template <class Sparse, class Real>
 struct Operands {
@@ -241,32 +246,17 @@ struct Operands {
             else
                 ma.set(x, y, v);
         };
-        switch (which) {
-            case 0:
-                set();
-                return a.ace(x, y, v);
-            case 1:
-                ma.remove_zeros();
-                return a.rze();
-            case 2:
-                ma.add(mother, Real(1));
-                return a.amm(other);
-            case 3:
-                ma.add(mother, v);
-                return a.ammw(other, v);
-            case 4:
-                ma.add(mother, Real(-1));
-                return a.smm(other);
-            case 5:
-                ma.multiply(mother);
-                return a.mmme(other);
-            case 6:
-                ma.scale(v);
-                return a.mmc(v);
-            default:
-                set();
-                return a.se(x, y, v);
-        }
+        const Step steps[] = {
+            {set, [&] { return a.ace(x, y, v); }},
+            {[&] { ma.remove_zeros(); }, [&] { return a.rze(); }},
+            {[&] { ma.add(mother, Real(1)); }, [&] { return a.amm(other); }},
+            {[&] { ma.add(mother, v); }, [&] { return a.ammw(other, v); }},
+            {[&] { ma.add(mother, Real(-1)); }, [&] { return a.smm(other); }},
+            {[&] { ma.multiply(mother); }, [&] { return a.mmme(other); }},
+            {[&] { ma.scale(v); }, [&] { return a.mmc(v); }},
+            {set, [&] { return a.se(x, y, v); }},
+        };
+        return steps[std::min(which, 7)].take();
     }
 };
 

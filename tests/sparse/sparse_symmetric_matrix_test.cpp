@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "sparse/mirror.h"
+#include "support/matrix_gallery.h"
 
 namespace {
 
@@ -27,19 +28,14 @@ TWIN_TEST(SparseSymmetric, LargeDenseHalves) {
     for (const int n : {63, 64, 65, 130, 600})
         for (const bool lower : {true, false}) {
             SCOPED_TRACE(n);
-            nequar::Matrix<Real> a, full, symmetric;
-            a.c_Create(n, n);
-            full.c_Create(n, n);
-            for (int y = 0; y < n; ++y)
-                for (int x = 0; x < n; ++x) {
-                    const int low = std::min(x, y);
-                    const int high = std::max(x, y);
-                    const bool is_stored = n == 600 || (low * 7 + high * 3) % 5 == 0;
-                    full[y][x] = is_stored ? Real(high * 1000 + low) : Real(0);
-                    a[y][x] = (lower ? y >= x : y <= x) ? full[y][x] : nan;
-                }
+            const auto full = nequar::test::matrix_of<Real>(n, n, [n](int i, int j) {
+                const int low = std::min(i, j), high = std::max(i, j);
+                return n == 600 || (low * 7 + high * 3) % 5 == 0 ? high * 1000 + low : 0;
+            });
+            auto a = nequar::test::matrix_of<Real>(
+                n, n, [&](int i, int j) { return (lower ? i >= j : i <= j) ? full[i][j] : nan; });
             Symmetric<Real> s;
-            nequar::Matrix<Real> exported;
+            nequar::Matrix<Real> symmetric, exported;
             EXPECT_TRUE(s.im(&a, lower, &symmetric) && symmetric == full);
             EXPECT_TRUE(s.ex(&exported) && exported == full);
             nequar::SparseVector<Real> column;

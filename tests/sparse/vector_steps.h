@@ -28,40 +28,25 @@ struct Vectors : Operands<nequar::SparseVector<Real>, Real> {
         }
         const auto* const other = itself ? &a : &b;
         const Mirror<Real>& mother = itself ? ma : mb;
-        switch (input.in(0, 13)) {
-            case 0:
-            case 1:
-                ma.set(0, i, v);
-                return a.se(i, v);
-            case 2:
-                ma.set(0, i, v);
-                return a.ace(i, v);
-            case 3:
-                ma.remove_zeros();
-                return a.rze();
-            case 4:
-                ma.add_elements(mother, Real(1));
-                return a.avv(other);
-            case 5:
-                ma.add_elements(mother, v);
-                return a.avvw(other, v);
-            case 6:
-                ma.add_elements(mother, Real(-1));
-                return a.svv(other);
-            case 7:
-                ma.multiply(mother);
-                return a.mvve(other);
-            case 8:
-                ma.scale(v);
-                return a.mvc(v);
-            case 9: {  // the end of the range may lie beyond the vector
+        const auto set = [&] { ma.set(0, i, v); };
+        const Step steps[] = {
+            {set, [&] { return a.se(i, v); }},
+            {set, [&] { return a.ace(i, v); }},
+            {[&] { ma.remove_zeros(); }, [&] { return a.rze(); }},
+            {[&] { ma.add_elements(mother, Real(1)); }, [&] { return a.avv(other); }},
+            {[&] { ma.add_elements(mother, v); }, [&] { return a.avvw(other, v); }},
+            {[&] { ma.add_elements(mother, Real(-1)); }, [&] { return a.svv(other); }},
+            {[&] { ma.multiply(mother); }, [&] { return a.mvve(other); }},
+            {[&] { ma.scale(v); }, [&] { return a.mvc(v); }},
+            {[&] { ma.replace(0, i, mother); }, [&] { return a.s(i, other); }},
+        };
+        const int which = input.in(0, 13);
+        switch (which) {
+            case 10: {  // the end of the range may lie beyond the vector
                 const int length = input.in(1, 2 * n);
                 mb = ma.block(0, i, 1, length, false);
                 return a.g(i, length, &b);
             }
-            case 10:
-                ma.replace(0, i, mother);
-                return a.s(i, other);
             case 11: {
                 nequar::Vector<Real> dense;
                 ma.remove_zeros();
@@ -75,9 +60,11 @@ struct Vectors : Operands<nequar::SparseVector<Real>, Real> {
                 return a.ex(&dimension, &values, &indices) && dimension == n &&
                        b.im(n, &values, &indices) && a == b;
             }
-            default:
+            case 13:
                 ma = ma.block(0, i, 1, input.in(1, n), false);
                 return a.g(i, ma.height, &a);
+            default:
+                return steps[std::min(which, 8)].take();
         }
     }
 };
