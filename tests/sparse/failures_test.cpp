@@ -10,6 +10,7 @@
 namespace {
 
 using namespace sparse_test;
+using nequar::test::fails_as;
 
 TWINS(SparseFailures);
 
@@ -293,26 +294,23 @@ TWIN_TEST(SparseFailures, OfSelfTests) {
     nequar::Matrix<Real> dense;
     const std::string rows = "u_tor_Test_Operations_for_Rows";
     const std::string total = rows + ": 5\nu_tot_Test_Operations_Total: " + rows;
-    EXPECT_FALSE(a.u_tot_Test_Operations_Total(2, 2, 0.5, 0, 1, 1, 1, 1, -1, 1, 1));
-    EXPECT_EQ(failures_of(a), total);
-    EXPECT_FALSE(s.u_tot_Test_Operations_Total(3, 0.5, 0, 1, 1, 1, 1, -1, 1, 1));
-    EXPECT_EQ(failures_of(s), total);
+    EXPECT_TRUE(
+        fails_as(a, total, a.u_tot_Test_Operations_Total(2, 2, 0.5, 0, 1, 1, 1, 1, -1, 1, 1)));
+    EXPECT_TRUE(fails_as(s, total, s.u_tot_Test_Operations_Total(3, 0.5, 0, 1, 1, 1, 1, -1, 1, 1)));
     EXPECT_TRUE(s.u_toe_Test_Operations_Elementary(INT_MAX, 1, 0, 1, 1, 0));
-    EXPECT_FALSE(s.u_toe_Test_Operations_Elementary(3, 0.5, 0, 1, nan, 0));
-    EXPECT_EQ(failures_of(s), "u_toe_Test_Operations_Elementary: 1");
+    EXPECT_TRUE(fails_as(s, "u_toe_Test_Operations_Elementary: 1",
+                         s.u_toe_Test_Operations_Elementary(3, 0.5, 0, 1, nan, 0)));
     const std::string maker = "u_mrsm_Make_a_Random_Sparse_Matrix";
     EXPECT_FALSE(a.u_mrsm_Make_a_Random_Sparse_Matrix(0, 1, 1, 0, 1, &made, &dense));
-    failures_of(a);
-    EXPECT_FALSE(a.u_mrsm_Make_a_Random_Sparse_Matrix(1, 1, -1, 0, 1, &made, &dense));
-    EXPECT_EQ(failures_of(a), maker + ": 1");
-    EXPECT_FALSE(a.u_mrsm_Make_a_Random_Sparse_Matrix(1, 1, 1, 2, 1, &made, &dense));
-    EXPECT_EQ(failures_of(a), maker + ": 2");
+    EXPECT_TRUE(fails_as(a, maker + ": 1",
+                         a.u_mrsm_Make_a_Random_Sparse_Matrix(1, 1, -1, 0, 1, &made, &dense)));
+    EXPECT_TRUE(fails_as(a, maker + ": 2",
+                         a.u_mrsm_Make_a_Random_Sparse_Matrix(1, 1, 1, 2, 1, &made, &dense)));
     EXPECT_FALSE(s.u_mrsm_Make_a_Random_Sparse_Matrix(6, -1, 2, 1, &s, &dense));
-    failures_of(s);
-    EXPECT_FALSE(s.u_mrsm_Make_a_Random_Sparse_Matrix(6, 1, 2, 1, &s, &dense));
-    EXPECT_EQ(failures_of(s), maker + ": 2");
-    EXPECT_FALSE(v.u_mrsv_Make_a_Random_Sparse_Vector(1, 1, nan, 1, nullptr, nullptr));
-    EXPECT_EQ(failures_of(v), "u_mrsv_Make_a_Random_Sparse_Vector: 2");
+    EXPECT_TRUE(
+        fails_as(s, maker + ": 2", s.u_mrsm_Make_a_Random_Sparse_Matrix(6, 1, 2, 1, &s, &dense)));
+    EXPECT_TRUE(fails_as(v, "u_mrsv_Make_a_Random_Sparse_Vector: 2",
+                         v.u_mrsv_Make_a_Random_Sparse_Vector(1, 1, nan, 1, nullptr, nullptr)));
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Sparse vectors and matrices: special cases that random sequences do not reach, statistics, sizes
-// that do not fit, self-tests.
+// Sparse vectors and matrices, symmetric ones too: special cases that random sequences do not
+// reach, statistics, sizes that do not fit, self-tests.
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -58,6 +58,8 @@ TWIN_TEST(SparseTest, ZeroElementsAndExtrema) {
     EXPECT_TRUE(v.max(&i) == Real(0) && i == 0 && v.itze() && v.fize(i) && i == 0);
     v.se(1, Real(-2));
     EXPECT_TRUE(v.max(&i) == Real(0) && i == 0 && v.min(&i) == Real(-2) && i == 1);
+    v = vector_of(Mirror<Real>{4, 1, {{{0, 1}, -2}, {{0, 3}, 0}}});  // a stored zero
+    EXPECT_TRUE(v.max(&i) == Real(0) && i == 3);
     v.czv(4, 0);
     v.se(0, Real(-2));
     i = -7;
@@ -93,42 +95,52 @@ TWIN_TEST(SparseTest, ZeroElementsAndExtrema) {
     // A NaN counts only at the first place.
     a.se(0, 0, TestFixture::kNan);
     EXPECT_NE(a.max(), a.max());
-    EXPECT_NE(a.nf(), a.nf());
-    EXPECT_NE(a.m(), a.m());
+}
+
+// Three of sixteen elements are v; then one of one; then NaN.
+template <class Sparse, class Real>
+void expect_statistics(Sparse s, Real v) {
+    SCOPED_TRACE(v);
+    Real deviation = -1;
+    EXPECT_TRUE(s.se(0, 0, v) && s.se(3, 1, v) && s.se(1, 3, v));
+    EXPECT_NEAR(s.m() / v, 3.0 / 16, 1e-6);
+    EXPECT_NEAR(s.mst(deviation) / v, 3.0 / 16, 1e-6);
+    EXPECT_NEAR(deviation / v, std::sqrt(39.0) / 16, 1e-6);
+    EXPECT_NEAR(s.nf() / v, std::sqrt(3.0), 1e-6);
+    EXPECT_TRUE(s.cim(1, 1) && s.se(0, 0, v) && s.mst(deviation) == v && deviation == Real(0));
+    s.se(0, 0, std::numeric_limits<Real>::quiet_NaN());
+    EXPECT_TRUE(std::isnan(s.m()) && std::isnan(s.mst(deviation)) && std::isnan(deviation));
+    EXPECT_TRUE(std::isnan(s.nf()) && std::isnan(s.mse(&s)));
+    EXPECT_TRUE(s == s);
+    EXPECT_FALSE(s == Sparse(s));
 }
 
 TWIN_TEST(SparseTest, Statistics) {
-    const Real huge = std::is_same_v<Real, float> ? Real(1e30) : Real(1e200);
+    using L = std::numeric_limits<Real>;
     typename TestFixture::VectorType v, w;
     typename TestFixture::MatrixType a;
+    nequar::SparseSymmetricMatrix<Real> s;
+    a.czm(4, 4, 0);
+    s.czm(4, 0);
     Real deviation = -1;
-    for (const Real scale : {Real(1), huge, 1 / huge}) {
+    for (const Real scale : {Real(1), L::max() / 4, L::min() * 4}) {
         v.czv(4, 0);
         v.se(2, 4 * scale);
         EXPECT_EQ(v.mst_Mean_and_Stdev(deviation), scale);
-        EXPECT_LT(std::abs(deviation / scale - std::sqrt(Real(3))), Real(1e-6));
-        a.czm(2, 2, 0);
-        a.se(1, 1, 4 * scale);
-        EXPECT_EQ(a.mst_Mean_and_Stdev(deviation), scale);
-        EXPECT_LT(std::abs(deviation / scale - std::sqrt(Real(3))), Real(1e-6));
-        a.se(0, 1, 3 * scale);
-        EXPECT_LT(std::abs(a.nf_Norm_Frobenius() / scale - 5), Real(1e-5));
+        EXPECT_NEAR(deviation / scale, std::sqrt(3.0), 1e-6);
+        expect_statistics(a, scale);
+        expect_statistics(s, scale);
     }
-    const Real largest = std::numeric_limits<Real>::max();
     v.czv(2, 0);
-    v.se(0, largest);
-    v.se(1, largest);
-    EXPECT_EQ(v.m(), largest);
-    v.czv(3, 0);
-    w.czv(3, 0);
-    v.se(0, Real(2));
-    v.se(2, Real(-3));
-    w.se(0, Real(5));
-    w.se(1, Real(1));
+    v.se(0, L::max());
+    v.se(1, L::max());
+    EXPECT_EQ(v.m(), L::max());
+    v = vector_of(Mirror<Real>{3, 1, {{{0, 0}, 2}, {{0, 2}, -3}}});
+    w = vector_of(Mirror<Real>{3, 1, {{{0, 0}, 5}, {{0, 1}, 1}}});
     EXPECT_TRUE(v.ds(&w) == Real(19) && v.ps(&w) == Real(10) && v.n1() == Real(5));
-    EXPECT_LT(std::abs(v.mse(&w) - Real(19) / 3), Real(1e-6));
-    EXPECT_LT(std::abs(v.n2() - std::sqrt(Real(13))), Real(1e-6));
-    EXPECT_LT(std::abs(v.ng(3) - std::cbrt(Real(35))), Real(1e-5));
+    EXPECT_NEAR(v.mse(&w), 19.0 / 3, 1e-6);
+    EXPECT_NEAR(v.n2(), std::sqrt(13.0), 1e-6);
+    EXPECT_NEAR(v.ng(3), std::cbrt(35.0), 1e-5);
     EXPECT_NE(v.ng(0), v.ng(0));
 }
 
@@ -174,6 +186,33 @@ TWIN_TEST(SparseTest, VeryLargeShapes) {
     EXPECT_TRUE(v.s(INT_MAX - 2, &w) && v.nee() == 2 && v.m() > Real(0));
     Real value = 0;
     EXPECT_TRUE(v.ge(INT_MAX - 1, &value) && value == Real(8));
+}
+
+TWIN_TEST(SparseTest, LargeDenseHalvesOfSymmetricMatrices) {
+    for (const int n : {63, 64, 65, 130, 600})
+        for (const bool lower : {true, false}) {
+            SCOPED_TRACE(n);
+            const auto full = nequar::test::matrix_of<Real>(n, n, [n](int i, int j) {
+                const int low = std::min(i, j), high = std::max(i, j);
+                return n == 600 || (low * 7 + high * 3) % 5 == 0 ? high * 1000 + low : 0;
+            });
+            auto a = nequar::test::matrix_of<Real>(n, n, [&](int i, int j) {
+                return (lower ? i >= j : i <= j) ? full[i][j] : TestFixture::kNan;
+            });
+            nequar::SparseSymmetricMatrix<Real> s;
+            nequar::Matrix<Real> symmetric, exported;
+            EXPECT_TRUE(s.im(&a, lower, &symmetric) && symmetric == full);
+            EXPECT_TRUE(s.ex(&exported) && exported == full);
+            nequar::SparseVector<Real> column;
+            nequar::Vector<Real> got;
+            for (const int x : {0, n / 2, n - 1})
+                for (const int y : {0, n / 3}) {
+                    EXPECT_TRUE(s.gc(x, y, n - y, &column) && column.ex(&got));
+                    for (int r = y; r < n; ++r) ASSERT_EQ(got[r - y], full[r][x]);
+                }
+            EXPECT_TRUE(s.im(&a, lower, &a) && a == full);
+            EXPECT_TRUE(s.ex(&exported) && exported == full);
+        }
 }
 
 TWIN_TEST(SparseTest, CopiesAndMoves) {

@@ -88,34 +88,29 @@ struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
             case 14: {
                 General exported;
                 nequar::Matrix<Real> dense;
-                return a.ex(&exported, &dense) && fault_of(exported, full_of(ma)) == "" &&
-                       dense == dense_of(full_of(ma));
+                return a.ex(&exported, &dense) && fault_of(exported, whole()) == "" &&
+                       dense == dense_of(whole());
             }
-            case 15: {  // from one half of a sparse matrix that is not symmetric
+            case 15:
+            case 16: {  // from one half of a matrix that is not symmetric, sparse or dense
                 const Mirror<Real> general = random_mirror<Real>(input, n, n);
-                const General from = matrix_of(general);
-                nequar::Matrix<Real> dense;
+                const General sparse = matrix_of(general);
+                nequar::Matrix<Real> from = dense_of(general), dense;
                 ma = lower_of(lower ? general : general.transposed());
-                return a.im(&from, lower, itself ? nullptr : &dense) && a.sbs() == 4 &&
-                       (itself || dense == dense_of(full_of(ma)));
-            }
-            case 16: {  // from one half of a dense matrix that is not symmetric
-                const Mirror<Real> general = random_mirror<Real>(input, n, n);
-                nequar::Matrix<Real> from = dense_of(general);
-                nequar::Matrix<Real> dense;
-                nequar::Matrix<Real>* const symmetric = itself ? &from : &dense;
-                ma = lower_of(lower ? general : general.transposed());
+                if (which == 15)
+                    return a.im(&sparse, lower, itself ? nullptr : &dense) && a.sbs() == 4 &&
+                           (itself || dense == dense_of(whole()));
                 ma.remove_zeros();
                 if (input.in(0, 2) == 0) return a.im(&from, lower, nullptr);
-                return a.im(&from, lower, symmetric) && a.sbs() == 4 &&
-                       *symmetric == dense_of(full_of(ma));
+                return a.im(&from, lower, itself ? &from : &dense) && a.sbs() == 4 &&
+                       (itself ? from : dense) == dense_of(whole());
             }
             case 17: {
                 nequar::MatrixSymmetric<Real> packed;
-                nequar::Matrix<Real> dense = dense_of(full_of(ma));
+                nequar::Matrix<Real> dense = dense_of(whole());
                 packed.i_Import(&dense);
                 ma.remove_zeros();
-                return a.im(&packed, itself ? nullptr : &dense) && dense == dense_of(full_of(ma));
+                return a.im(&packed, itself ? nullptr : &dense) && dense == dense_of(whole());
             }
             case 18:
                 std::swap(ma, mb);

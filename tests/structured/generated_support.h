@@ -10,6 +10,14 @@
 
 namespace nequar::test {
 
+template <class Real, class Function>
+Vector<Real> generated_vector(int n, const Function& element) {
+    Vector<Real> v;
+    v.c_Create(n);
+    for (int i = 0; i < n; ++i) v[i] = Real(element(i));
+    return v;
+}
+
 // Elements, rows and columns, at coordinates that wrap, and raw exports are those of `dense`.
 template <class Generated, class Real>
 void expect_elements(const Generated& generated, const Matrix<Real>& dense) {

@@ -28,14 +28,6 @@ constexpr double (*kSequences[])(int) = {
     },
 };
 
-template <class Real, class Function>
-Vector<Real> generated_vector(int n, const Function& element) {
-    Vector<Real> v;
-    v.c_Create(n);
-    for (int i = 0; i < n; ++i) v[i] = Real(element(i));
-    return v;
-}
-
 template <class Real>
 Matrix<Real> full(const Vector<Real>& r, int n) {
     return matrix_of<Real>(n, n, [&](int i, int j) { return r[std::abs(i - j)]; });

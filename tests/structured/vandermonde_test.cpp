@@ -25,18 +25,11 @@ TWIN_TEST(VandermondeTest, InterpolatesAndSolves) {
 
     for (const int n : {1, 2, 3, 5, 8, 13, 16}) {
         SCOPED_TRACE(n);
-        Vector<Real> nodes;
-        Vector<Real> data;
-        nodes.c_Create(n);
-        data.c_Create(n);
-        for (int i = 0; i < n; ++i) {
-            nodes[i] = Real(-1 + 2.0 * (i + 0.5) / n);
-            data[i] = Real(std::cos(2.0 * i));
-        }
+        const auto nodes = generated_vector<Real>(n, [n](int i) { return (2 * i + 1.0) / n - 1; });
+        const auto data = generated_vector<Real>(n, [](int i) { return std::cos(2.0 * i); });
         MatrixVandermonde<Real> v;
         ASSERT_TRUE(v.im_Import(nodes));
-        Matrix<Real> matrix;
-        Matrix<Real> transposed;
+        Matrix<Real> matrix, transposed;
         v.ex_Export(&matrix, &transposed, nullptr);
         auto x = data;
         ASSERT_TRUE(v.sle_Solve_Linear_Equation(x));
@@ -101,9 +94,8 @@ TWIN_TEST(VandermondeTest, ElementsRowsAndExportsAgree) {
     MatrixVandermonde<Real> v, other;
     EXPECT_EQ(v.ge_Get_Element(3, 7), Real(1));
     const int n = 9;
-    Vector<Real> nodes, same;
-    nodes.c_Create(n);
-    for (int i = 0; i < n; ++i) nodes[i] = Real(i) / 3 - 1;
+    Vector<Real> same;
+    const auto nodes = generated_vector<Real>(n, [](int i) { return Real(i) / 3 - 1; });
     ASSERT_TRUE(v.im_Import(nodes));
     Matrix<Real> matrix, transposed;
     v.ex_Export(&matrix, &transposed, &same);
