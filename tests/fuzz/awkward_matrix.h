@@ -90,7 +90,7 @@ inline Wide operator*(const Wide& a, const Wide& b) {
 }
 
 // Whether |A - B| <= kBound n eps scale, subnormal roundings allowed for; NaN says no.
-inline constexpr long double kBound = 60;
+inline constexpr long double kBound = 30;
 
 template <class Real>
 bool agree(const Wide& a, const Wide& b, long double scale) {

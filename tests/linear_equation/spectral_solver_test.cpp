@@ -174,5 +174,18 @@ TWIN_TEST(SpectralSolvers, Refusals) {
     }
 }
 
+// The largest singular value overflows though no element does: nothing may be counted beside it.
+TWIN_TEST(SpectralSolvers, SingularValuesThatOverflowGiveNoRank) {
+    Matrix<Real> a, n;
+    a.c_Create(3, 3, std::numeric_limits<Real>::max() / 2);
+    int rank = -1;
+    const Real tolerance = Real(1e-3);
+    EXPECT_FALSE(this->f_.r_Rank(&a, tolerance, rank));
+    EXPECT_FALSE(this->f_.fin_Find_Input_Null_vector_space(&a, tolerance, rank, &n, nullptr,
+                                                           nullptr, nullptr));
+    EXPECT_FALSE(this->f_.pisv_Pseudo_Inverse_matrix_based_on_SVD(&a, tolerance, &this->x_));
+    EXPECT_TRUE(rank == -1 && n.mh() == 0 && this->x_.mh() == 0);
+}
+
 }  // namespace
 }  // namespace nequar
