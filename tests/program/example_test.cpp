@@ -1,39 +1,28 @@
-// The bundled example: its files are what its program writes, its output is the known one, and
-// nequar reproduces the known answer from the files.
-#include <gtest/gtest.h>
-
-#include <string>
-
+// The bundled example: its files are what its program writes, and nequar reproduces the known
+// answer from the files.
 #include "program/run_program.h"
 
 namespace program_test {
 namespace {
 
-const std::string kFolder = NEQUAR_EXAMPLES "/ieee14_dc_power_flow/";
+const std::string kExample = NEQUAR_EXAMPLES "/ieee14_dc_power_flow/";
 
-TEST(ProgramExample, Ieee14PrintsTheKnownFlow) {
-    const Answer result = run(NEQUAR_IEEE14, {});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(result.out, read_file(kFolder + "expected_output.txt"));
-}
+using ProgramExample = InFolder;
 
-TEST(ProgramExample, Ieee14WritesTheFilesThatAreBundled) {
-    const Folder folder;
-    const Answer result = run(NEQUAR_IEEE14, {"--write", folder.path()});
-    EXPECT_EQ(result.status, 0) << result.err;
+TEST_F(ProgramExample, Ieee14WritesTheFilesThatAreBundled) {
+    EXPECT_EQ(run(NEQUAR_IEEE14, {"--write", folder.path()}).status, 0);
     for (const char* name : {"A.mtx", "b.mtx"}) {
-        EXPECT_FALSE(read_file(kFolder + name).empty());
-        EXPECT_EQ(read_file(folder / name), read_file(kFolder + name));
+        EXPECT_FALSE(read_file(kExample + name).empty());
+        EXPECT_EQ(read_file(folder / name), read_file(kExample + name));
     }
     EXPECT_EQ(run(NEQUAR_IEEE14, {"--write", folder / "none"}).status, 2);
 }
 
-TEST(ProgramExample, NequarReproducesTheKnownAngles) {
-    const Answer result =
-        nequar({"solve", kFolder + "A.mtx", kFolder + "b.mtx", "--expect", kFolder + "x.mtx"});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_TRUE(contains(result.out, "reproduces the known one")) << result.out;
-    EXPECT_LT(number_after(result.out, "residual"), 1e-16) << result.out;
+TEST_F(ProgramExample, NequarReproducesTheKnownAngles) {
+    const std::string out = output_of(
+        {"solve", kExample + "A.mtx", kExample + "b.mtx", "--expect", kExample + "x.mtx"});
+    EXPECT_TRUE(contains(out, "reproduces the known one")) << out;
+    EXPECT_LT(number_after(out, "residual"), 1e-16) << out;
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "program/run_program.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,10 +14,9 @@
 
 namespace program_test {
 
-pid_t start(const std::string& executable, const std::vector<std::string>& arguments, int out,
-            int err, const std::string& folder) {
-    std::vector<char*> pointers;
-    pointers.push_back(const_cast<char*>(executable.c_str()));
+pid_t start(const std::string& executable, const Words& arguments, int out, int err,
+            const std::string& folder) {
+    std::vector<char*> pointers = {const_cast<char*>(executable.c_str())};
     for (const std::string& argument : arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));
     pointers.push_back(nullptr);
@@ -37,23 +35,33 @@ int end_of(pid_t child) {
     return WIFEXITED(state) ? WEXITSTATUS(state) : -WTERMSIG(state);
 }
 
-Answer run(const std::string& executable, const std::vector<std::string>& arguments,
-           const std::string& folder) {
+Answer run(const std::string& executable, const Words& arguments, const std::string& folder) {
     const Folder outputs;
     const std::string out = outputs / "out", err = outputs / "err";
     const int out_file = open(out.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     const int err_file = open(err.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    Answer result;
-    result.status = end_of(start(executable, arguments, out_file, err_file, folder));
+    const int status = end_of(start(executable, arguments, out_file, err_file, folder));
     close(out_file);
     close(err_file);
-    result.out = read_file(out);
-    result.err = read_file(err);
-    return result;
+    return {status, read_file(out), read_file(err)};
 }
 
-Answer nequar(const std::vector<std::string>& arguments) {
+Answer nequar(const Words& arguments) {
     return run(NEQUAR_PROGRAM, arguments);
+}
+
+std::string output_of(const Words& arguments) {
+    const Answer answer = nequar(arguments);
+    EXPECT_EQ(answer.status, 0) << answer.err;
+    return answer.out;
+}
+
+Answer expect_failure(const Words& arguments, int status, const std::string& part) {
+    const Answer answer = nequar(arguments);
+    EXPECT_EQ(answer.status, status) << part;
+    EXPECT_EQ(answer.err.rfind("nequar: ", 0), 0U) << answer.err;
+    EXPECT_TRUE(contains(answer.err, part)) << answer.err << part;
+    return answer;
 }
 
 std::string read_file(const std::string& path) {
@@ -83,8 +91,8 @@ std::string Folder::file(const std::string& name, const std::string& text) const
     return *this / name;
 }
 
-std::vector<std::string> Folder::names() const {
-    std::vector<std::string> names;
+Words Folder::names() const {
+    Words names;
     for (const auto& entry : std::filesystem::directory_iterator(path_))
         names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
@@ -93,17 +101,20 @@ std::vector<std::string> Folder::names() const {
 
 double number_after(const std::string& output, const std::string& name) {
     std::istringstream lines(output);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.rfind(name + " ", 0) != 0) continue;
-        std::istringstream rest(line.substr(name.size()));
-        double value = 0;
-        if (rest >> value) return value;
-    }
+    for (std::string line; std::getline(lines, line);)
+        if (double value = 0;
+            line.rfind(name + " ", 0) == 0 && std::istringstream(line.substr(name.size())) >> value)
+            return value;
     return std::numeric_limits<double>::quiet_NaN();
 }
 
 bool contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
+}
+
+Words joined(Words words, const Words& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
 }
 
 std::vector<double> values_of(const std::string& path) {
@@ -116,11 +127,11 @@ std::vector<double> values_of(const std::string& path) {
     return values;
 }
 
-void expect_values(const std::vector<double>& found, const std::vector<double>& expected,
-                   double bound) {
-    ASSERT_EQ(found.size(), expected.size());
+void expect_values(const std::string& path, const std::vector<double>& expected, double bound) {
+    const std::vector<double> found = values_of(path);
+    ASSERT_EQ(found.size(), expected.size()) << path;
     for (std::size_t i = 0; i < found.size(); ++i)
-        EXPECT_LT(std::fabs(found[i] - expected[i]), bound) << "element " << i;
+        EXPECT_LT(std::fabs(found[i] - expected[i]), bound) << path << ", element " << i;
 }
 
 }  // namespace program_test
