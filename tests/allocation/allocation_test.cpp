@@ -181,11 +181,11 @@ void refuse_every_request(const Operation<Real>& operation) {
 TWINS(Allocation);
 
 // Operations on one of the things t, which answer, and which do not.
-#define NEQUAR_ASK(object, call)                                        \
+#define ASK(object, call)                                               \
     Operation<Real> {                                                   \
 #call, [=](auto& t) { return t.says(t.object, t.object.call); } \
     }
-#define NEQUAR_DO(object, call)                                          \
+#define CALL(object, call)                                               \
     Operation<Real> {                                                    \
 #call, [=](auto& t) { return t.object.call, t.quiet(t.object); } \
     }
@@ -197,32 +197,31 @@ void refuse_in(const std::vector<Operation<Real>>& operations) {
 
 TWIN_TEST(Allocation, Frame) {
     refuse_in<Real>({
-        NEQUAR_DO(x, c_Create(30, 40, Real(1))),
-        NEQUAR_DO(x, cp_Copy(&t.a)),
-        NEQUAR_DO(a, gc_Get_Column(1, 0, kOrder, &t.w)),
-        NEQUAR_ASK(grown, ap_Append(&t.v, kOrder)),
-        NEQUAR_ASK(columns, ap_Append(&t.a, kOrder)),
-        NEQUAR_ASK(rows, ap_Append(&t.a, kOrder)),
-        NEQUAR_ASK(set, c_Create(7) != nullptr),
-        NEQUAR_ASK(queue, c_Create(5, kOrder, Real(1))),
-        NEQUAR_ASK(ranker, fklbp(t.v, 0, kOrder, 5, t.number, nullptr, &t.perm)),
+        CALL(x, c_Create(30, 40, Real(1))),
+        CALL(x, cp_Copy(&t.a)),
+        CALL(a, gc_Get_Column(1, 0, kOrder, &t.w)),
+        ASK(grown, ap_Append(&t.v, kOrder)),
+        ASK(columns, ap_Append(&t.a, kOrder)),
+        ASK(rows, ap_Append(&t.a, kOrder)),
+        ASK(set, c_Create(7) != nullptr),
+        ASK(queue, c_Create(5, kOrder, Real(1))),
+        ASK(ranker, fklbp(t.v, 0, kOrder, 5, t.number, nullptr, &t.perm)),
     });
 }
 
 TWIN_TEST(Allocation, Algebra) {
     refuse_in<Real>({
-        NEQUAR_DO(algebra, mmm_Multiply_Matrix_Matrix(&t.a, &t.b, &t.x)),
-        NEQUAR_DO(algebra, mmm_Multiply_Matrix_Matrix(&t.a, &t.b, &t.a)),
-        NEQUAR_DO(algebra, mmm_Multiply_Matrix_Matrix(&t.a, &t.b, &t.a, &t.x)),
-        NEQUAR_DO(algebra, mmv_Multiply_Matrix_Vector(&t.a, &t.v, &t.v)),
-        NEQUAR_DO(algebra, mmdt_Multiply_Matrix_Dmatrix_Tmatrix(&t.a, &t.v, &t.b, &t.x)),
-        NEQUAR_DO(algebra, amtw_Add_Matrix_Tmatrix_with_Weight(&t.a, &t.b, 2, 3, &t.b)),
-        NEQUAR_DO(algebra, tpm_Transpose_Matrix(&t.a, &t.a)),
-        NEQUAR_DO(algebra, gso_Gram_Schmidt_Orthogonalization(&t.a, &t.x)),
-        NEQUAR_DO(algebra, avvw_Add_Vector_Vector_with_Weight(&t.v, &t.v, 1, 2, &t.w)),
-        NEQUAR_ASK(algebra,
-                   slet_Solve_Linear_Equation_for_Triangular_matrix(true, &t.a, &t.b, &t.a)),
-        NEQUAR_ASK(algebra, imt_Inverse_Matrix_for_Triangular_matrix(false, &t.a, &t.x)),
+        CALL(algebra, mmm_Multiply_Matrix_Matrix(&t.a, &t.b, &t.x)),
+        CALL(algebra, mmm_Multiply_Matrix_Matrix(&t.a, &t.b, &t.a)),
+        CALL(algebra, mmm_Multiply_Matrix_Matrix(&t.a, &t.b, &t.a, &t.x)),
+        CALL(algebra, mmv_Multiply_Matrix_Vector(&t.a, &t.v, &t.v)),
+        CALL(algebra, mmdt_Multiply_Matrix_Dmatrix_Tmatrix(&t.a, &t.v, &t.b, &t.x)),
+        CALL(algebra, amtw_Add_Matrix_Tmatrix_with_Weight(&t.a, &t.b, 2, 3, &t.b)),
+        CALL(algebra, tpm_Transpose_Matrix(&t.a, &t.a)),
+        CALL(algebra, gso_Gram_Schmidt_Orthogonalization(&t.a, &t.x)),
+        CALL(algebra, avvw_Add_Vector_Vector_with_Weight(&t.v, &t.v, 1, 2, &t.w)),
+        ASK(algebra, slet_Solve_Linear_Equation_for_Triangular_matrix(true, &t.a, &t.b, &t.a)),
+        ASK(algebra, imt_Inverse_Matrix_for_Triangular_matrix(false, &t.a, &t.x)),
         once<Real>({"mll_Multiply_Lmatrix_Lmatrix",
                     [](auto& t) {
                         t.l.i_Import(&t.a);
@@ -230,16 +229,16 @@ TWIN_TEST(Allocation, Algebra) {
                                t.says(t.algebra,
                                       t.algebra.mll_Multiply_Lmatrix_Lmatrix(&t.l, &t.l, &t.l));
                     }}),
-        NEQUAR_DO(algebra, opr_Permute_Rows(&t.a, &t.reversal)),
+        CALL(algebra, opr_Permute_Rows(&t.a, &t.reversal)),
     });
 }
 
 TWIN_TEST(Allocation, Structured) {
     refuse_in<Real>({
-        NEQUAR_DO(s2, i_Import(&t.a)),
-        NEQUAR_DO(s, e_Export(&t.x)),
-        NEQUAR_DO(l, i_Import(&t.a)),
-        NEQUAR_DO(band, i_Import(&t.a, 20, 30)),
+        CALL(s2, i_Import(&t.a)),
+        CALL(s, e_Export(&t.x)),
+        CALL(l, i_Import(&t.a)),
+        CALL(band, i_Import(&t.a, 20, 30)),
         {"cp_Copy of a band matrix",
          [](auto& t) {
              MatrixBand<Real> from;
@@ -248,122 +247,118 @@ TWIN_TEST(Allocation, Structured) {
              t.band.cp_Copy(&from);
              return t.quiet(t.band);
          }},
-        NEQUAR_DO(band_symmetric, i_Import(&t.s, 20)),
-        NEQUAR_DO(d, i_Import(&t.a)),
-        NEQUAR_DO(toeplitz, ex_Export(&t.x, &t.s2, &t.w)),
-        NEQUAR_ASK(toeplitz, fimt_Find_Inverse_Matrix_by_Trench(&t.x, &t.s2)),
-        NEQUAR_ASK(toeplitz, slel_Solve_Linear_Equation_by_Levinson(t.v)),
-        NEQUAR_ASK(toeplitz, u_sywd_Solve_Yule_Walker_equation_by_Durbin(t.v, &t.w, nullptr)),
-        NEQUAR_ASK(vandermonde, im_Import(t.v)),
+        CALL(band_symmetric, i_Import(&t.s, 20)),
+        CALL(d, i_Import(&t.a)),
+        CALL(toeplitz, ex_Export(&t.x, &t.s2, &t.w)),
+        ASK(toeplitz, fimt_Find_Inverse_Matrix_by_Trench(&t.x, &t.s2)),
+        ASK(toeplitz, slel_Solve_Linear_Equation_by_Levinson(t.v)),
+        ASK(toeplitz, u_sywd_Solve_Yule_Walker_equation_by_Durbin(t.v, &t.w, nullptr)),
+        ASK(vandermonde, im_Import(t.v)),
     });
 }
 
 TWIN_TEST(Allocation, Factorization) {
     refuse_in<Real>({
-        NEQUAR_ASK(tool,
-                   dluc_Decompose_into_LU_matrices_by_Crout(&t.a, &t.l, &t.r, &t.perm, t.count)),
-        NEQUAR_ASK(tool, dluc_Decompose_into_LU_matrices_by_Crout(&t.a, &t.l, &t.d, &t.r, &t.perm,
-                                                                  t.count)),
-        NEQUAR_ASK(tool, dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&t.a, &t.l, &t.r,
-                                                                               &t.perm, t.count)),
-        NEQUAR_ASK(tool, dch_Decompose_matrix_by_Cholesky_algorithm(&t.s, &t.l)),
-        NEQUAR_ASK(tool, d_Determinant(&t.s, t.number)),
-        NEQUAR_ASK(tool, ecn_Estimate_Condition_Number(&t.a, t.number)),
-        NEQUAR_ASK(tool, dqrh_Decompose_into_QR_matrices_based_on_Householder(&t.a, &t.x, &t.r)),
-        NEQUAR_ASK(tool, dqlh_Decompose_into_QL_matrices_based_on_Householder(&t.a, &t.x, &t.y)),
-        NEQUAR_ASK(tool, drqh_Decompose_into_RQ_matrices_based_on_Householder(&t.a, &t.x, &t.y)),
-        NEQUAR_ASK(tool, dlqh_Decompose_into_LQ_matrices_based_on_Householder(&t.a, &t.l, &t.y)),
-        NEQUAR_ASK(tool, dqrc_Decompose_into_QR_matrices_with_Column_pivoting(
-                             &t.b, &t.x, &t.y, &t.perm, t.count, t.rank)),
-        NEQUAR_ASK(tool, dco_Decompose_matrix_Complete_Orthogonal_algorithm(&t.a, &t.x, &t.l, &t.y,
-                                                                            t.rank)),
-        NEQUAR_ASK(tool, dhr_Do_Hessenberg_Reduction(&t.b, &t.x, &t.y)),
-        NEQUAR_ASK(tool, bdm_Bidiagonalize_Matrix(&t.b, &t.x, &t.band, &t.y)),
-        NEQUAR_ASK(tool, dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(
-                             &t.b, &t.x, &t.d, &t.y, 1000, t.count)),
-        NEQUAR_ASK(tool,
-                   rsv_Reconstruct_matrix_via_Singular_Value_decomposition(&t.a, Real(0.1), &t.x)),
-        NEQUAR_ASK(tool,
-                   devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(&t.s, &t.x, &t.d)),
-        NEQUAR_ASK(tool, devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(
-                             &t.s, &t.x, &t.d, 1000, t.count)),
-        NEQUAR_ASK(tool, tdm_Tridiagonalize_Matrix(&t.s, &t.x, &t.band)),
-        NEQUAR_ASK(tool,
-                   dqrt_Decompose_into_QR_matrices_for_Tridiagonal_matrix(&t.s, &t.x, &t.band)),
-        NEQUAR_ASK(tool, dgea_Do_Generalized_Eigen_Analysis(&t.s, &t.s, &t.x, &t.d)),
-        NEQUAR_ASK(tool, rsv_Rank_based_on_Singular_Value_decomposition(&t.a, Real(1e-4), t.rank)),
-        NEQUAR_ASK(tool, rev_Rank_based_on_Eigen_Value_decomposition(&t.a, Real(1e-4), t.rank)),
-        NEQUAR_ASK(tool, rqr_Rank_based_on_QR_decomposition_with_column_pivoting(&t.a, t.rank)),
-        NEQUAR_ASK(tool, fin_Find_Input_Null_vector_space(&t.a, Real(0.9), t.rank, &t.x, nullptr,
-                                                          nullptr, nullptr)),
-        NEQUAR_ASK(tool, shle_Solve_Homogeneous_Linear_Equation(&t.a, &t.w)),
+        ASK(tool, dluc_Decompose_into_LU_matrices_by_Crout(&t.a, &t.l, &t.r, &t.perm, t.count)),
+        ASK(tool,
+            dluc_Decompose_into_LU_matrices_by_Crout(&t.a, &t.l, &t.d, &t.r, &t.perm, t.count)),
+        ASK(tool, dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&t.a, &t.l, &t.r, &t.perm,
+                                                                        t.count)),
+        ASK(tool, dch_Decompose_matrix_by_Cholesky_algorithm(&t.s, &t.l)),
+        ASK(tool, d_Determinant(&t.s, t.number)),
+        ASK(tool, ecn_Estimate_Condition_Number(&t.a, t.number)),
+        ASK(tool, dqrh_Decompose_into_QR_matrices_based_on_Householder(&t.a, &t.x, &t.r)),
+        ASK(tool, dqlh_Decompose_into_QL_matrices_based_on_Householder(&t.a, &t.x, &t.y)),
+        ASK(tool, drqh_Decompose_into_RQ_matrices_based_on_Householder(&t.a, &t.x, &t.y)),
+        ASK(tool, dlqh_Decompose_into_LQ_matrices_based_on_Householder(&t.a, &t.l, &t.y)),
+        ASK(tool, dqrc_Decompose_into_QR_matrices_with_Column_pivoting(&t.b, &t.x, &t.y, &t.perm,
+                                                                       t.count, t.rank)),
+        ASK(tool,
+            dco_Decompose_matrix_Complete_Orthogonal_algorithm(&t.a, &t.x, &t.l, &t.y, t.rank)),
+        ASK(tool, dhr_Do_Hessenberg_Reduction(&t.b, &t.x, &t.y)),
+        ASK(tool, bdm_Bidiagonalize_Matrix(&t.b, &t.x, &t.band, &t.y)),
+        ASK(tool, dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(
+                      &t.b, &t.x, &t.d, &t.y, 1000, t.count)),
+        ASK(tool, rsv_Reconstruct_matrix_via_Singular_Value_decomposition(&t.a, Real(0.1), &t.x)),
+        ASK(tool, devj_Decompose_to_find_Eigen_Values_using_Jacobi_rotations(&t.s, &t.x, &t.d)),
+        ASK(tool, devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(&t.s, &t.x, &t.d, 1000,
+                                                                             t.count)),
+        ASK(tool, tdm_Tridiagonalize_Matrix(&t.s, &t.x, &t.band)),
+        ASK(tool, dqrt_Decompose_into_QR_matrices_for_Tridiagonal_matrix(&t.s, &t.x, &t.band)),
+        ASK(tool, dgea_Do_Generalized_Eigen_Analysis(&t.s, &t.s, &t.x, &t.d)),
+        ASK(tool, rsv_Rank_based_on_Singular_Value_decomposition(&t.a, Real(1e-4), t.rank)),
+        ASK(tool, rev_Rank_based_on_Eigen_Value_decomposition(&t.a, Real(1e-4), t.rank)),
+        ASK(tool, rqr_Rank_based_on_QR_decomposition_with_column_pivoting(&t.a, t.rank)),
+        ASK(tool, fin_Find_Input_Null_vector_space(&t.a, Real(0.9), t.rank, &t.x, nullptr, nullptr,
+                                                   nullptr)),
+        ASK(tool, shle_Solve_Homogeneous_Linear_Equation(&t.a, &t.w)),
     });
 }
 
 TWIN_TEST(Allocation, Solvers) {
     refuse_in<Real>({
-        NEQUAR_ASK(tool, slup_Solve_based_on_LUP(&t.a, &t.b, &t.x)),
-        NEQUAR_ASK(tool, pisv_Pseudo_Inverse_matrix_based_on_SVD(&t.a, Real(1e-4), &t.x)),
-        NEQUAR_ASK(tool, shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(&t.a, &t.b,
-                                                                                Real(0.5), &t.w)),
-        NEQUAR_ASK(tool, shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
-                             &t.a, &t.b, Real(1e-3), &t.w, &t.u)),
+        ASK(tool, slup_Solve_based_on_LUP(&t.a, &t.b, &t.x)),
+        ASK(tool, pisv_Pseudo_Inverse_matrix_based_on_SVD(&t.a, Real(1e-4), &t.x)),
+        ASK(tool,
+            shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(&t.a, &t.b, Real(0.5), &t.w)),
+        ASK(tool, shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(&t.a, &t.b, Real(1e-3),
+                                                                             &t.w, &t.u)),
     });
     for (int code = 0; code < 10; ++code) {
         SCOPED_TRACE(code);
         refuse_in<Real>({
-            NEQUAR_ASK(tool, sle_Solve_Linear_Equation(code, &t.s, &t.b, &t.x)),
-            NEQUAR_ASK(tool, im_Inverse_Matrix(code, &t.s, &t.x)),
+            ASK(tool, sle_Solve_Linear_Equation(code, &t.s, &t.b, &t.x)),
+            ASK(tool, im_Inverse_Matrix(code, &t.s, &t.x)),
         });
         // Dense ones also onto their own right-hand sides.
         if (code < 7)
-            refuse_in<Real>({NEQUAR_ASK(tool, sle_Solve_Linear_Equation(code, &t.a, &t.b, &t.b))});
+            refuse_in<Real>({ASK(tool, sle_Solve_Linear_Equation(code, &t.a, &t.b, &t.b))});
     }
 }
 
 TWIN_TEST(Allocation, Sparse) {
     refuse_in<Real>({
-        NEQUAR_ASK(m, czm(30, 40, 50)),
-        NEQUAR_ASK(m, cim(30, 4)),
-        NEQUAR_ASK(m, im(&t.a)),
-        NEQUAR_ASK(m, ex(&t.x)),
-        NEQUAR_ASK(m, se(3, 9, Real(2))),
-        NEQUAR_ASK(m, cp_Copy(&t.m2)),
-        NEQUAR_ASK(m, amm(&t.m2)),
-        NEQUAR_ASK(m, mvva(&t.sv, &t.sv)),
-        NEQUAR_ASK(m, mmme(&t.m2)),
-        NEQUAR_ASK(m, t(&t.m2)),
-        NEQUAR_ASK(m, t(&t.m)),
-        NEQUAR_ASK(m, gb(3, 4, 20, 30, &t.m2)),
-        NEQUAR_ASK(m, sb(0, 0, &t.m2)),
-        NEQUAR_ASK(m, gc(3, 0, kOrder, &t.sv)),
-        NEQUAR_ASK(m, gr(0, 3, kOrder, &t.sv)),
-        NEQUAR_ASK(m, sr(0, 3, &t.sv)),
-        NEQUAR_ASK(m, sc(3, 0, &t.sv)),
-        NEQUAR_ASK(sm, im(&t.a, true, &t.x)),
-        NEQUAR_ASK(sm, im(&t.m, false, &t.x)),
-        NEQUAR_ASK(sm, im(&t.s, &t.x)),
-        NEQUAR_ASK(sm, ex(&t.m, &t.x)),
-        NEQUAR_ASK(sm, mvva(&t.sv)),
-        NEQUAR_ASK(sm, gb(3, 4, 20, 30, &t.m2)),
-        NEQUAR_ASK(sv, im(&t.v)),
-        NEQUAR_ASK(sv, g(3, 20, &t.sv)),
-        NEQUAR_ASK(sv, s(1, &t.sv)),
+        ASK(m, czm(30, 40, 50)),
+        ASK(m, cim(30, 4)),
+        ASK(m, im(&t.a)),
+        ASK(m, ex(&t.x)),
+        ASK(m, se(3, 9, Real(2))),
+        ASK(m, cp_Copy(&t.m2)),
+        ASK(m, amm(&t.m2)),
+        ASK(m, mvva(&t.sv, &t.sv)),
+        ASK(m, mmme(&t.m2)),
+        ASK(m, t(&t.m2)),
+        ASK(m, t(&t.m)),
+        ASK(m, gb(3, 4, 20, 30, &t.m2)),
+        ASK(m, sb(0, 0, &t.m2)),
+        ASK(m, gc(3, 0, kOrder, &t.sv)),
+        ASK(m, gr(0, 3, kOrder, &t.sv)),
+        ASK(m, sr(0, 3, &t.sv)),
+        ASK(m, sc(3, 0, &t.sv)),
+        ASK(sm, im(&t.a, true, &t.x)),
+        ASK(sm, im(&t.m, false, &t.x)),
+        ASK(sm, im(&t.s, &t.x)),
+        ASK(sm, ex(&t.m, &t.x)),
+        ASK(sm, mvva(&t.sv)),
+        ASK(sm, gb(3, 4, 20, 30, &t.m2)),
+        ASK(sv, im(&t.v)),
+        ASK(sv, g(3, 20, &t.sv)),
+        ASK(sv, s(1, &t.sv)),
     });
 }
 
 TWIN_TEST(Allocation, Statistics) {
     refuse_in<Real>({
-        once(NEQUAR_ASK(random, gng(0, 1, 3000, t.w))),
-        once(NEQUAR_ASK(random, ang(0, 1, 3000, t.grown))),
-        NEQUAR_ASK(random, ctl(t.s, t.x)),
-        once(NEQUAR_ASK(random, gvg(t.v, t.s, 20, true, t.x))),
-        once(NEQUAR_ASK(random, avg(t.v, t.s, 20, t.columns))),
-        NEQUAR_ASK(random, csv(t.a, true, nullptr, 0, kOrder - 1, &t.count, &t.w, &t.x)),
-        NEQUAR_ASK(random, csd(t.v, t.a, true, t.w)),
-        NEQUAR_ASK(random, cpgm(t.a, true, t.v, t.s, t.w)),
-        NEQUAR_ASK(random, epknne(t.a, t.b, true, 3, t.w)),
-        NEQUAR_ASK(random, eppwh(t.a, t.b, true, Real(3), t.w)),
+        once(ASK(random, gng(0, 1, 3000, t.w))),
+        once(ASK(random, ang(0, 1, 3000, t.grown))),
+        ASK(random, ctl(t.s, t.x)),
+        once(ASK(random, gvg(t.v, t.s, 20, true, t.x))),
+        once(ASK(random, avg(t.v, t.s, 20, t.columns))),
+        ASK(random, csv(t.a, true, nullptr, 0, kOrder - 1, &t.count, &t.w, &t.x)),
+        ASK(random, csd(t.v, t.a, true, t.w)),
+        ASK(random, cpgm(t.a, true, t.v, t.s, t.w)),
+        ASK(random, epknne(t.a, t.b, true, 3, t.w)),
+        ASK(random, eppwh(t.a, t.b, true, Real(3), t.w)),
         {"principal components",
          [](auto& t) {
              bool done = t.says(t.pca, t.pca.c_Create(12, kOrder, Real(0.05), Real(0.1)));
@@ -376,8 +371,8 @@ TWIN_TEST(Allocation, Statistics) {
     });
 }
 
-#undef NEQUAR_ASK
-#undef NEQUAR_DO
+#undef ASK
+#undef CALL
 
 // Printing throws what the stream's own strings would throw; nothing leaks then.
 TEST(AllocationOfText, LastsAndPrints) {

@@ -1,5 +1,4 @@
 // nequar info, and with it the reading of every kind of file; help and wrong arguments.
-#include <cmath>
 #include <utility>
 
 #include "program/run_program.h"

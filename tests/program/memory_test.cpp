@@ -12,11 +12,11 @@ const std::string kOutput = "a-file-for-the-output.mtx";
 class Memory : public InFolder {
 protected:
     Answer nequar_refused(long k, bool all, const Words& arguments) {
-        Words words = {"LD_PRELOAD=" NEQUAR_REFUSING_MALLOC, "NEQUAR_REFUSE=" + std::to_string(k),
-                       "NEQUAR_REQUESTS=" + folder / "requests"};
+        Words words = {"-C", folder.path(), "LD_PRELOAD=" NEQUAR_REFUSING_MALLOC,
+                       "NEQUAR_REQUESTS=requests", "NEQUAR_REFUSE=" + std::to_string(k)};
         if (all) words.push_back("NEQUAR_REFUSE_ALL=1");
         words.push_back(NEQUAR_PROGRAM);
-        return run("/usr/bin/env", joined(words, arguments), folder.path());
+        return run("/usr/bin/env", joined(words, arguments));
     }
 
     void refuse_in(const Words& arguments) {

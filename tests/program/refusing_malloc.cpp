@@ -75,15 +75,7 @@ NEQUAR_SEEN void* calloc(std::size_t count, std::size_t size) {
 NEQUAR_SEEN void* realloc(void* block, std::size_t size) {
     return refuses() ? nullptr : __libc_realloc(block, size);
 }
-NEQUAR_SEEN void* memalign(std::size_t alignment, std::size_t size) {
-    return refuses() ? nullptr : __libc_memalign(alignment, size);
-}
 NEQUAR_SEEN void* aligned_alloc(std::size_t alignment, std::size_t size) {
     return refuses() ? nullptr : __libc_memalign(alignment, size);
-}
-NEQUAR_SEEN int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
-    if (refuses()) return ENOMEM;
-    *block = __libc_memalign(alignment, size);
-    return *block != nullptr ? 0 : ENOMEM;
 }
 }

@@ -1,8 +1,6 @@
 // nequar solve and determinant on systems written here and on real ones.
 #include <sys/stat.h>
 
-#include <cmath>
-#include <filesystem>
 #include <utility>
 
 #include "program/run_program.h"
@@ -153,7 +151,7 @@ TEST_F(ProgramSolve, ExpectComparesWithAKnownSolution) {
     for (const bool right : {true, false}) {
         const std::string x =
             folder.file("x.mtx", kArray + (right ? "1 1\n0.5\n" : "1 1\n0.501\n"));
-        const Answer result = nequar({"solve", a, "--expect", x});
+        const Answer result = run(NEQUAR_PROGRAM, {"solve", a, "--expect", x});
         EXPECT_EQ(result.status, right ? 0 : 1);
         EXPECT_TRUE(contains(result.out, right ? "reproduces the known one" : "DIFFERS"))
             << result.out;
@@ -174,7 +172,21 @@ TEST_F(ProgramDeterminant, KeepsItsSignAndItsRange) {
                          "-10^450, beyond the range"));
 }
 
-// ---- real systems, where the folder of data is there -------------------------------------------
+// ---- the bundled example, and real systems where the folder of data is there -------------------
+
+TEST_F(ProgramSolve, TheFilesOfTheExampleAreWhatItWritesAndLeadToItsAnswer) {
+    const std::string example = NEQUAR_EXAMPLES "/ieee14_dc_power_flow/";
+    EXPECT_EQ(run(NEQUAR_IEEE14, {"--write", folder.path()}).status, 0);
+    EXPECT_EQ(run(NEQUAR_IEEE14, {"--write", folder / "none"}).status, 2);
+    for (const char* name : {"A.mtx", "b.mtx"}) {
+        EXPECT_FALSE(read_file(example + name).empty());
+        EXPECT_EQ(read_file(folder / name), read_file(example + name));
+    }
+    const std::string out =
+        output_of({"solve", example + "A.mtx", example + "b.mtx", "--expect", example + "x.mtx"});
+    EXPECT_TRUE(contains(out, "reproduces the known one")) << out;
+    EXPECT_LT(number_after(out, "residual"), 1e-16) << out;
+}
 
 class ProgramRealSystem : public testing::Test {
 protected:

@@ -1,6 +1,4 @@
 // nequar svd, eig, geig, rank, null, range, pinv, inverse: known answers, and what is refused.
-#include <cmath>
-
 #include "program/run_program.h"
 
 namespace program_test {

@@ -1,6 +1,4 @@
 // nequar on sparse matrices, tables of samples and structured systems.
-#include <cmath>
-
 #include "program/run_program.h"
 
 namespace program_test {

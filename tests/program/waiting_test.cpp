@@ -1,12 +1,9 @@
 // What happens while nequar waits: here for a pipe that nobody writes to.
-#include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <string>
 
 #include "program/run_program.h"
 
@@ -45,7 +42,7 @@ TEST_F(ProgramWaiting, ATerminalShowsWhatIsRunningAndForHowLong) {
     const pid_t child = start(NEQUAR_PROGRAM, {"info", pipe}, nowhere, terminal);
     const std::string shown = read_until(master, " s\x1b[K");
     EXPECT_TRUE(contains(shown, "reading " + pipe + " ... 0.")) << shown;
-    write_file(pipe, kArray + "1 1\n1\n");
+    folder.file("A.mtx", kArray + "1 1\n1\n");
     EXPECT_EQ(end_of(child), 0);
     const std::string last = read_until(master, "\r\x1b[K");  // the line is cleared
     EXPECT_TRUE(contains(last, "\r\x1b[K")) << last;
