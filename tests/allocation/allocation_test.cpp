@@ -30,11 +30,11 @@ struct Things {
 
     Matrix<Real> a = dominant_matrix<Real>(kOrder), b = random_matrix<Real>(kOrder, kOrder, 2);
     Matrix<Real> x, y, z;
-    Vector<Real> v, w, u, sample;
+    Vector<Real> v, w, u;
     MatrixSymmetric<Real> s, s2;
-    MatrixTriangular<Real, TriangleSide::lower> l;
+    MatrixTriangular<Real, TriangleSide::lower> l, l2;
     MatrixTriangular<Real, TriangleSide::upper> r;
-    MatrixBand<Real> band;
+    MatrixBand<Real> band, band2;
     MatrixBandSymmetric<Real> band_symmetric;
     MatrixDiagonal<Real> d;
     MatrixToeplitzSymmetric<Real> toeplitz;
@@ -55,7 +55,6 @@ struct Things {
         s = packed_of(matrix_of<Real>(
             kOrder, kOrder, [&](int i, int j) { return i == j ? Real(2 * kOrder + i) : a[i][j]; }));
         v.c_Create(kOrder);
-        sample.c_Create(kOrder);
         reversal.c_Create(kOrder);
         columns.in_Initialize(kOrder, 0);
         rows.in_Initialize(kOrder, 0);
@@ -72,6 +71,13 @@ struct Things {
             if (i % 3 == 0) sv.se(i, Real(i + 1));
         }
         toeplitz.im_Import(kOrder, v);
+        l2.i_Import(&a);
+        band2.i_Import(&a, 20, 30);
+        pca.c_Create(12, kOrder, Real(0.05), Real(0.1));
+        for (int i = 0; i < 12; ++i) {
+            b.gr_Get_Row(i, 0, kOrder, &w);
+            pca.inv_INput_a_Vector(w, nullptr);
+        }
         random.ss_Set_Seed(5);
     }
 
@@ -222,13 +228,7 @@ TWIN_TEST(Allocation, Algebra) {
         CALL(algebra, avvw_Add_Vector_Vector_with_Weight(&t.v, &t.v, 1, 2, &t.w)),
         ASK(algebra, slet_Solve_Linear_Equation_for_Triangular_matrix(true, &t.a, &t.b, &t.a)),
         ASK(algebra, imt_Inverse_Matrix_for_Triangular_matrix(false, &t.a, &t.x)),
-        once<Real>({"mll_Multiply_Lmatrix_Lmatrix",
-                    [](auto& t) {
-                        t.l.i_Import(&t.a);
-                        return t.quiet(t.l) &&
-                               t.says(t.algebra,
-                                      t.algebra.mll_Multiply_Lmatrix_Lmatrix(&t.l, &t.l, &t.l));
-                    }}),
+        once(ASK(algebra, mll_Multiply_Lmatrix_Lmatrix(&t.l2, &t.l2, &t.l2))),
         CALL(algebra, opr_Permute_Rows(&t.a, &t.reversal)),
     });
 }
@@ -239,14 +239,7 @@ TWIN_TEST(Allocation, Structured) {
         CALL(s, e_Export(&t.x)),
         CALL(l, i_Import(&t.a)),
         CALL(band, i_Import(&t.a, 20, 30)),
-        {"cp_Copy of a band matrix",
-         [](auto& t) {
-             MatrixBand<Real> from;
-             from.i_Import(&t.a, 20, 30);
-             if (!t.quiet(from)) t.asked = &t.band, t.band.c_Create(0, 0, 0, 0);
-             t.band.cp_Copy(&from);
-             return t.quiet(t.band);
-         }},
+        CALL(band, cp_Copy(&t.band2)),
         CALL(band_symmetric, i_Import(&t.s, 20)),
         CALL(d, i_Import(&t.a)),
         CALL(toeplitz, ex_Export(&t.x, &t.s2, &t.w)),
@@ -359,15 +352,9 @@ TWIN_TEST(Allocation, Statistics) {
         ASK(random, cpgm(t.a, true, t.v, t.s, t.w)),
         ASK(random, epknne(t.a, t.b, true, 3, t.w)),
         ASK(random, eppwh(t.a, t.b, true, Real(3), t.w)),
-        {"principal components",
-         [](auto& t) {
-             bool done = t.says(t.pca, t.pca.c_Create(12, kOrder, Real(0.05), Real(0.1)));
-             for (int i = 0; done && i < 12; ++i) {
-                 std::copy_n(t.b[i], kOrder, t.sample.p());
-                 done = t.pca.inv_INput_a_Vector(t.sample, nullptr);
-             }
-             return done && t.pca.cevvcm_Calculate_Eigen_Values_and_Vectors_of_Covariance_Matrix();
-         }},
+        ASK(pca, c_Create(12, kOrder, Real(0.05), Real(0.1))),
+        ASK(pca, inv_INput_a_Vector(t.v, nullptr)),
+        ASK(pca, cevvcm_Calculate_Eigen_Values_and_Vectors_of_Covariance_Matrix()),
     });
 }
 

@@ -74,10 +74,8 @@ TWIN_TEST(PrincipalComponentsTest, ParametersAndValidity) {
                   std::string("c_Create: ") + row.detail);
     }
     ASSERT_TRUE(pca.c_Create(4, 2, Real(0.1), Real(0.5)));  // 0.1f is above 0.1
-    int n = 0;
-    int d = 0;
-    Real ratio = 0;
-    Real share = 0;
+    int n = 0, d = 0;
+    Real ratio = 0, share = 0;
     pca.gp_Get_Parameters(&n, &d, &ratio, &share);
     EXPECT_TRUE(n == 4 && d == 2 && ratio == Real(0.1) && share == Real(0.5));
     this->expect_not_valid();
@@ -176,8 +174,7 @@ TWIN_TEST(PrincipalComponentsTest, ComponentsAreEigenvectorsOfTheScatterMatrix) 
         }
         ASSERT_TRUE(p.cevvcm_Calculate_Eigen_Values_and_Vectors_of_Covariance_Matrix());
         Vector<Real> mu, component, column;
-        int kept = -1;
-        int counted = -1;
+        int kept = -1, counted = -1;
         GrowableVector<Real> values;
         VectorSet<Real> set;
         Matrix<Real> matrix;
