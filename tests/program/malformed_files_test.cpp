@@ -16,10 +16,7 @@ const Malformed kMalformed[] = {
     // the banner
     {"", 1, "the file is empty"},
     {"2 2 1\n1 1 1\n", 1, "no Matrix Market file"},
-    {std::string("\x7f"
-                 "ELF\x01\0\0\xff",
-                 8),
-     1, "no Matrix Market file"},
+    {std::string("\177ELF\1\0\0\377", 8), 1, "no Matrix Market file"},
     {kMatrix + "coordinate real\n", 1, "the banner must be"},
     {"%%MatrixMarket vector coordinate real general\n", 1, "\"vector\""},
     {kMatrix + "dense real general\n", 1, "\"dense\""},
@@ -34,7 +31,6 @@ const Malformed kMalformed[] = {
     {kArray + "2 2 4\n", 2, "height width"},
     {kReal + "two 2 1\n", 2, "\"two\" is not a size"},
     {kReal + "2.5 2 1\n", 2, "\"2.5\" is not a size"},
-    {kReal + "-2 2 1\n", 2, "sizes begin at 1"},
     {kReal + "0 0 0\n", 2, "sizes begin at 1"},
     {kReal + "3000000000 2 1\n", 2, "beyond 2147483647"},
     {kReal + "99999999999999999999999 2 1\n", 2, "beyond 2147483647"},
@@ -45,7 +41,6 @@ const Malformed kMalformed[] = {
     {kRealSymmetric + "3 2 1\n", 2, "must be square"},
     // the elements
     {kReal + "2 2 3\n1 1 1\n2 2 1\n", 4, "ends after 2 of 3 elements"},
-    {kArray + "2 2\n1\n2\n3\n", 5, "ends after 3 of 4 elements"},
     {kArray + "40000 40000\n1\n", 3, "ends after 1 of 1600000000"},
     {kReal + "2 2 1\n1 1 1\n2 2 1\n", 4, "more than the 1 element "},
     {kArray + "1 1\n1\n2\n", 4, "more than the 1 element "},
@@ -55,8 +50,6 @@ const Malformed kMalformed[] = {
     {kReal + "2 2 1\n1 99999999999999999999 1\n", 3, "is outside"},
     {kReal + "2 2 1\n1 b 1\n", 3, "\"b\" is not an index"},
     {kReal + "2 2 1\n1 1\n", 3, "row column value"},
-    {kReal + "2 2 2\n1 1 1\n2 2 abc\n", 4, "\"abc\" is not a number"},
-    {kReal + "1 1 1\n1 1 1.5x\n", 3, "\"1.5x\" is not a number"},
     {kReal + "1 1 1\n1 1 0x10\n", 3, "is not a number"},
     {kReal + "1 1 1\n1 1 1,5\n", 3, "\"1,5\" is not a number"},
     {kReal + "1 1 1\n1 1 +-1\n", 3, "is not a number"},

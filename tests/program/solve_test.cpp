@@ -19,19 +19,21 @@ protected:
 };
 using ProgramDeterminant = ProgramSolve;
 
-TEST_F(ProgramSolve, EveryMethodSolvesInBothPrecisions) {
+TEST_F(ProgramSolve, EveryMethodSolvesInBothPrecisionsAndInverts) {
     // [[4, 2, 1], [2, 5, 2], [1, 2, 6]] x = b, x = (1, -2, 3)
     const std::string a = folder.file("A.mtx", kSymmetric + "3 3\n4\n2\n1\n5\n2\n6\n");
     const std::string b = folder.file("b.mtx", kArray + "3 1\n3\n-2\n15\n");
     const std::string x = folder / "x.mtx";
-    for (const char* method : {"auto", "lup", "lud", "llt", "uut", "gje", "qrd", "qld", "rqd",
-                               "lqd", "svd", "evd", "0", "3", "5", "9"}) {
+    for (const std::string method : {"auto", "lup", "lud", "llt", "uut", "gje", "qrd", "qld", "rqd",
+                                     "lqd", "svd", "evd", "0", "3", "5", "9"}) {
         SCOPED_TRACE(method);
         const auto is_right = [&x](const std::string& out, double bound) {
             EXPECT_LT(number_after(out, "residual"), 0.1 * bound);
             expect_values(x, {1, -2, 3}, bound);
         };
         in_both_precisions({"solve", a, b, "-o", x, "--method", method}, 1e-14, is_right);
+        if (method == "auto") continue;
+        EXPECT_LT(number_after(output_of({"inverse", a, "--method", method}), "residual"), 1e-15);
     }
 }
 

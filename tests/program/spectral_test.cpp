@@ -53,15 +53,6 @@ TEST_F(ProgramSpectral, SubspacesAndRanks) {
     expect_failure({"rank", a, "--tolerance", "1"}, 2, "tolerance");
 }
 
-TEST_F(ProgramSpectral, EveryMethodInverts) {
-    const std::string a = folder.file("A.mtx", kSymmetric + "3 3\n4\n2\n1\n5\n2\n6\n");
-    for (const char* method : {"lup", "gje", "lud", "qrd", "qld", "rqd", "lqd", "svd", "llt", "uut",
-                               "evd", "0", "3", "5", "9"}) {
-        const std::string out = output_of({"inverse", a, "--method", method});
-        EXPECT_LT(number_after(out, "residual"), 1e-15) << method;
-    }
-}
-
 TEST_F(ProgramSpectral, PicturesAreDrawn) {
     const std::string a = folder.file("A.mtx", kSymmetric + "2 2\n1\n2\n1\n");
     output_of({"eig", a, "--plot", folder / "e.svg"});

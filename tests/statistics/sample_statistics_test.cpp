@@ -3,7 +3,6 @@
 #include <iterator>
 #include <numbers>
 #include <numeric>
-#include <tuple>
 #include <vector>
 
 #include "statistics/statistics_support.h"
@@ -72,33 +71,32 @@ TWIN_TEST(SampleStatistics, RefusedRangesWriteNothing) {
     const auto none = vector_of<bool>({0, 0, 0}), few = vector_of<bool>({1, 1});
     int count = -1;
     Real mean = -1, variance = -1;
-    const auto refused = [&](bool done, const char* detail) {
-        EXPECT_TRUE(
-            fails_as(g, std::string("csn_Compute_Statistics_of_random_Numbers: ") + detail, done));
+    const auto refused = [&](const std::string& detail, const auto&... what) {
+        EXPECT_TRUE(fails_as(g, "csn_Compute_Statistics_of_random_Numbers: " + detail,
+                             g.csn(what..., &count, &mean, &variance)));
         EXPECT_TRUE(count == -1 && mean == Real(-1) && variance == Real(-1));
     };
     const Real* const nothing = nullptr;
-    refused(g.csn(nothing, 3, kAll, 0, 3, &count, &mean, &variance), "invalid array pointer");
-    refused(g.csn(GrowableVector<Real>(), nullptr, 0, 1, &count, &mean, &variance),
-            "invalid array pointer");
-    refused(g.csn(a.p(), 0, kAll, 0, 0, &count, &mean, &variance), "bad parameter(s)");
-    refused(g.csn(a, nullptr, 1, 1, &count, &mean, &variance), "bad parameter(s)");
-    refused(g.csn(a, nullptr, -1, 1, &count, &mean, &variance), "bad parameter(s)");
-    refused(g.csn(a, nullptr, 0, 4, &count, &mean, &variance), "bad parameter(s)");
-    refused(g.csn(a, &few, 0, 3, &count, &mean, &variance), "bad parameter(s)");
-    refused(g.csn(a, &none, 0, 3, &count, &mean, &variance), "no valid element");
+    refused("invalid array pointer", nothing, 3, kAll, 0, 3);
+    refused("invalid array pointer", GrowableVector<Real>(), nullptr, 0, 1);
+    refused("bad parameter(s)", a.p(), 0, kAll, 0, 0);
+    refused("bad parameter(s)", a, nullptr, 1, 1);
+    refused("bad parameter(s)", a, nullptr, -1, 1);
+    refused("bad parameter(s)", a, nullptr, 0, 4);
+    refused("bad parameter(s)", a, &few, 0, 3);
+    refused("no valid element", a, &none, 0, 3);
     EXPECT_TRUE(g.csn(a, &few, 0, 2, &count, &mean, &variance));
     EXPECT_EQ(mean, Real(1.5));
 
     const auto samples = matrix_of<Real>(2, 3, {1, 2, 3, 4, 5, 6});
     Vector<Real> mu = vector_of<Real>({9});
-    for (const auto& [by_column, end, mask, detail] :
-         {std::tuple(true, 4, kAllOfThem, "bad parameter(s)"),
-          std::tuple(false, 3, kAllOfThem, "bad parameter(s)"),
-          std::tuple(true, 3, &few, "bad parameter(s)"),
-          std::tuple(true, 3, &none, "no valid element")})
-        EXPECT_TRUE(
-            fails_with(g, detail, g.csv(samples, by_column, mask, 0, end, nullptr, &mu, nullptr)));
+    const auto csv = [&](bool by_column, int end, const CNqVectorBool* mask) {
+        return g.csv(samples, by_column, mask, 0, end, nullptr, &mu, nullptr);
+    };
+    EXPECT_TRUE(fails_with(g, "bad parameter(s)", csv(true, 4, nullptr)));
+    EXPECT_TRUE(fails_with(g, "bad parameter(s)", csv(false, 3, nullptr)));
+    EXPECT_TRUE(fails_with(g, "bad parameter(s)", csv(true, 3, &few)));
+    EXPECT_TRUE(fails_with(g, "no valid element", csv(true, 3, &none)));
     EXPECT_TRUE(fails_with(g, "invalid array pointer",
                            g.csv(Matrix<Real>(), true, nullptr, 0, 1, nullptr, &mu, nullptr)));
     EXPECT_EQ(mu.vs(), 1);
