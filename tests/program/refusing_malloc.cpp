@@ -38,8 +38,7 @@ bool refuses() {
 struct AtEnd {
     ~AtEnd() {
         is_in_main = false;
-        const char* const path = std::getenv("NEQUAR_REQUESTS");
-        std::FILE* const file = path != nullptr ? std::fopen(path, "w") : nullptr;
+        std::FILE* const file = std::fopen(std::getenv("NEQUAR_REQUESTS"), "w");
         if (file == nullptr) return;
         std::fprintf(file, "%ld\n", requests.load());
         std::fclose(file);
@@ -47,8 +46,7 @@ struct AtEnd {
 } at_end;
 
 int main_with_refusals(int argument_count, char** arguments, char** environment) {
-    const char* const number = std::getenv("NEQUAR_REFUSE");
-    first_refused = number != nullptr ? std::atol(number) : 0;
+    first_refused = std::atol(std::getenv("NEQUAR_REFUSE"));
     refuses_all = std::getenv("NEQUAR_REFUSE_ALL") != nullptr;
     is_in_main = true;
     return program_main(argument_count, arguments, environment);

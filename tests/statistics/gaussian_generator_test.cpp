@@ -1,9 +1,5 @@
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <ctime>
-#include <utility>
-#include <vector>
 
 #include "statistics/statistics_support.h"
 
@@ -12,6 +8,8 @@ namespace {
 using namespace statistics_test;
 
 TWINS(GaussianGeneratorTest);
+
+const std::string kBadRange = "bad size or indices";
 
 // What a call that began within the second `time` has to give.
 template <class Real>
@@ -84,17 +82,17 @@ TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
                          "gng_wzu_Generate_random_Numbers_Gaussian_White_Zero_mean_Unit_variance: "
                          "array size <= 0",
                          g.gng_wzu(0, a)));
-    const std::string bad_range = "bad size or indices", negative = "negative variance";
+    const std::string negative = "negative variance";
     struct Row {
         double variance;
         int n, begin, end;
         std::string detail;
     };
-    for (const Row& row : {Row{1, 4, 2, 2, bad_range},
-                           {1, 4, 0, 5, bad_range},
-                           {1, 4, -1, 3, bad_range},
-                           {1, 0, 0, 0, bad_range},
-                           {-1, 4, 3, 2, bad_range},
+    for (const Row& row : {Row{1, 4, 2, 2, kBadRange},
+                           {1, 4, 0, 5, kBadRange},
+                           {1, 4, -1, 3, kBadRange},
+                           {1, 0, 0, 0, kBadRange},
+                           {-1, 4, 3, 2, kBadRange},
                            {-1, 4, 0, 4, negative},
                            {kNan, 4, 0, 4, negative}}) {
         EXPECT_TRUE(fails_as(
@@ -103,7 +101,7 @@ TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfNumbers) {
         EXPECT_EQ(a[0], Real(0));
     }
     Vector<Real> v;
-    EXPECT_TRUE(fails_with(g, bad_range, g.gng(Real(0), Real(1), -3, v)));
+    EXPECT_TRUE(fails_with(g, kBadRange, g.gng(Real(0), Real(1), -3, v)));
     EXPECT_EQ(v.vs(), 1);
     GrowableVector<Real> x;
     EXPECT_TRUE(fails_as(g,
@@ -187,18 +185,17 @@ TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     Matrix<Real> m = matrix_of<Real>(2, 3, {1, 2, 3, 4, 5, 6});
     const Matrix<Real> before = m;
     const std::string mismatch = "mismatch between mean and covariance";
-    const std::string bad_range = "bad size or indices";
-    const auto refused = [&](const Vector<Real>& mu, bool by_column, int begin, int end,
-                             const CNqVectorBool* chosen, const std::string& detail) {
+    const auto refused = [&](const std::string& detail, const Vector<Real>& mu, bool by_column,
+                             auto... range) {
         EXPECT_TRUE(fails_as(g, "rvg_Replace_random_Vectors_Gaussian: " + detail,
-                             g.rvg(mu, cov, by_column, m, begin, end, chosen, nullptr)));
+                             g.rvg(mu, cov, by_column, m, range..., nullptr)));
     };
-    refused(three, true, 0, 1, nullptr, mismatch);
-    refused(mean, false, 0, 1, nullptr, mismatch);
-    refused(mean, true, 0, 4, nullptr, bad_range);
-    refused(mean, true, -1, 2, &mask, bad_range);
-    refused(mean, true, 1, 1, nullptr, bad_range);
-    refused(mean, true, 0, 3, &mask, "size of <CNqVectorBool> is too small");
+    refused(mismatch, three, true, 0, 1, nullptr);
+    refused(mismatch, mean, false, 0, 1, nullptr);
+    refused(kBadRange, mean, true, 0, 4, nullptr);
+    refused(kBadRange, mean, true, -1, 2, &mask);
+    refused(kBadRange, mean, true, 1, 1, nullptr);
+    refused("size of <CNqVectorBool> is too small", mean, true, 0, 3, &mask);
     EXPECT_TRUE(fails_as(
         g,
         {"ctl_Compute_Transform_Linear: Not valid covariance matrix",
@@ -209,7 +206,7 @@ TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
     EXPECT_TRUE(m == before && replaced == 0);
     EXPECT_TRUE(fails_with(g, mismatch, g.gvg(three, cov, 4, true, m)));
     EXPECT_TRUE(m.mh() == 3 && m.mw() == 4);
-    EXPECT_TRUE(fails_with(g, bad_range, g.gvg(mean, cov, 0, true, m)));
+    EXPECT_TRUE(fails_with(g, kBadRange, g.gvg(mean, cov, 0, true, m)));
     EXPECT_TRUE(m.mh() == 2 && m.mw() == 1);
 }
 
@@ -242,7 +239,7 @@ TWIN_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     expect_rows(rows, vectors, {0, 1, 2, 3, 2, 3});
     ASSERT_TRUE(g.evv(columns, 0, 4, &mask, picked) && g.evv(columns, 3, 4, nullptr, picked));
     expect_rows(picked, rows_of(columns), {0, 2, 3, 3});
-    EXPECT_TRUE(fails_with(g, "bad size or indices", g.evv(columns, 0, 5, nullptr, picked)));
+    EXPECT_TRUE(fails_with(g, kBadRange, g.evv(columns, 0, 5, nullptr, picked)));
     const std::string short_mask =
         "size of CNqVectorBool is less than in_last_index_of_range_plus_1";
     EXPECT_TRUE(fails_as(g, "evv_Extract_Valid_random_Vectors: " + short_mask,
@@ -259,7 +256,7 @@ TWIN_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     EXPECT_EQ(x[93], Real(3));
     EXPECT_TRUE(
         fails_as(g, "evn_Extract_Valid_random_Numbers: " + short_mask, g.evn(v, 0, 2, &few, x)));
-    EXPECT_TRUE(fails_with(g, "bad size or indices", g.evn(v, 2, 2, nullptr, x)));
+    EXPECT_TRUE(fails_with(g, kBadRange, g.evn(v, 2, 2, nullptr, x)));
 }
 
 }  // namespace

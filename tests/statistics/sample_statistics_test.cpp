@@ -1,9 +1,6 @@
-#include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <numbers>
 #include <numeric>
-#include <vector>
 
 #include "statistics/statistics_support.h"
 #include "support/data_files.h"

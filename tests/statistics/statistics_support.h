@@ -1,9 +1,13 @@
 // What the tests of the statistics share.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <initializer_list>
 #include <limits>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "nequar_algebra/statistics.h"
 #include "support/chain.h"
