@@ -75,8 +75,9 @@ struct Things {
         band2.i_Import(&a, 20, 30);
         pca.c_Create(12, kOrder, Real(0.05), Real(0.1));
         for (int i = 0; i < 12; ++i) {
-            b.gr_Get_Row(i, 0, kOrder, &w);
-            pca.inv_INput_a_Vector(w, nullptr);
+            Vector<Real> sample;
+            b.gr_Get_Row(i, 0, kOrder, &sample);
+            pca.inv_INput_a_Vector(sample, nullptr);
         }
         random.ss_Set_Seed(5);
     }

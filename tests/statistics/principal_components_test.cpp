@@ -127,7 +127,8 @@ TWIN_TEST(PrincipalComponentsTest, ComponentsAreEigenvectorsOfTheScatterMatrix) 
     GrowableVector<Real> eigenvalues;
     VectorSet<Real> components;
     Real total = -1;
-    for (const auto& [n, d] : {std::pair{40, 6}, {7, 6}, {6, 6}, {5, 6}, {3, 50}, {1, 4}, {9, 1}}) {
+    for (const auto& [n, d] :
+         {std::pair{40, 6}, {7, 6}, {6, 6}, {5, 6}, {3, 50}, {1, 4}, {9, 1}, {30, 16}}) {
         SCOPED_TRACE(testing::Message() << n << ' ' << d);
         const auto X = matrix_of<Real>(
             d, n, [](int i, int j) { return 5 + std::sin(1.3 * i * j + i) / (1 + 0.3 * i); });
