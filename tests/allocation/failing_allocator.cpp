@@ -52,9 +52,9 @@ void give_back(void* block) {
 
 }  // namespace
 
-void refuse_request(long k, Refusal refusal) {
+void refuse_request(long k, bool and_all_later) {
     requests_left = k;
-    refuses_all = refusal == Refusal::all_from_there;
+    refuses_all = and_all_later;
     has_refused = false;
 }
 

@@ -11,7 +11,7 @@ using ProgramDecompositions = InFolder;
 
 TEST_F(ProgramDecompositions, FactorsMultiplyToTheMatrix) {
     const std::string file =
-        folder.file("A.mtx", array_of(4, 4, [](int k) { return (k * k * 7 + 3 * k) % 11 - 4; }));
+        folder.file("A.mtx", array_of(4, 4, [](int k) { return (k * k * 5 + k) % 19 - 7; }));
     const auto a = read_matrix_market<double>(file);
     struct Form {
         Words command, factors;  // a trailing ' multiplies by the transpose
@@ -29,9 +29,11 @@ TEST_F(ProgramDecompositions, FactorsMultiplyToTheMatrix) {
             EXPECT_LT(number_after(out, "orthogonal"), bound);
             auto rebuilt = identity_of<double>(4);
             for (const std::string& name : form.factors) {
-                const std::string path = folder / ("f_" + name.substr(0, 1) + ".mtx");
-                const auto factor = read_matrix_market<double>(path);
-                rebuilt = product(rebuilt, name.size() == 2 ? transposed(factor) : factor);
+                auto factor =
+                    read_matrix_market<double>(folder / ("f_" + name.substr(0, 1) + ".mtx"));
+                if (name.size() == 2) factor = transposed(factor);
+                ASSERT_EQ(rebuilt.mw(), factor.mh()) << name;
+                rebuilt = product(rebuilt, factor);
             }
             EXPECT_LT(largest_difference(rebuilt, a), 20 * bound);
         });
