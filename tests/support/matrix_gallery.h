@@ -57,6 +57,13 @@ Matrix<Real> matrix_of(int height, int width, std::initializer_list<double> valu
     return a;
 }
 
+template <class Real>
+Matrix<Real> constant_matrix(int height, int width, Real value = 0) {
+    Matrix<Real> a;
+    a.c_Create(height, width, value);
+    return a;
+}
+
 // From the upper triangle.
 template <class Real>
 MatrixSymmetric<Real> packed_of(const Matrix<Real>& a) {
