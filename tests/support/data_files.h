@@ -1,12 +1,9 @@
 // Real data that lies beside the project, for tests that skip by name where it is missing.
 #pragma once
 
-#include <cctype>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "support/matrix_gallery.h"
 
@@ -48,37 +45,6 @@ Matrix<Real> read_matrix_market(const std::string& name) {
             }
     }
     return a;
-}
-
-// The certified coefficients and the data lines of a linear regression of NIST's reference sets.
-struct Regression {
-    std::vector<double> coefficients;
-    std::vector<std::vector<double>> data;  // y, x1, x2, ...
-};
-
-inline Regression read_regression(const std::string& name) {
-    std::ifstream file(data_file(name));
-    Regression regression;
-    std::string line;
-    bool in_data = false;
-    for (int number = 1; std::getline(file, line); ++number) {
-        std::istringstream words(line);
-        std::string first;
-        if (!(words >> first)) continue;
-        if (number > 55 && first == "Data:") {
-            in_data = true;
-        } else if (in_data) {
-            std::istringstream numbers(line);
-            regression.data.emplace_back();
-            for (double value = 0; numbers >> value;) regression.data.back().push_back(value);
-        } else if (number >= 31 && first.size() > 1 && first[0] == 'B' &&
-                   std::isdigit(static_cast<unsigned char>(first[1])) != 0) {
-            double value = 0;
-            words >> value;
-            regression.coefficients.push_back(value);
-        }
-    }
-    return regression;
 }
 
 }  // namespace nequar::test

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <initializer_list>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -70,6 +71,17 @@ MatrixSymmetric<Real> packed_of(const Matrix<Real>& a) {
     MatrixSymmetric<Real> s;
     s.iu_Import_Upper_part_of(&a);
     return s;
+}
+
+// What a triangular, diagonal, band or symmetric matrix holds, as a dense one.
+template <class Packed>
+auto unpacked(const Packed& packed) {
+    Matrix<std::remove_cvref_t<decltype(packed[0])>> dense;
+    if constexpr (requires { packed.e_Export(&dense, true); })
+        packed.e_Export(&dense, true);
+    else
+        packed.e_Export(&dense);
+    return dense;
 }
 
 // Summed in long double.
@@ -144,6 +156,20 @@ Matrix<Real> rank_deficient_matrix(int height, int width, int rank, std::uint64_
         for (int k = 0; k < rank; ++k) sum += double(left[i][k]) * double(right[k][j]);
         return sum;
     });
+}
+
+// Plain ones, ties and lost rank in any shape; square ones with trouble of every kind.
+template <class Real>
+std::vector<Matrix<Real>> hard_matrices(int m, int n) {
+    std::vector<Matrix<Real>> all = {random_matrix<Real>(m, n, 3), integer_matrix<Real>(m, n, 2, 4),
+                                     rank_deficient_matrix<Real>(m, n, (n + 2) / 3, 5)};
+    if (m != n) return all;
+    all.push_back(hilbert_matrix<Real>(n));
+    all.push_back(kahan_matrix<Real>(n));
+    all.push_back(growing_matrix<Real>(n));
+    all.push_back(graded_matrix<Real>(n, sizeof(Real) == 4 ? 12 : 60));
+    all.push_back(matrix_of<Real>(n, n, [](int i, int j) { return i == j; }));
+    return all;
 }
 
 // A := H A H with a random reflector H = I - 2 v v^T / v^T v.
