@@ -1,5 +1,5 @@
-# What an installation holds: the shared library, the public headers, and the two ways in which other
-# projects find them,
+# What an installation holds: the shared library, the public headers, the examples, and the two ways
+# in which other projects find the library,
 #   find_package(nequar_algebra CONFIG)  ->  nequar::algebra
 #   pkg-config nequar_algebra
 # Both are relocatable. The program's own rules stand in tools/nequar.
@@ -14,6 +14,8 @@ install(TARGETS nequar_algebra EXPORT nequar_algebra
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/nequar_algebra
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
+  DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(EXPORT nequar_algebra NAMESPACE nequar:: FILE nequar_algebraTargets.cmake
   DESTINATION ${NEQUAR_PACKAGE_DIR} COMPONENT development)
 

@@ -1,28 +1,12 @@
 // Eigen, compiled as its users compile it for speed: -O3 -march=native, in this unit alone.
-#include <Eigen/Dense>
 #include <memory>
 #include <string>
 
+#include "peers/eigen_support.h"
 #include "peers/peers.h"
 
 namespace bench {
 namespace {
-
-template <class Real>
-using Dense = Eigen::Matrix<Real, Eigen::Dynamic, Eigen::Dynamic>;
-
-template <class Real>
-Dense<Real> dense(const Problem<Real>& a) {
-    return Eigen::Map<const Dense<Real>>(a.columns.data(), a.height, a.width);
-}
-
-template <class Real>
-std::vector<Real> rows_of(const Dense<Real>& a) {
-    Problem<Real> result(a.rows(), a.cols());
-    Eigen::Map<Dense<Real>>(result.columns.data(), a.rows(), a.cols()) = a;
-    result.rows_from_columns();
-    return result.rows;
-}
 
 // What a task keeps between its runs.
 template <class Real, class Decomposition>

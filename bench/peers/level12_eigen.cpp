@@ -1,16 +1,11 @@
 // Eigen on vectors and in passes over a matrix, compiled as in eigen.cpp.
-#include <Eigen/Dense>
 #include <memory>
 
+#include "peers/eigen_support.h"
 #include "peers/level12.h"
 
 namespace bench {
 namespace {
-
-template <class Real>
-using Dense = Eigen::Matrix<Real, Eigen::Dynamic, Eigen::Dynamic>;
-template <class Real>
-using Column = Eigen::Matrix<Real, Eigen::Dynamic, 1>;
 
 template <class Real>
 struct State {
@@ -23,18 +18,10 @@ struct State {
 template <class Real>
 std::shared_ptr<State<Real>> state_of(const Problem<Real>& a, const Problem<Real>& b) {
     auto s = std::make_shared<State<Real>>();
-    s->a = Eigen::Map<const Dense<Real>>(a.columns.data(), a.height, a.width);
-    s->b = Eigen::Map<const Dense<Real>>(b.columns.data(), b.height, b.width);
+    s->a = dense(a);
+    s->b = dense(b);
     s->c = Dense<Real>(a.height, b.width);
     return s;
-}
-
-template <class Real>
-std::vector<Real> rows_of(const Dense<Real>& a) {
-    Problem<Real> result(a.rows(), a.cols());
-    Eigen::Map<Dense<Real>>(result.columns.data(), a.rows(), a.cols()) = a;
-    result.rows_from_columns();
-    return result.rows;
 }
 
 template <class Real>

@@ -3,63 +3,10 @@
 #include <memory>
 
 #include "peers/level12.h"
-
-extern "C" {
-#define NEQUAR_ROUTINES(Real, p)                                                                  \
-    Real p##dot_(const int*, const Real*, const int*, const Real*, const int*);                   \
-    Real p##nrm2_(const int*, const Real*, const int*);                                           \
-    void p##copy_(const int*, const Real*, const int*, Real*, const int*);                        \
-    void p##axpy_(const int*, const Real*, const Real*, const int*, Real*, const int*);           \
-    void p##axpby_(const int*, const Real*, const Real*, const int*, const Real*, Real*,          \
-                   const int*);                                                                   \
-    void p##gemv_(const char*, const int*, const int*, const Real*, const Real*, const int*,      \
-                  const Real*, const int*, const Real*, Real*, const int*, std::size_t);          \
-    void p##omatcopy_(const char*, const char*, const int*, const int*, const Real*, const Real*, \
-                      const int*, Real*, const int*);                                             \
-    void p##imatcopy_(const char*, const char*, const int*, const int*, const Real*, Real*,       \
-                      const int*, const int*);                                                    \
-    void p##trttp_(const char*, const int*, const Real*, const int*, Real*, int*, std::size_t);   \
-    void p##tpttr_(const char*, const int*, const Real*, Real*, const int*, int*, std::size_t);   \
-    void p##trsm_(const char*, const char*, const char*, const char*, const int*, const int*,     \
-                  const Real*, const Real*, const int*, Real*, const int*, std::size_t,           \
-                  std::size_t, std::size_t, std::size_t);                                         \
-    void p##trtri_(const char*, const char*, const int*, Real*, const int*, int*, std::size_t,    \
-                   std::size_t);                                                                  \
-    void p##syrk_(const char*, const char*, const int*, const int*, const Real*, const Real*,     \
-                  const int*, const Real*, Real*, const int*, std::size_t, std::size_t);          \
-    void p##getrf_(const int*, const int*, Real*, const int*, int*, int*);
-NEQUAR_ROUTINES(double, d)
-NEQUAR_ROUTINES(float, s)
-#undef NEQUAR_ROUTINES
-}
+#include "peers/openblas_routines.h"
 
 namespace bench {
 namespace {
-
-template <class Real>
-struct Routines;
-
-#define NEQUAR_ROUTINES(Real, p)                       \
-    template <>                                        \
-    struct Routines<Real> {                            \
-        static constexpr auto dot = p##dot_;           \
-        static constexpr auto nrm2 = p##nrm2_;         \
-        static constexpr auto copy = p##copy_;         \
-        static constexpr auto axpy = p##axpy_;         \
-        static constexpr auto axpby = p##axpby_;       \
-        static constexpr auto gemv = p##gemv_;         \
-        static constexpr auto out = p##omatcopy_;      \
-        static constexpr auto in_place = p##imatcopy_; \
-        static constexpr auto trttp = p##trttp_;       \
-        static constexpr auto tpttr = p##tpttr_;       \
-        static constexpr auto trsm = p##trsm_;         \
-        static constexpr auto trtri = p##trtri_;       \
-        static constexpr auto syrk = p##syrk_;         \
-        static constexpr auto getrf = p##getrf_;       \
-    };
-NEQUAR_ROUTINES(double, d)
-NEQUAR_ROUTINES(float, s)
-#undef NEQUAR_ROUTINES
 
 template <class Real>
 struct State {
@@ -137,13 +84,13 @@ PeerTask<Real> pass(MatrixWork work, const Problem<Real>& a, const Problem<Real>
                     vector};
         case MatrixWork::transpose:
             return {[s] {
-                        Call::out("C", "T", &s->n, &s->n, &one, s->a.columns.data(), &s->n,
-                                  s->packed.data(), &s->n);
+                        Call::omatcopy("C", "T", &s->n, &s->n, &one, s->a.columns.data(), &s->n,
+                                       s->packed.data(), &s->n);
                     },
                     [s] { return result_of(s->packed, s->n, s->n); }};
         case MatrixWork::transpose_in_place: {
             const auto run = [s] {
-                Call::in_place("C", "T", &s->n, &s->n, &one, s->a.columns.data(), &s->n, &s->n);
+                Call::imatcopy("C", "T", &s->n, &s->n, &one, s->a.columns.data(), &s->n, &s->n);
                 s->transposed = !s->transposed;
             };
             return {run, [s, run] {

@@ -5,53 +5,11 @@
 #include <string>
 #include <utility>
 
+#include "peers/openblas_routines.h"
 #include "peers/peers.h"
-
-extern "C" {
-char* openblas_get_config();
-char* openblas_get_corename();
-
-#define NEQUAR_ROUTINES(type, gemm, getrf, potrf, gesv, posv, getri)                            \
-    void gemm(const char*, const char*, const int*, const int*, const int*, const type*,        \
-              const type*, const int*, const type*, const int*, const type*, type*, const int*, \
-              std::size_t, std::size_t);                                                        \
-    void getrf(const int*, const int*, type*, const int*, int*, int*);                          \
-    void potrf(const char*, const int*, type*, const int*, int*, std::size_t);                  \
-    void gesv(const int*, const int*, type*, const int*, int*, type*, const int*, int*);        \
-    void posv(const char*, const int*, const int*, type*, const int*, type*, const int*, int*,  \
-              std::size_t);                                                                     \
-    void getri(const int*, type*, const int*, const int*, type*, const int*, int*);
-NEQUAR_ROUTINES(double, dgemm_, dgetrf_, dpotrf_, dgesv_, dposv_, dgetri_)
-NEQUAR_ROUTINES(float, sgemm_, sgetrf_, spotrf_, sgesv_, sposv_, sgetri_)
-#undef NEQUAR_ROUTINES
-}
 
 namespace bench {
 namespace {
-
-// The routines of one element type.
-template <class Real>
-struct Routines;
-
-template <>
-struct Routines<double> {
-    static constexpr auto gemm = dgemm_;
-    static constexpr auto getrf = dgetrf_;
-    static constexpr auto potrf = dpotrf_;
-    static constexpr auto gesv = dgesv_;
-    static constexpr auto posv = dposv_;
-    static constexpr auto getri = dgetri_;
-};
-
-template <>
-struct Routines<float> {
-    static constexpr auto gemm = sgemm_;
-    static constexpr auto getrf = sgetrf_;
-    static constexpr auto potrf = spotrf_;
-    static constexpr auto gesv = sgesv_;
-    static constexpr auto posv = sposv_;
-    static constexpr auto getri = sgetri_;
-};
 
 int to_int(Size n) {
     return static_cast<int>(n);

@@ -1,27 +1,11 @@
 // Eigen's Householder decompositions and triangular views.
-#include <Eigen/Dense>
 #include <memory>
 
+#include "peers/eigen_support.h"
 #include "peers/orthogonal.h"
 
 namespace bench {
 namespace {
-
-template <class Real>
-using Dense = Eigen::Matrix<Real, Eigen::Dynamic, Eigen::Dynamic>;
-
-template <class Real>
-Dense<Real> dense(const Problem<Real>& a) {
-    return Eigen::Map<const Dense<Real>>(a.columns.data(), a.height, a.width);
-}
-
-template <class Real>
-std::vector<Real> rows_of(const Dense<Real>& a) {
-    Problem<Real> result(a.rows(), a.cols());
-    Eigen::Map<Dense<Real>>(result.columns.data(), a.rows(), a.cols()) = a;
-    result.rows_from_columns();
-    return result.rows;
-}
 
 template <class Real, class Decomposition>
 struct State {

@@ -2,64 +2,11 @@
 #include <algorithm>
 #include <memory>
 
+#include "peers/openblas_routines.h"
 #include "peers/orthogonal.h"
-
-extern "C" {
-#define NEQUAR_REDUCE(type, name) \
-    void name(const int*, const int*, type*, const int*, type*, type*, const int*, int*);
-#define NEQUAR_FORM(type, name)                                                          \
-    void name(const int*, const int*, const int*, type*, const int*, const type*, type*, \
-              const int*, int*);
-#define NEQUAR_ROUTINES(type, p)                                                               \
-    NEQUAR_REDUCE(type, p##geqrf_)                                                             \
-    NEQUAR_REDUCE(type, p##geqlf_)                                                             \
-    NEQUAR_REDUCE(type, p##gerqf_)                                                             \
-    NEQUAR_REDUCE(type, p##gelqf_)                                                             \
-    NEQUAR_FORM(type, p##orgqr_)                                                               \
-    NEQUAR_FORM(type, p##orgql_)                                                               \
-    NEQUAR_FORM(type, p##orgrq_)                                                               \
-    NEQUAR_FORM(type, p##orglq_)                                                               \
-    NEQUAR_FORM(type, p##orghr_)                                                               \
-    NEQUAR_FORM(type, p##gehrd_)                                                               \
-    void p##geqp3_(const int*, const int*, type*, const int*, int*, type*, type*, const int*,  \
-                   int*);                                                                      \
-    void p##ormqr_(const char*, const char*, const int*, const int*, const int*, const type*,  \
-                   const int*, const type*, type*, const int*, type*, const int*, int*,        \
-                   std::size_t, std::size_t);                                                  \
-    void p##trsv_(const char*, const char*, const char*, const int*, const type*, const int*,  \
-                  type*, const int*, std::size_t, std::size_t, std::size_t);                   \
-    void p##trsm_(const char*, const char*, const char*, const char*, const int*, const int*,  \
-                  const type*, const type*, const int*, type*, const int*, std::size_t,        \
-                  std::size_t, std::size_t, std::size_t);                                      \
-    void p##trtri_(const char*, const char*, const int*, type*, const int*, int*, std::size_t, \
-                   std::size_t);
-NEQUAR_ROUTINES(double, d)
-NEQUAR_ROUTINES(float, s)
-}
 
 namespace bench {
 namespace {
-
-template <class Real>
-struct Routines;
-
-#define NEQUAR_TABLE(type, p)                                                              \
-    template <>                                                                            \
-    struct Routines<type> {                                                                \
-        static constexpr decltype(&p##geqrf_) reduce[] = {p##geqrf_, p##geqlf_, p##gerqf_, \
-                                                          p##gelqf_};                      \
-        static constexpr decltype(&p##orgqr_) form[] = {p##orgqr_, p##orgql_, p##orgrq_,   \
-                                                        p##orglq_};                        \
-        static constexpr auto orghr = p##orghr_;                                           \
-        static constexpr auto gehrd = p##gehrd_;                                           \
-        static constexpr auto geqp3 = p##geqp3_;                                           \
-        static constexpr auto ormqr = p##ormqr_;                                           \
-        static constexpr auto trsv = p##trsv_;                                             \
-        static constexpr auto trsm = p##trsm_;                                             \
-        static constexpr auto trtri = p##trtri_;                                           \
-    };
-NEQUAR_TABLE(double, d)
-NEQUAR_TABLE(float, s)
 
 template <class Real>
 struct State {

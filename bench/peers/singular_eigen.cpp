@@ -1,22 +1,11 @@
 // Eigen's divide-and-conquer SVD.
-#include <Eigen/Dense>
 #include <memory>
 
+#include "peers/eigen_support.h"
 #include "peers/singular.h"
 
 namespace bench {
 namespace {
-
-template <class Real>
-using Dense = Eigen::Matrix<Real, Eigen::Dynamic, Eigen::Dynamic>;
-
-template <class Real>
-std::vector<Real> rows_of(const Dense<Real>& a) {
-    std::vector<Real> rows;
-    for (Size i = 0; i < a.rows(); ++i)
-        for (Size j = 0; j < a.cols(); ++j) rows.push_back(a(i, j));
-    return rows;
-}
 
 template <class Real>
 SingularTask<Real> singular(SingularJob job, const Problem<Real>& a) {
@@ -25,7 +14,7 @@ SingularTask<Real> singular(SingularJob job, const Problem<Real>& a) {
         Eigen::BDCSVD<Dense<Real>> svd;
     };
     auto s = std::make_shared<State>();
-    s->a = Eigen::Map<const Dense<Real>>(a.columns.data(), a.height, a.width);
+    s->a = dense(a);
     unsigned options = Eigen::ComputeFullU | Eigen::ComputeFullV;
     if (job == SingularJob::values) options = 0;
     if (job == SingularJob::tall) options = Eigen::ComputeThinV;

@@ -2,40 +2,11 @@
 #include <algorithm>
 #include <memory>
 
+#include "peers/openblas_routines.h"
 #include "peers/singular.h"
-
-extern "C" {
-#define NEQUAR_ROUTINES(type, p)                                                               \
-    void p##gesvd_(const char*, const char*, const int*, const int*, type*, const int*, type*, \
-                   type*, const int*, type*, const int*, type*, const int*, int*, std::size_t, \
-                   std::size_t);                                                               \
-    void p##gesdd_(const char*, const int*, const int*, type*, const int*, type*, type*,       \
-                   const int*, type*, const int*, type*, const int*, int*, int*, std::size_t); \
-    void p##gemm_(const char*, const char*, const int*, const int*, const int*, const type*,   \
-                  const type*, const int*, const type*, const int*, const type*, type*,        \
-                  const int*, std::size_t, std::size_t);
-NEQUAR_ROUTINES(double, d)
-NEQUAR_ROUTINES(float, s)
-#undef NEQUAR_ROUTINES
-}
 
 namespace bench {
 namespace {
-
-template <class Real>
-struct Routines;
-template <>
-struct Routines<double> {
-    static constexpr auto gesvd = dgesvd_;
-    static constexpr auto gesdd = dgesdd_;
-    static constexpr auto gemm = dgemm_;
-};
-template <>
-struct Routines<float> {
-    static constexpr auto gesvd = sgesvd_;
-    static constexpr auto gesdd = sgesdd_;
-    static constexpr auto gemm = sgemm_;
-};
 
 template <class Real>
 struct State {

@@ -1,10 +1,10 @@
 // Eigen's sparse matrices, by columns as ours.
-#include <Eigen/Dense>
 #include <Eigen/Sparse>
 #include <algorithm>
 #include <cmath>
 #include <memory>
 
+#include "peers/eigen_support.h"
 #include "peers/sparse.h"
 
 namespace bench {
@@ -12,8 +12,6 @@ namespace {
 
 template <class Real>
 using Sparse = Eigen::SparseMatrix<Real, Eigen::ColMajor, int>;
-template <class Real>
-using Dense = Eigen::Matrix<Real, Eigen::Dynamic, Eigen::Dynamic>;
 
 template <class Real>
 Sparse<Real> sparse(const Elements<Real>& a) {

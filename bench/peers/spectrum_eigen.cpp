@@ -1,14 +1,11 @@
 // Eigen's solver for symmetric eigenvalues.
-#include <Eigen/Dense>
 #include <memory>
 
+#include "peers/eigen_support.h"
 #include "peers/spectrum.h"
 
 namespace bench {
 namespace {
-
-template <class Real>
-using Dense = Eigen::Matrix<Real, Eigen::Dynamic, Eigen::Dynamic>;
 
 template <class Real>
 SpectrumTask<Real> symmetric(EigenMethod, bool with_vectors, const Problem<Real>& a) {
@@ -17,8 +14,7 @@ SpectrumTask<Real> symmetric(EigenMethod, bool with_vectors, const Problem<Real>
         Eigen::SelfAdjointEigenSolver<Dense<Real>> solver;
     };
     auto s = std::make_shared<State>(
-        State{Eigen::Map<const Dense<Real>>(a.columns.data(), a.height, a.width),
-              Eigen::SelfAdjointEigenSolver<Dense<Real>>(a.height)});
+        State{dense(a), Eigen::SelfAdjointEigenSolver<Dense<Real>>(a.height)});
     return {[s, with_vectors] {
                 s->solver.compute(
                     s->a, with_vectors ? Eigen::ComputeEigenvectors : Eigen::EigenvaluesOnly);

@@ -2,34 +2,11 @@
 #include <algorithm>
 #include <memory>
 
+#include "peers/openblas_routines.h"
 #include "peers/spectrum.h"
-
-extern "C" {
-#define NEQUAR_ROUTINES(type, p)                                                          \
-    void p##syev_(const char*, const char*, const int*, type*, const int*, type*, type*,  \
-                  const int*, int*, std::size_t, std::size_t);                            \
-    void p##syevd_(const char*, const char*, const int*, type*, const int*, type*, type*, \
-                   const int*, int*, const int*, int*, std::size_t, std::size_t);
-NEQUAR_ROUTINES(double, d)
-NEQUAR_ROUTINES(float, s)
-#undef NEQUAR_ROUTINES
-}
 
 namespace bench {
 namespace {
-
-template <class Real>
-struct Routines;
-template <>
-struct Routines<double> {
-    static constexpr auto syev = dsyev_;
-    static constexpr auto syevd = dsyevd_;
-};
-template <>
-struct Routines<float> {
-    static constexpr auto syev = ssyev_;
-    static constexpr auto syevd = ssyevd_;
-};
 
 template <class Real>
 struct State {

@@ -1,17 +1,12 @@
 // Statistics and Toeplitz recursions with Eigen's vectors.
-#include <Eigen/Dense>
 #include <memory>
 #include <random>
 
+#include "peers/eigen_support.h"
 #include "peers/statistics.h"
 
 namespace bench {
 namespace {
-
-template <class Real>
-using Column = Eigen::Matrix<Real, Eigen::Dynamic, 1>;
-template <class Real>
-using Dense = Eigen::Matrix<Real, Eigen::Dynamic, Eigen::Dynamic>;
 
 template <class Real>
 Column<Real> column_of(const Problem<Real>& a) {

@@ -123,26 +123,18 @@ bool EigenSolver<Real>::can_solve_with_components(const Matrix<Real>* v,
     return rank == n ? true : this->fail("2", kSolveWith);
 }
 
-// The solution may have its elements in any of the inputs: it is written after the last look.
 template <class Real>
 template <class Object>
 bool EigenSolver<Real>::solve_with_components(const Matrix<Real>* v,
                                               const MatrixDiagonal<Real>* values, Real tolerance,
                                               const Object* b, Object* x) const {
     const CNqClass::CallScope scope(this);
-    const View<const Real> right = columns_of(b);
-    const Size n = right.height;
-    const Size k = right.width;
-    if (!can_solve_with_components(v, values, tolerance, n)) return false;
-    Workspace<Real> work(2 * n * k);
-    if (!work) return this->fail(text::kOutOfMemory, kSolveWith);
-    const View<Real> solution = matrix_view(work.data(), n, k);
-    kernel::copy(right, solution);
-    solve_with_eigen(view_of(v), {values->p(), n}, solution,
-                     matrix_view(work.data() + n * k, n, k));
-    if (!size_like(b, x)) return this->fail(text::kCannotSize, kSolveWith);
-    kernel::copy(reading(solution), columns_of(x));
-    return true;
+    if (!can_solve_with_components(v, values, tolerance, columns_of(b).height)) return false;
+    const char* const detail =
+        solve_apart(b, x, [&](const View<Real>& solution, const View<Real>& scratch) {
+            solve_with_eigen(view_of(v), values_of(values), solution, scratch);
+        });
+    return detail == nullptr ? true : this->fail(detail, kSolveWith);
 }
 
 template <class Real>
@@ -166,17 +158,12 @@ bool EigenSolver<Real>::u_sev_Solve_based_on_EVD(const Matrix<Real>* v,
     const CNqClass::CallScope scope(this);
     if (!can_solve_with_components(v, values, tolerance, n)) return false;
     if (k < 1) return true;
-    Size count = 0;
-    if (!checked_product(2 * Size(n), k, count)) return this->fail(text::kOutOfMemory, kSolveWith);
-    Workspace<Real> work(count);
-    if (!work) return this->fail(text::kOutOfMemory, kSolveWith);
-    const View<Real> target = view_of_array(row_major, n, k, data);
-    const View<Real> solution = matrix_view(work.data(), n, k);
-    kernel::copy(reading(target), solution);
-    solve_with_eigen(view_of(v), {values->p(), n}, solution,
-                     matrix_view(work.data() + Size(n) * k, n, k));
-    kernel::copy(reading(solution), target);
-    return true;
+    const char* const detail =
+        solve_apart(view_of_array(row_major, n, k, data),
+                    [&](const View<Real>& solution, const View<Real>& scratch) {
+                        solve_with_eigen(view_of(v), values_of(values), solution, scratch);
+                    });
+    return detail == nullptr ? true : this->fail(detail, kSolveWith);
 }
 
 // ---- inverse -----------------------------------------------------------------------------------
@@ -198,11 +185,9 @@ bool EigenSolver<Real>::u_piev_Pseudo_Inverse_matrix_based_on_EVD(
     const Matrix<Real>* v, const MatrixDiagonal<Real>* values, Real tolerance,
     Matrix<Real>* inverse) const {
     Real threshold = 0;
-    const Size n = values->vs();
-    const EigenRank found =
-        count_components(Strided<const Real>(values->p(), n), tolerance, true, threshold);
+    const EigenRank found = count_components(values_of(values), tolerance, true, threshold);
     if (const char* const detail = detail_of(found.fault)) return this->fail(detail, kPseudoWith);
-    if (v->mw() != n) return this->fail("2", kPseudoWith);
+    if (v->mw() != values->vs()) return this->fail("2", kPseudoWith);
     return invert_with_components(kPseudoWith, v, values, threshold, inverse);
 }
 
@@ -216,7 +201,7 @@ bool EigenSolver<Real>::invert_with_components(const char* method, const Matrix<
     Matrix<Real>* const target = inverse == v ? &apart : inverse;
     if (target->c_Create(n, n) == nullptr) return this->fail(text::kCannotSize, method);
     const Outcome outcome =
-        invert_with_eigen(view_of(v), {values->p(), values->vs()}, threshold, view_of(target));
+        invert_with_eigen(view_of(v), values_of(values), threshold, view_of(target));
     if (!outcome) return this->fail(text::kOutOfMemory, method);
     if (target != inverse && inverse->cp_Copy(target) == nullptr)
         return this->fail(text::kCannotSize, method);

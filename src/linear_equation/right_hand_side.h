@@ -16,6 +16,12 @@ bool is_square_of(const Matrix<Real>* a, int order) {
     return a->mh() == order && a->mw() == order;
 }
 
+// The elements of a diagonal matrix, or those of them that its vector still holds.
+template <class Real>
+Strided<const Real> values_of(const MatrixDiagonal<Real>* diagonal) {
+    return {diagonal->p(), diagonal->vs()};
+}
+
 // The shape of b for x, which may be b itself; false when it cannot be had.
 template <class Real>
 bool size_like(const Matrix<Real>* b, Matrix<Real>* x) {
@@ -55,6 +61,44 @@ const char* deliver(const Vector<Real>* b, Vector<Real>* x, const Solve& solve) 
     if (x != b && x->c_Create(static_cast<int>(n)) == nullptr) return text::kCannotSize;
     kernel::copy(Strided<const Real>(work.data(), n), view_of(x));
     return nullptr;
+}
+
+// Solves for a copy of the right-hand side: calls solve(copy, scratch), two n x k views, and writes
+// what the copy then holds where `target_of` says, after the last look at the inputs; the target
+// may have its elements in any of them. Answers the detail of the failure, null when there is none.
+template <class Real, class Solve, class TargetOf>
+const char* solve_apart(const View<const Real>& right, const Solve& solve,
+                        const TargetOf& target_of) {
+    Size count = 0;
+    if (!checked_product(2 * right.height, right.width, count)) return text::kOutOfMemory;
+    Workspace<Real> work(count);
+    if (!work) return text::kOutOfMemory;
+    const View<Real> copy = matrix_view(work.data(), right.height, right.width);
+    kernel::copy(right, copy);
+    solve(copy, matrix_view(work.data() + count / 2, right.height, right.width));
+    View<Real> target;
+    if (!target_of(target)) return text::kCannotSize;
+    kernel::copy(reading(copy), target);
+    return nullptr;
+}
+
+// For B and X of the object layer: X takes the shape of B.
+template <class Object, class Solve>
+const char* solve_apart(const Object* b, Object* x, const Solve& solve) {
+    return solve_apart(columns_of(b), solve, [b, x](auto& target) {
+        if (!size_like(b, x)) return false;
+        target = columns_of(x);
+        return true;
+    });
+}
+
+// For an array that holds B and takes X.
+template <class Real, class Solve>
+const char* solve_apart(const View<Real>& array, const Solve& solve) {
+    return solve_apart(reading(array), solve, [&array](View<Real>& target) {
+        target = array;
+        return true;
+    });
 }
 
 }  // namespace nequar

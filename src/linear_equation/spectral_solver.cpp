@@ -17,11 +17,6 @@ constexpr const char* kPseudo = "pisv_Pseudo_Inverse_matrix_based_on_SVD";
 constexpr const char* kPseudoWith = "u_pisv_Pseudo_Inverse_matrix_based_on_SVD";
 constexpr const char* kTest = "u_tcs_Test_Components_from_SVD";
 
-template <class Real>
-Strided<const Real> values_of(const MatrixDiagonal<Real>* s) {
-    return {s->p(), s->vs()};
-}
-
 }  // namespace
 
 template <class Real>
@@ -127,7 +122,6 @@ bool SpectralSolver<Real>::can_solve_with_components(const Matrix<Real>* u,
     return rank == n ? true : this->fail("2", kSolveWith);
 }
 
-// The solution may have its elements in any of the inputs: it is written after the last look.
 template <class Real>
 template <class Object>
 bool SpectralSolver<Real>::solve_with_components(const Matrix<Real>* u,
@@ -135,19 +129,12 @@ bool SpectralSolver<Real>::solve_with_components(const Matrix<Real>* u,
                                                  const Matrix<Real>* v, Real tolerance,
                                                  const Object* b, Object* x) const {
     const CNqClass::CallScope scope(this);
-    const View<const Real> right = columns_of(b);
-    const Size n = right.height;
-    const Size k = right.width;
-    if (!can_solve_with_components(u, s, v, tolerance, n)) return false;
-    Workspace<Real> work(2 * n * k);
-    if (!work) return this->fail(text::kOutOfMemory, kSolveWith);
-    const View<Real> solution = matrix_view(work.data(), n, k);
-    kernel::copy(right, solution);
-    solve_with_svd(view_of(u), values_of(s), view_of(v), solution,
-                   matrix_view(work.data() + n * k, n, k));
-    if (!size_like(b, x)) return this->fail(text::kCannotSize, kSolveWith);
-    kernel::copy(reading(solution), columns_of(x));
-    return true;
+    if (!can_solve_with_components(u, s, v, tolerance, columns_of(b).height)) return false;
+    const char* const detail =
+        solve_apart(b, x, [&](const View<Real>& solution, const View<Real>& scratch) {
+            solve_with_svd(view_of(u), values_of(s), view_of(v), solution, scratch);
+        });
+    return detail == nullptr ? true : this->fail(detail, kSolveWith);
 }
 
 template <class Real>
@@ -175,17 +162,12 @@ bool SpectralSolver<Real>::u_ssv_Solve_based_on_SVD(const Matrix<Real>* u,
     const CNqClass::CallScope scope(this);
     if (!can_solve_with_components(u, s, v, tolerance, n)) return false;
     if (k < 1) return true;
-    Size count = 0;
-    if (!checked_product(2 * Size(n), k, count)) return this->fail(text::kOutOfMemory, kSolveWith);
-    Workspace<Real> work(count);
-    if (!work) return this->fail(text::kOutOfMemory, kSolveWith);
-    const View<Real> target = view_of_array(row_major, n, k, data);
-    const View<Real> solution = matrix_view(work.data(), n, k);
-    kernel::copy(reading(target), solution);
-    solve_with_svd(view_of(u), values_of(s), view_of(v), solution,
-                   matrix_view(work.data() + Size(n) * k, n, k));
-    kernel::copy(reading(solution), target);
-    return true;
+    const char* const detail =
+        solve_apart(view_of_array(row_major, n, k, data),
+                    [&](const View<Real>& solution, const View<Real>& scratch) {
+                        solve_with_svd(view_of(u), values_of(s), view_of(v), solution, scratch);
+                    });
+    return detail == nullptr ? true : this->fail(detail, kSolveWith);
 }
 
 // ---- inverse -----------------------------------------------------------------------------------

@@ -35,7 +35,122 @@ bool SparseMatrix<Real>::u_mrsm_Make_a_Random_Sparse_Matrix(int d1, int d2, int 
     return this->fail("4", kName);
 }
 
-// ---- elements, statistics, scalars --------------------------------------------------------------
+namespace {
+
+template <class Real>
+using MatrixPair = TwinPair<SparseMatrix<Real>, Matrix<Real>>;
+
+template <class Real, class Check>
+const char* first_code(const SparseMatrix<Real>& maker, const SelfTestInput& input,
+                       MatrixPair<Real>& pair, const Check& check) {
+    const auto draw = [&](int number, SparseMatrix<Real>* s, Matrix<Real>* a) {
+        return maker.u_mrsm_Make_a_Random_Sparse_Matrix(input.d1, input.d2, number, input.min,
+                                                        input.max, s, a);
+    };
+    return first_code(input, pair, draw, check);
+}
+
+template <class Real>
+const char* code_of_elements(MatrixPair<Real>& pair, int repetition) {
+    SparseMatrix<Real>& s = pair.s;
+    Matrix<Real>& a = pair.a;
+    const int d1 = a.mh();
+    const int d2 = a.mw();
+    Real value = 0;
+    for (int y = 0; y < d1; ++y)
+        for (int x = 0; x < d2; ++x)
+            if (!s.ge(x, y, &value) || value != a[y][x]) return "8";
+    if (s.ge(d2, 0, &value) || value != Real(0)) return "9";
+    if (s.se(0, -1, Real(1)) || s.ace(-1, 0, Real(1)) || !holds(s, a)) return "10";
+
+    // Every other element takes the value of the other matrix, 0.0 included.
+    for (int y = 0; y < d1; ++y)
+        for (int x = (y + repetition) % 2; x < d2; x += 2) {
+            const Real v = pair.b[y][x];
+            a[y][x] = v;
+            if (!(x % 3 == 0 ? s.ace(x, y, v) : s.se(x, y, v))) return "11";
+        }
+    if (!holds(s, a)) return "12";
+    const Size zeros = std::count(a.p()[0], a.p()[0] + element_count(&a), Real(0));
+    if (!s.rze() || s.nee() != element_count(&a) - zeros || !holds(s, a)) return "13";
+    int x = -1;
+    int y = -1;
+    if (s.itze() != (zeros > 0) || s.fize(x, y) != (zeros > 0) || (zeros > 0 && a[y][x] != Real(0)))
+        return "14";
+    return nullptr;
+}
+
+// Each part of each line is taken from the first matrix into the second.
+template <class Real>
+const char* code_of_lines(MatrixPair<Real>& pair, bool rows) {
+    const int lines = rows ? pair.a.mh() : pair.a.mw();
+    const int size = rows ? pair.a.mw() : pair.a.mh();
+    SparseVector<Real> part;
+    for (int line = 0; line < lines; ++line)
+        for (int first = 0; first < size; ++first)
+            for (int length = size - first; length > 0; --length) {
+                const int x = rows ? first : line;
+                const int y = rows ? line : first;
+                if (!(rows ? pair.s.gr(x, y, length, &part) : pair.s.gc(x, y, length, &part)))
+                    return "8";
+                if (!(rows ? pair.other.sr(x, y, &part) : pair.other.sc(x, y, &part))) return "9";
+                const Matrix<Real> expected =
+                    dense_part(pair.a, x, y, rows ? length : 1, rows ? 1 : length);
+                set_part(pair.b, x, y, expected);
+                if (!(dense_line(part, rows) == expected)) return "10";
+                if (!holds(pair.other, pair.b)) return "11";
+            }
+    return nullptr;
+}
+
+template <class Real>
+const char* code_of_blocks(MatrixPair<Real>& pair, SparseMatrix<Real>& block) {
+    const int d1 = pair.a.mh();
+    const int d2 = pair.a.mw();
+    for (int x = 0; x < d2; ++x)
+        for (int y = 0; y < d1; ++y)
+            for (int dx = d2 - x; dx > 0; --dx)
+                for (int dy = d1 - y; dy > 0; --dy) {
+                    if (!pair.s.gb(x, y, dx, dy, &block)) return "8";
+                    if (!pair.other.sb(x, y, &block)) return "9";
+                    const Matrix<Real> expected = dense_part(pair.a, x, y, dx, dy);
+                    set_part(pair.b, x, y, expected);
+                    if (!holds(block, expected)) return "10";
+                    if (!holds(pair.other, pair.b)) return "11";
+                }
+    return nullptr;
+}
+
+template <class Real>
+const char* code_of_transposition(const MatrixPair<Real>& pair) {
+    Matrix<Real> turned;
+    if (turned.c_Create(pair.a.mw(), pair.a.mh()) == nullptr) return "12";
+    kernel::transpose<Real>(view_of(&pair.a), view_of(&turned));
+    SparseMatrix<Real> transposed;
+    SparseMatrix<Real> in_place = pair.s;
+    return pair.s.t(&transposed) && holds(transposed, turned) && in_place.t(&in_place) &&
+                   holds(in_place, turned)
+               ? nullptr
+               : "12";
+}
+
+// A column of the one times a row of the other, added.
+template <class Real>
+const char* code_of_update(const MatrixPair<Real>& pair) {
+    const int d1 = pair.a.mh();
+    const int d2 = pair.a.mw();
+    SparseVector<Real> left, right;
+    if (!pair.s.gc(0, 0, d1, &left) || !pair.other.gr(0, 0, d2, &right)) return "13";
+    Matrix<Real> dense = pair.a;
+    for (int y = 0; y < d1; ++y)
+        for (int x = 0; x < d2; ++x)
+            if (pair.a[y][0] != Real(0) && pair.b[0][x] != Real(0))
+                dense[y][x] += pair.b[0][x] * pair.a[y][0];
+    SparseMatrix<Real> updated = pair.s;
+    return updated.mvva(&left, &right) && holds(updated, dense) ? nullptr : "14";
+}
+
+}  // namespace
 
 template <class Real>
 bool SparseMatrix<Real>::u_toe_Test_Operations_Elementary(int d1, int d2, double density,
@@ -43,231 +158,71 @@ bool SparseMatrix<Real>::u_toe_Test_Operations_Elementary(int d1, int d2, double
                                                           int repetitions) {
     constexpr const char* kName = "u_toe_Test_Operations_Elementary";
     const CNqClass::CallScope scope(this);
-    const char* const bad = code_of_bad_parameter(d1, d2, density, min, max, repetitions);
-    if (bad != nullptr) return this->fail(bad, kName);
+    const SelfTestInput input = {d1, d2, density, min, max, repetitions};
     const auto c = static_cast<Real>(constant);
-    if (!std::isfinite(c)) return this->fail("1", kName);
-    const int number = number_of_nonzeros(d1, d2, density);
-    SparseMatrix s, other;
-    Matrix<Real> a, b;
-    for (int repetition = 0; repetition < repetitions; ++repetition) {
-        if (!u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &s, &a) ||
-            !u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &other, &b))
-            return this->fail("7", kName);
-        Real value = 0;
-        for (int y = 0; y < d1; ++y)
-            for (int x = 0; x < d2; ++x)
-                if (!s.ge(x, y, &value) || value != a[y][x]) return this->fail("8", kName);
-        if (s.ge(d2, 0, &value) || value != Real(0)) return this->fail("9", kName);
-        if (s.se(0, -1, Real(1)) || s.ace(-1, 0, Real(1)) || !holds(s, a))
-            return this->fail("10", kName);
-
-        // Every other element takes the value of the other matrix, 0.0 included.
-        for (int y = 0; y < d1; ++y)
-            for (int x = (y + repetition) % 2; x < d2; x += 2) {
-                a[y][x] = b[y][x];
-                if (!(x % 3 == 0 ? s.ace(x, y, b[y][x]) : s.se(x, y, b[y][x])))
-                    return this->fail("11", kName);
-            }
-        if (!holds(s, a)) return this->fail("12", kName);
-        const Size zeros = std::count(a.p()[0], a.p()[0] + element_count(&a), Real(0));
-        if (!s.rze() || s.nee() != element_count(&a) - zeros || !holds(s, a))
-            return this->fail("13", kName);
-        int x = -1;
-        int y = -1;
-        if (s.itze() != (zeros > 0) || s.fize(x, y) != (zeros > 0) ||
-            (zeros > 0 && a[y][x] != Real(0)))
-            return this->fail("14", kName);
-
-        const Real* const elements = a.p()[0];
-        Real least = 0;
-        int x_least = -1;
-        int y_least = -1;
-        const Real largest = s.maxmin(least, &x, &y, &x_least, &y_least);
-        if (!is_extremum(true, largest, elements, element_count(&a)) || a[y][x] != largest ||
-            !is_extremum(false, least, elements, element_count(&a)) ||
-            a[y_least][x_least] != least || s.max() != largest || s.min() != least)
-            return this->fail("1212", kName);
-        const DenseStatistics dense = statistics_of(elements, element_count(&a));
-        Real deviation = 0;
-        const Real average = s.mst(deviation);
-        const long double mean_magnitude = dense.magnitude / dense.terms;
-        if (!agrees(average, dense.mean, mean_magnitude, dense.terms) || s.m() != average ||
-            !agrees(deviation, dense.deviation, dense.deviation + mean_magnitude, dense.terms) ||
-            !agrees(s.nf(), dense.norm, dense.norm, dense.terms))
-            return this->fail("15", kName);
-
-        const Matrix<Real> scaled = dense_result(a, a, [c](Real v, Real) { return v * c; });
-        SparseMatrix product = s;
-        product *= c;
-        if (!holds(s * c, scaled) || !holds(product, scaled)) return this->fail("16", kName);
-        SparseMatrix quotient = s;
-        if (c == Real(0)) {
-            if ((quotient /= c) || !holds(quotient, a)) return this->fail("18222", kName);
-        } else {
-            const Matrix<Real> divided = dense_result(a, a, [c](Real v, Real) { return v / c; });
-            if (!(quotient /= c) || !holds(quotient, divided) || !holds(s / c, divided))
-                return this->fail("17", kName);
-        }
-        if (s != s || (s == other) != (a == b)) return this->fail("18", kName);
-    }
-    return true;
+    const char* const bad = code_of_bad_parameter(input, c);
+    if (bad != nullptr) return this->fail(bad, kName);
+    MatrixPair<Real> pair;
+    const char* const failed =
+        first_code(*this, input, pair, [c](MatrixPair<Real>& drawn, int repetition) {
+            const char* code = code_of_elements(drawn, repetition);
+            if (code == nullptr) code = code_of_statistics(drawn.s, drawn.a);
+            if (code == nullptr) code = code_of_scalars(drawn.s, drawn.a, c);
+            return code != nullptr ? code : code_of_comparison(drawn);
+        });
+    return failed == nullptr || this->fail(failed, kName);
 }
-
-// ---- columns, rows, blocks ----------------------------------------------------------------------
 
 template <class Real>
 bool SparseMatrix<Real>::u_toc_Test_Operations_for_Columns(int d1, int d2, double density,
                                                            double min, double max,
                                                            int repetitions) {
-    constexpr const char* kName = "u_toc_Test_Operations_for_Columns";
     const CNqClass::CallScope scope(this);
-    const char* const bad = code_of_bad_parameter(d1, d2, density, min, max, repetitions);
-    if (bad != nullptr) return this->fail(bad, kName);
-    const int number = number_of_nonzeros(d1, d2, density);
-    SparseMatrix from, to;
-    Matrix<Real> a, b;
-    SparseVector<Real> part;
-    for (int repetition = 0; repetition < repetitions; ++repetition) {
-        if (!u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &from, &a) ||
-            !u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &to, &b))
-            return this->fail("7", kName);
-        for (int x = 0; x < d2; ++x)
-            for (int y = 0; y < d1; ++y)
-                for (int dy = d1 - y; dy > 0; --dy) {
-                    if (!from.gc(x, y, dy, &part)) return this->fail("8", kName);
-                    if (!to.sc(x, y, &part)) return this->fail("9", kName);
-                    for (int r = y; r < y + dy; ++r) b[r][x] = a[r][x];
-                    if (!(dense_line(part, false) == dense_part(a, x, y, 1, dy)))
-                        return this->fail("10", kName);
-                    if (!holds(to, b)) return this->fail("11", kName);
-                }
-    }
-    return true;
+    MatrixPair<Real> pair;
+    const char* const failed =
+        first_code(*this, {d1, d2, density, min, max, repetitions}, pair,
+                   [](MatrixPair<Real>& drawn, int) { return code_of_lines(drawn, false); });
+    return failed == nullptr || this->fail(failed, "u_toc_Test_Operations_for_Columns");
 }
 
 template <class Real>
 bool SparseMatrix<Real>::u_tor_Test_Operations_for_Rows(int d1, int d2, double density, double min,
                                                         double max, int repetitions) {
-    constexpr const char* kName = "u_tor_Test_Operations_for_Rows";
     const CNqClass::CallScope scope(this);
-    const char* const bad = code_of_bad_parameter(d1, d2, density, min, max, repetitions);
-    if (bad != nullptr) return this->fail(bad, kName);
-    const int number = number_of_nonzeros(d1, d2, density);
-    SparseMatrix from, to;
-    Matrix<Real> a, b;
-    SparseVector<Real> part;
-    for (int repetition = 0; repetition < repetitions; ++repetition) {
-        if (!u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &from, &a) ||
-            !u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &to, &b))
-            return this->fail("7", kName);
-        for (int y = 0; y < d1; ++y)
-            for (int x = 0; x < d2; ++x)
-                for (int dx = d2 - x; dx > 0; --dx) {
-                    if (!from.gr(x, y, dx, &part)) return this->fail("8", kName);
-                    if (!to.sr(x, y, &part)) return this->fail("9", kName);
-                    for (int column = x; column < x + dx; ++column) b[y][column] = a[y][column];
-                    if (!(dense_line(part, true) == dense_part(a, x, y, dx, 1)))
-                        return this->fail("10", kName);
-                    if (!holds(to, b)) return this->fail("11", kName);
-                }
-    }
-    return true;
+    MatrixPair<Real> pair;
+    const char* const failed =
+        first_code(*this, {d1, d2, density, min, max, repetitions}, pair,
+                   [](MatrixPair<Real>& drawn, int) { return code_of_lines(drawn, true); });
+    return failed == nullptr || this->fail(failed, "u_tor_Test_Operations_for_Rows");
 }
 
 template <class Real>
 bool SparseMatrix<Real>::u_tob_Test_Operations_for_Blocks(int d1, int d2, double density,
                                                           double min, double max, int repetitions) {
-    constexpr const char* kName = "u_tob_Test_Operations_for_Blocks";
     const CNqClass::CallScope scope(this);
-    const char* const bad = code_of_bad_parameter(d1, d2, density, min, max, repetitions);
-    if (bad != nullptr) return this->fail(bad, kName);
-    const int number = number_of_nonzeros(d1, d2, density);
-    SparseMatrix from, to, block;
-    this->zet_x(&from, &to, &block);
-    Matrix<Real> a, b;
-    for (int repetition = 0; repetition < repetitions; ++repetition) {
-        if (!u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &from, &a) ||
-            !u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &to, &b))
-            return this->fail("7", kName);
-        for (int x = 0; x < d2; ++x)
-            for (int y = 0; y < d1; ++y)
-                for (int dx = d2 - x; dx > 0; --dx)
-                    for (int dy = d1 - y; dy > 0; --dy) {
-                        if (!from.gb(x, y, dx, dy, &block)) return this->fail("8", kName);
-                        if (!to.sb(x, y, &block)) return this->fail("9", kName);
-                        const Matrix<Real> part = dense_part(a, x, y, dx, dy);
-                        kernel::copy<Real>(view_of(&part), view_of(&b).block(y, x, dy, dx));
-                        if (!holds(block, part)) return this->fail("10", kName);
-                        if (!holds(to, b)) return this->fail("11", kName);
-                    }
-    }
-    return true;
+    MatrixPair<Real> pair;
+    SparseMatrix block;
+    this->zet_x(&pair.s, &pair.other, &block);
+    const char* const failed =
+        first_code(*this, {d1, d2, density, min, max, repetitions}, pair,
+                   [&block](MatrixPair<Real>& drawn, int) { return code_of_blocks(drawn, block); });
+    return failed == nullptr || this->fail(failed, "u_tob_Test_Operations_for_Blocks");
 }
-
-// ---- two matrices -------------------------------------------------------------------------------
 
 template <class Real>
 bool SparseMatrix<Real>::u_tom_Test_Operations_with_Matrices(int d1, int d2, double density,
                                                              double min, double max,
                                                              int repetitions) {
-    constexpr const char* kName = "u_tom_Test_Operations_with_Matrices";
     const CNqClass::CallScope scope(this);
-    const char* const bad = code_of_bad_parameter(d1, d2, density, min, max, repetitions);
-    if (bad != nullptr) return this->fail(bad, kName);
-    const int number = number_of_nonzeros(d1, d2, density);
-    SparseMatrix s, u;
-    Matrix<Real> a, b;
-    SparseVector<Real> left, right;
-    for (int repetition = 0; repetition < repetitions; ++repetition) {
-        if (!u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &s, &a) ||
-            !u_mrsm_Make_a_Random_Sparse_Matrix(d1, d2, number, min, max, &u, &b))
-            return this->fail("7", kName);
-        const Real weight = s.max() - Real(2);
-        const auto sum = [](Real p, Real q) { return p + q; };
-        const auto weighted = [weight](Real p, Real q) { return p + weight * q; };
-        const auto difference = [](Real p, Real q) { return p - q; };
-        const auto product = [](Real p, Real q) { return p * q; };
-        for (const bool with_itself : {false, true}) {
-            const Matrix<Real>& dense = with_itself ? a : b;
-            const auto check = [&](const auto& apply, const auto& of_elements, const char* code) {
-                SparseMatrix result = s;
-                return (apply(result, with_itself ? &result : &u) &&
-                        holds(result, dense_result(a, dense, of_elements))) ||
-                       this->fail(code, kName);
-            };
-            if (!check([](auto& r, auto* q) { return r.amm(q); }, sum, "8") ||
-                !check([weight](auto& r, auto* q) { return r.ammw(q, weight); }, weighted, "9") ||
-                !check([](auto& r, auto* q) { return r.smm(q); }, difference, "10") ||
-                !check([](auto& r, auto* q) { return r.mmme(q); }, product, "11"))
-                return false;
-        }
-        Matrix<Real> turned;
-        turned.c_Create(d2, d1);
-        kernel::transpose<Real>(view_of(&a), view_of(&turned));
-        SparseMatrix transposed, in_place = s;
-        if (!s.t(&transposed) || !holds(transposed, turned) || !in_place.t(&in_place) ||
-            !holds(in_place, turned))
-            return this->fail("12", kName);
-
-        if (!s.gc(0, 0, d1, &left) || !u.gr(0, 0, d2, &right)) return this->fail("13", kName);
-        Matrix<Real> updated = a;
-        for (int y = 0; y < d1; ++y)
-            for (int x = 0; x < d2; ++x)
-                if (a[y][0] != Real(0) && b[0][x] != Real(0)) updated[y][x] += b[0][x] * a[y][0];
-        SparseMatrix with_product = s;
-        if (!with_product.mvva(&left, &right) || !holds(with_product, updated))
-            return this->fail("14", kName);
-
-        const Matrix<Real> gap = dense_result(a, b, difference);
-        long double squares = 0;
-        for (Size i = 0; i < element_count(&gap); ++i)
-            squares += static_cast<long double>(gap.p()[0][i]) * gap.p()[0][i];
-        const auto elements = static_cast<double>(element_count(&gap));
-        if (!agrees(s.mse(&u), squares / elements, squares / elements, elements))
-            return this->fail("15", kName);
-    }
-    return true;
+    MatrixPair<Real> pair;
+    const char* const failed = first_code(
+        *this, {d1, d2, density, min, max, repetitions}, pair, [](MatrixPair<Real>& drawn, int) {
+            const char* code = code_of_matrix_sums(drawn);
+            if (code == nullptr) code = code_of_transposition(drawn);
+            if (code == nullptr) code = code_of_update(drawn);
+            return code != nullptr ? code : code_of_distance(drawn);
+        });
+    return failed == nullptr || this->fail(failed, "u_tom_Test_Operations_with_Matrices");
 }
 
 template <class Real>

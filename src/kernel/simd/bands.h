@@ -298,14 +298,36 @@ struct PackedStrip {
     Size in_row;
     Real* out;  // position j of the next band
     Size length;
+    Size r;  // of the next row below j
+    Size height, width;
     Shear<Real, Delay::last_lane_least> shear;
+
+    // The strip of positions [j, j + lanes), ready for band d.
+    NEQUAR_INLINE PackedStrip(const Bands<Real>& bands, Size j, Size d, const Block<const Real>& a)
+        : in(a.data + (j + d) * a.row_stride + j),
+          in_row(a.row_stride),
+          out(band(bands, d) + j),
+          length(length_of_band(bands, d)),
+          r(d),
+          height(bands.height - j),
+          width(width_of_strip(bands, j)),
+          shear{} {
+        if (width == lanes && d + lanes <= height) {
+            NEQUAR_UNROLL for (Size i = 1; i < lanes; ++i) next_row();
+            r += lanes - 1;
+        } else {
+            for (Size i = 1; i < lanes; ++i) next_up_to_end();
+        }
+    }
 
     NEQUAR_INLINE Vector<Real> next_row() {
         const Vector<Real> v = load(in);
         in += in_row;
         return shear.next(v);
     }
-    NEQUAR_INLINE Vector<Real> next_row(Size width) {
+    // One of a narrow strip, or near the end: zeros follow the last.
+    NEQUAR_INLINE Vector<Real> next_up_to_end() {
+        if (r++ >= height) return shear.next(Vector<Real>{});
         const Vector<Real> v = load_first(in, width);
         in += in_row;
         return shear.next(v);
@@ -335,35 +357,21 @@ struct PackedStrip {
 template <class Real>
 void pack_strip(const Bands<Real>& bands, Size j, Size d, Size end, const Block<const Real>& a) {
     constexpr Size lanes = kLanes<Real>;
-    const Size width = width_of_strip(bands, j);
-    const Size height = bands.height - j;
+    PackedStrip<Real> strip(bands, j, d, a);
+    const Size width = strip.width;
+    const Size height = strip.height;
     const Size full = bands.height - bands.width;
-    PackedStrip<Real> strip = {a.data + (j + d) * a.row_stride + j,
-                               a.row_stride,
-                               band(bands, d) + j,
-                               length_of_band(bands, d),
-                               {}};
-    Size r = d;  // of the next row below j
-    const auto next_up_to_end = [&]() __attribute__((always_inline)) {
-        return r++ < height ? strip.next_row(width) : strip.shear.next(Vector<Real>{});
-    };
-    if (width == lanes && d + lanes <= height) {
-        NEQUAR_UNROLL for (Size i = 1; i < lanes; ++i) strip.next_row();
-        r += lanes - 1;
-    } else {
-        for (Size i = 1; i < lanes; ++i) next_up_to_end();
-    }
     end = smaller(end, height);
     const Size whole = width < lanes ? d : smaller(end, height - lanes + 1);
     const Size before = smaller(whole, full);
     if (d < before) {
         strip.bands(before - d, 0);
-        r += before - d;
+        strip.r += before - d;
         d = before;
     }
     if (d < whole) {
         strip.bands(whole - d, 1);
-        r += whole - d;
+        strip.r += whole - d;
         d = whole;
     }
     // The triangle with which the bands end.
@@ -374,7 +382,7 @@ void pack_strip(const Bands<Real>& bands, Size j, Size d, Size end, const Block<
         }
     }
     for (; d < end; ++d) {
-        store_first(strip.out, next_up_to_end(), smaller(width, height - d));
+        store_first(strip.out, strip.next_up_to_end(), smaller(width, height - d));
         strip.advance(d >= full);
     }
 }
@@ -562,25 +570,11 @@ template <class Real>
 void pack_symmetric_strip(const Bands<Real>& bands, Size j, Size d, Size end,
                           const Block<const Real>& a) {
     constexpr Size lanes = kLanes<Real>;
-    const Size width = width_of_strip(bands, j);
-    const Size height = bands.height - j;
     const Block<const Real> upper = {a.data, 1, a.row_stride};
     const Vector<Real> half = broadcast(Real(0.5));
-    PackedStrip<Real> strip = {a.data + (j + d) * a.row_stride + j,
-                               a.row_stride,
-                               band(bands, d) + j,
-                               length_of_band(bands, d),
-                               {}};
-    Size r = d;  // of the next row below j
-    const auto next_up_to_end = [&]() __attribute__((always_inline)) {
-        return r++ < height ? strip.next_row(width) : strip.shear.next(Vector<Real>{});
-    };
-    if (width == lanes && d + lanes <= height) {
-        NEQUAR_UNROLL for (Size i = 1; i < lanes; ++i) strip.next_row();
-        r += lanes - 1;
-    } else {
-        for (Size i = 1; i < lanes; ++i) next_up_to_end();
-    }
+    PackedStrip<Real> strip(bands, j, d, a);
+    const Size width = strip.width;
+    const Size height = strip.height;
     Vector<Real> across[kLaneCount<Real>];
     for (; d < end && is_whole_block(bands, d, j); d += lanes) {
         load_square<Real>(at_band(upper, d, j), a.row_stride + 1, across);
@@ -590,12 +584,12 @@ void pack_symmetric_strip(const Bands<Real>& bands, Size j, Size d, Size end,
             store(strip.out, (strip.next_row() + across[i]) * half);
             strip.advance(1);
         }
-        r += lanes;
+        strip.r += lanes;
     }
     for (; d < smaller(end, height); d += lanes) {
         load_part_of_block(bands, d, j, upper, across);
         NEQUAR_UNROLL for (Size i = 0; i < lanes; ++i) {
-            const Vector<Real> mean = (next_up_to_end() + across[i]) * half;
+            const Vector<Real> mean = (strip.next_up_to_end() + across[i]) * half;
             store_first(strip.out, mean, smaller(width, height - d - i));
             strip.advance(1);
         }
