@@ -329,16 +329,10 @@ TEST(OrthogonalFactorizationsOnData, Well1033LeastSquares) {
     }
     // ||A^T r|| / (||A|| (||A|| ||x|| + ||b||)): the residual is orthogonal to the columns, but for
     // the rounding of x
-    const auto norm = [](const Matrix<double>& m) {
-        double squares = 0;
-        for (int i = 0; i < m.mh(); ++i)
-            for (int j = 0; j < m.mw(); ++j) squares += m[i][j] * m[i][j];
-        return std::sqrt(squares);
-    };
     Matrix<double> rest = product(a, x);
     for (int i = 0; i < rest.mh(); ++i) rest[i][0] = b[i][0] - rest[i][0];
-    EXPECT_LT(norm(product(transposed(a), rest)),
-              10 * kEpsilon<double> * norm(a) * (norm(a) * norm(x) + norm(b)));
+    EXPECT_LT(norm_of(product(transposed(a), rest)),
+              10 * kEpsilon<double> * norm_of(a) * (norm_of(a) * norm_of(x) + norm_of(b)));
 }
 
 }  // namespace
