@@ -53,7 +53,6 @@ TWIN_TEST(EigenSolves, SolvesAndInverses) {
     }
 }
 
-// A X A = A, X A X = X, and both products symmetric, which X is by its making.
 TWIN_TEST(EigenSolves, PseudoInverseOfDeficientRank) {
     const LinearEquation<Real> f;
     for (const int n : {3, 9, 30}) {
@@ -61,11 +60,7 @@ TWIN_TEST(EigenSolves, PseudoInverseOfDeficientRank) {
         const auto s = packed_of(a);
         Matrix<Real> x;
         ASSERT_TRUE(f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, Real(1e-4), &x));
-        const double bound = 500 * n * kEpsilon<Real>;
-        const auto ax = product(a, x);
-        EXPECT_LT(largest_difference(product(ax, a), a), bound);
-        EXPECT_LT(largest_difference(product(x, ax), x), bound);
-        EXPECT_LT(largest_difference(ax, transposed(ax)), bound);
+        expect_pseudo_inverse(a, x, 50 * n);
         auto b = constant_matrix<Real>(n, 1, 1);
         const auto before = b;
         EXPECT_TRUE(fails_as(f,

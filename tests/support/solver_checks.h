@@ -49,6 +49,17 @@ void expect_inverts(const Matrix<Real>& a, double bound, const Invert& invert) {
     EXPECT_TRUE(same == inverse);
 }
 
+// A X A = A, X A X = X, both products symmetric: within bound eps |A| |X|, times what is rebuilt.
+template <class Real>
+void expect_pseudo_inverse(const Matrix<Real>& a, const Matrix<Real>& x, double bound) {
+    const Matrix<Real> ax = product(a, x), xa = product(x, a);
+    const double size = largest_of(a) * largest_of(x) * bound * kEpsilon<Real>;
+    EXPECT_LE(largest_difference(ax, transposed(ax)), size);
+    EXPECT_LE(largest_difference(xa, transposed(xa)), size);
+    EXPECT_LE(largest_difference(product(ax, a), a), size * largest_of(a));
+    EXPECT_LE(largest_difference(product(xa, x), x), size * largest_of(x));
+}
+
 // solve(data, row_major, k, n), in place; what lies behind the data stays.
 template <class Real, class Solve>
 void expect_solves_arrays(const Matrix<Real>& a, int k, double bound, const Solve& solve) {
