@@ -155,36 +155,5 @@ TWIN_TEST(SingularValueAlgorithms, MatricesOfAllShapesAndRanges) {
         }
 }
 
-TWIN_TEST(SingularValueAlgorithms, RankRules) {
-    const Real nan = std::numeric_limits<Real>::quiet_NaN();
-    struct Case {
-        std::vector<Real> s;
-        Real tolerance;
-        bool check;
-        RankFault fault;
-        int rank;
-    };
-    const Case cases[] = {
-        {{3, 2, Real(1e-12)}, Real(1e-10), true, RankFault::none, 2},
-        {{1, Real(0.5)}, Real(0.5), true, RankFault::none, 1},
-        {{1, Real(0.5)}, 0, true, RankFault::none, 2},
-        {{0, 0}, Real(0.1), true, RankFault::none, 0},
-        {{}, Real(0.1), true, RankFault::none, 0},
-        {{-1, -2}, Real(0.1), true, RankFault::negative, -1},
-        {{1, 2}, Real(0.1), true, RankFault::ordering, -1},
-        {{1, 2}, Real(0.1), false, RankFault::none, 2},
-        {{1}, 1, true, RankFault::tolerance, -1},
-        {{1}, Real(-0.1), true, RankFault::tolerance, -1},
-        {{1}, nan, false, RankFault::tolerance, -1},
-        {{1, nan}, Real(0.1), false, RankFault::not_finite, -1},
-    };
-    for (const Case& c : cases) {
-        int rank = -1;
-        const Strided<const Real> s(c.s.data(), Size(c.s.size()));
-        EXPECT_EQ(find_rank(s, c.tolerance, c.check, rank), c.fault) << &c - cases;
-        EXPECT_EQ(rank, c.rank) << &c - cases;
-    }
-}
-
 }  // namespace
 }  // namespace nequar

@@ -1,6 +1,7 @@
 // Solves, inverses and pseudo-inverses of symmetric matrices by their eigenvalues; band products.
 #include <array>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "nequar_algebra/algebra.h"
@@ -80,6 +81,7 @@ TWIN_TEST(EigenSolves, PseudoInverseOfDeficientRank) {
     EXPECT_EQ(largest_of(x), 0.0);
 }
 
+// The rank by eigenvalues and by singular values, or the detail.
 TWIN_TEST(EigenSolves, RanksAndRefusals) {
     const LinearEquation<Real> f;
     const double nan = std::numeric_limits<double>::quiet_NaN();
@@ -87,25 +89,36 @@ TWIN_TEST(EigenSolves, RanksAndRefusals) {
         std::initializer_list<double> values;
         double tolerance;
         bool check;
-        int rank;
-        const char* detail;
+        const char *by_evd, *by_svd;
     } cases[] = {
-        {{2, 1, 1e-3, -4}, 1e-2, true, 3, ""},
-        {{1, 2, 0}, 0, false, 2, ""},
-        {{0, 0}, 0, true, 0, ""},
-        {{}, 0, true, 0, ""},
-        {{1, 2}, 0, true, -1, "incorrect ordering"},
-        {{1, nan, 0}, 0, true, -1, "not finite"},
-        {{1, 0}, 1, true, -1, "1"},
-        {{1, 0}, -0.1, true, -1, "1"},
-        {{1, 0}, nan, true, -1, "1"},
+        {{3, 2, 1e-12}, 1e-10, true, "2", "2"},
+        {{1, 0.5}, 0.5, true, "1", "1"},
+        {{1, 0.5}, 0, true, "2", "2"},
+        {{2, 1, 1e-3, -4}, 1e-2, true, "3", "negative value"},
+        {{-1, -2}, 0.1, true, "2", "negative value"},
+        {{1, 2, 0}, 0, false, "2", "2"},
+        {{0, 0}, 0, true, "0", "0"},
+        {{}, 0, true, "0", "0"},
+        {{1, 2}, 0, true, "incorrect ordering", "incorrect ordering"},
+        {{1, nan, 0}, 0, false, "not finite", "not finite"},
+        {{1, 0}, 1, true, "detail 1", "detail 1"},
+        {{1, 0}, -0.1, true, "detail 1", "detail 1"},
+        {{1, 0}, nan, false, "detail 1", "detail 1"},
     };
     for (const auto& c : cases) {
         const auto values = vector_of<Real>(c.values);
-        int rank = -1;
-        const bool done = f.u_rev_Rank_based_on_EVD(&values, Real(c.tolerance), c.check, rank);
-        EXPECT_EQ(rank, c.rank) << c.detail;
-        EXPECT_TRUE(done == (*c.detail == 0) && (done || fails_with(f, c.detail, done)));
+        const auto found = [&f](bool done, int rank) -> std::string {
+            if (done) return std::to_string(rank);
+            EXPECT_EQ(rank, -1);
+            const std::string detail = f.ged_Get_Error_Detail().c_str();
+            return detail == "1" ? "detail 1" : detail;
+        };
+        int by_evd = -1, by_svd = -1;
+        const Real tolerance = Real(c.tolerance);
+        bool done = f.u_rev_Rank_based_on_EVD(&values, tolerance, c.check, by_evd);
+        EXPECT_EQ(found(done, by_evd), c.by_evd) << &c - cases;
+        done = f.u_rsv_Rank_based_on_SVD(&values, tolerance, c.check, by_svd);
+        EXPECT_EQ(found(done, by_svd), c.by_svd) << &c - cases;
     }
     Matrix<Real> x;
     for (const double tolerance : {1.0, -0.1, nan}) {

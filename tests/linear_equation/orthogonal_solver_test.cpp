@@ -4,7 +4,6 @@
 
 #include "nequar_algebra/linear_equation.h"
 #include "support/chain.h"
-#include "support/data_files.h"
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
@@ -158,20 +157,6 @@ TWIN_TEST(OrthogonalSolvers, NanInfinityAndTheEndsOfTheRange) {
             ASSERT_TRUE(this->solve(form, &a, &c, &x));
             EXPECT_LT(solution_residual(a, x, c), 30) << form;
         }
-    }
-}
-
-TEST(OrthogonalSolversOnData, SolveRealSystems) {
-    for (const char* name : {"west0067", "gre_343", "steam3", "pores_1", "b1_ss"}) {
-        const std::string file = std::string(name) + ".mtx";
-        if (!std::filesystem::exists(data_file(file)))
-            GTEST_SKIP() << "there is no ../shared/data/" << file;
-        const Matrix<double> a = read_matrix_market<double>(file);
-        const Matrix<double> b = matrix_of<double>(a.mh(), 1, [](int, int) { return 1.0; });
-        LCNqUtility_for_Linear_Equation s;
-        Matrix<double> x;
-        ASSERT_TRUE(s.sqr_Solve_based_on_QRD(&a, &b, &x)) << name;
-        EXPECT_LT(solution_residual(a, x, b), 30) << name;
     }
 }
 
