@@ -376,7 +376,7 @@ template <class Real>
 bool CompressedColumns<Real>::add(const CompressedColumns& b, Real factor, const char* method) {
     zet_xm();
     if (b.mh() != mh() || b.mw() != mw()) return this->fail("different dimensions", method);
-    if (b.nee() == 0 || mw() == 0) return true;  // a moved-from matrix has no start pointers
+    if (b.nee() == 0) return true;
     const Stored outcome = SparseInside<Real>::add(*this, b, AddRule<Real>{factor});
     return outcome == Stored::done || this->fail(insertion_code(outcome), method);
 }
