@@ -240,7 +240,7 @@ TWIN_TEST(SparseTest, CopiesAndMoves) {
     s.czm(3, 2);
     full = std::move(s);
     EXPECT_TRUE(a.z_cne(0) && s.amm(&s) && s.mvva(&v));
-    EXPECT_FALSE(s.ex(&a) || s.z_cne(1));
+    EXPECT_FALSE(s.ex(&a, nullptr) || s.z_cne(1));
 }
 
 TWIN_TEST(SparseTest, SelfTestsPass) {
