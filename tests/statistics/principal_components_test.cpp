@@ -84,8 +84,8 @@ TWIN_TEST(PrincipalComponentsTest, ParametersAndValidity) {
     EXPECT_NE(pca.ppc(0), nullptr);
     for (const int outside : {-1, pca.nbev()})
         EXPECT_TRUE(fails_with(pca, "Void index", pca.ppc(outside) != nullptr));
-    const Vector<Real> short_one = vector_of<Real>({1});  // refused, and yet
-    EXPECT_TRUE(fails_with(pca, "1", pca.inv_INput_a_Vector(short_one, &slot)));
+    // Refused, and yet:
+    EXPECT_TRUE(fails_with(pca, "1", pca.inv_INput_a_Vector(vector_of<Real>({1}), &slot)));
     EXPECT_NE(records_of(pca).find("inv_INput_a_Vector <CNqVector>: 1"), std::string::npos);
     this->expect_not_valid();
     ASSERT_TRUE(this->analyse());

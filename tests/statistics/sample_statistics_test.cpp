@@ -82,8 +82,7 @@ TWIN_TEST(SampleStatistics, RefusedRangesWriteNothing) {
     refused("bad parameter(s)", a, nullptr, 0, 4);
     refused("bad parameter(s)", a, &few, 0, 3);
     refused("no valid element", a, &none, 0, 3);
-    EXPECT_TRUE(g.csn(a, &few, 0, 2, &count, &mean, &variance));
-    EXPECT_EQ(mean, Real(1.5));
+    EXPECT_TRUE(g.csn(a, &few, 0, 2, &count, &mean, &variance) && mean == Real(1.5));
 
     const auto samples = matrix_of<Real>(2, 3, {1, 2, 3, 4, 5, 6});
     Vector<Real> mu = vector_of<Real>({9});
@@ -196,8 +195,7 @@ TWIN_TEST(SampleStatistics, DistancesAndTheirEstimates) {
                 // Every sample a query of its own.
                 Vector<Real> all, point;
                 rows.gr_Get_Row(n / 2, 0, d, &point);
-                ASSERT_TRUE(g.epknne(samples, samples, by_column, n, all));
-                ASSERT_EQ(all.vs(), n);
+                ASSERT_TRUE(g.epknne(samples, samples, by_column, n, all) && all.vs() == n);
                 ASSERT_TRUE(g.epknne(point, samples, by_column, n, p, nullptr));
                 EXPECT_EQ(all[n / 2], p);
                 ASSERT_TRUE(g.eppwh(samples, samples, by_column, Real(0.5), all));
