@@ -13,18 +13,13 @@ TWIN_TEST(Level1, ContiguousLoopsAgreeWithThePlainOnesAlsoInPlace) {
     using In = const Real*;
     with_each(
         [](const Table<Real>* table, Size n, bool in_place) {
-            Operand<Real> a(1, n, Layout::rows), b(1, n, Layout::rows);
-            In pa = a.randomize(1).block().data;
-            b.randomize(2);
+            Operand<Real> a(1, n, Layout::rows, 1), b(1, n, Layout::rows, 2);
+            const In pa = a.data();
             const auto check = [&](const char* what, auto run) {
                 SCOPED_TRACE(what);
-                Operand<Real> expected = b, actual = b;
-                Real* const to_expected = expected.block().data;
-                Real* const to_actual = actual.block().data;
-                run(plain<Real>(), in_place ? to_expected : b.block().data, to_expected);
-                run(*table, in_place ? to_actual : b.block().data, to_actual);
-                EXPECT_LE(largest_difference(expected, actual), 2 * kEps<Real>);
-                EXPECT_TRUE(actual.guards_stand());
+                expect_agreement(table, b, 2 * kEps<Real>, [&](auto& t, auto& out) {
+                    run(t, in_place ? out.data() : b.data(), out.data());
+                });
             };
             check("add", [&](auto& t, In pb, Real* out) { t.add(n, pa, pb, out); });
             check("subtract", [&](auto& t, In pb, Real* out) { t.subtract(n, pa, pb, out); });
@@ -47,20 +42,19 @@ TWIN_TEST(Level1, ContiguousLoopsAgreeWithThePlainOnesAlsoInPlace) {
 TWIN_TEST(Level1, SumsAndExtremaOfContiguousValues) {
     with_each(
         [](const Table<Real>* table, Size n, bool with_nan) {
-            Operand<Real> operand(1, n, Layout::rows);
-            operand.randomize(5);
+            Operand<Real> operand(1, n, Layout::rows, 5);
             for (Size i = 1; with_nan && i < n; i += 3) operand(0, i) = kNaN<Real>;
-            const Real* const x = operand.block().data;
+            const Real* const x = operand.data();
+            const auto& p = plain<Real>();
             for (const Real other : {Real(-9), Real(0), Real(9)}) {
-                EXPECT_EQ(table->largest(n, x, other), plain<Real>().largest(n, x, other));
-                EXPECT_EQ(table->smallest(n, x, other), plain<Real>().smallest(n, x, other));
+                EXPECT_EQ(table->largest(n, x, other), p.largest(n, x, other));
+                EXPECT_EQ(table->smallest(n, x, other), p.smallest(n, x, other));
             }
             if (with_nan) return;
             const Real bound = Real(n + 4) * kEps<Real> * Real(10 + n);
-            EXPECT_LE(std::abs(table->sum(n, x) - plain<Real>().sum(n, x)), bound);
-            EXPECT_LE(std::abs(table->squares_about(n, x, Real(1.5)) -
-                               plain<Real>().squares_about(n, x, Real(1.5))),
-                      bound);
+            EXPECT_NEAR(table->sum(n, x), p.sum(n, x), bound);
+            EXPECT_NEAR(table->squares_about(n, x, Real(1.5)), p.squares_about(n, x, Real(1.5)),
+                        bound);
         },
         variants<Real>(), kLengths, kBoth);
 }
@@ -69,11 +63,10 @@ TWIN_TEST(Level1, StridedLoopsAgreeWithThePlainOnes) {
     const Layout layouts[] = {Layout::rows, Layout::spread, Layout::columns_reversed};
     with_each(
         [](const Table<Real>* table, Size n, Layout lx, Layout ly) {
-            Operand<Real> x(1, n, lx), y(1, n, ly);
-            const Real* const px = x.randomize(3).block().data;
-            const Real* const py = y.randomize(4).block().data;
-            const auto sx = x.block().column_stride;
-            const auto sy = y.block().column_stride;
+            Operand<Real> x(1, n, lx, 3), y(1, n, ly, 4);
+            const Real* const px = x.data();
+            const Real* const py = y.data();
+            const Size sx = x.column_stride(), sy = y.column_stride();
             const auto sum = [&](const char* what, auto run) {
                 const Real expected = run(plain<Real>());
                 EXPECT_LE(std::abs(run(*table) - expected),
@@ -88,8 +81,8 @@ TWIN_TEST(Level1, StridedLoopsAgreeWithThePlainOnes) {
                       plain<Real>().index_of_largest_magnitude(n, px, sx));
             const auto change = [&](const char* what, auto run) {
                 Operand<Real> x1 = x, y1 = y, x2 = x, y2 = y;
-                run(plain<Real>(), x1.block().data, y1.block().data);
-                run(*table, x2.block().data, y2.block().data);
+                run(plain<Real>(), x1.data(), y1.data());
+                run(*table, x2.data(), y2.data());
                 EXPECT_LE(largest_difference(x1, x2), 2 * kEps<Real>) << what;
                 EXPECT_LE(largest_difference(y1, y2), 2 * kEps<Real>) << what;
                 EXPECT_TRUE(x2.guards_stand() && y2.guards_stand()) << what;
@@ -109,14 +102,11 @@ TWIN_TEST(Level1, StridedLoopsAgreeWithThePlainOnes) {
 TWIN_TEST(Level1, DistancesFromAPointToManySamples) {
     with_each(
         [](const Table<Real>* table, Size n, Size d, Layout layout) {
-            Operand<Real> samples(n, d, layout), x(1, d, Layout::rows), out(1, n, Layout::rows);
-            samples.randomize(1);
-            const Real* const px = x.randomize(2).block().data;
-            Operand<Real> expected = out;
-            plain<Real>().squared_distances(n, d, px, samples.reading(), expected.block().data);
-            table->squared_distances(n, d, px, samples.reading(), out.block().data);
-            EXPECT_LE(largest_difference(expected, out), Real(4 * (d + 1)) * kEps<Real>);
-            EXPECT_TRUE(out.guards_stand());
+            Operand<Real> samples(n, d, layout, 1), x(1, d, Layout::rows, 2);
+            expect_agreement(table, Operand<Real>(1, n, Layout::rows),
+                             Real(4 * (d + 1)) * kEps<Real>, [&](auto& t, auto& out) {
+                                 t.squared_distances(n, d, x.data(), samples.reading(), out.data());
+                             });
         },
         variants<Real>(), Sizes{1, 3, 4, 5, 17, 1050}, Sizes{0, 1, 2, 7, 8, 9, 33}, kLayouts);
 }
@@ -125,19 +115,20 @@ TWIN_TEST(Level1, NaNAndInfinityPassThrough) {
     with_each(
         [](const Table<Real>* table, Size n) {
             for (Size at = 0; at < n; at += n / 3 + 1) {
-                std::vector<Real> x(static_cast<std::size_t>(n), Real(1)), zero(x.size(), Real(0)),
-                    out(x.size());
-                Real& odd = x[static_cast<std::size_t>(at)];
+                std::vector<Real> ones(static_cast<std::size_t>(n), Real(1)), zeros(ones.size()),
+                    out(ones.size());
+                const Real *const x = ones.data(), *const zero = zeros.data();
+                Real& odd = ones[static_cast<std::size_t>(at)];
                 odd = kInfinity<Real>;
-                EXPECT_TRUE(std::isnan(table->dot(n, x.data(), 1, zero.data(), 1)));
-                EXPECT_EQ(table->sum_of_squares(n, x.data(), 1), kInfinity<Real>);
-                EXPECT_EQ(table->index_of_largest_magnitude(n, x.data(), 1), at);
+                EXPECT_TRUE(std::isnan(table->dot(n, x, 1, zero, 1)));
+                EXPECT_EQ(table->sum_of_squares(n, x, 1), kInfinity<Real>);
+                EXPECT_EQ(table->index_of_largest_magnitude(n, x, 1), at);
                 odd = kNaN<Real>;
-                EXPECT_TRUE(std::isnan(table->sum_of_squares(n, x.data(), 1)));
-                EXPECT_TRUE(std::isnan(table->sum_of_magnitudes(n, x.data(), 1)));
-                EXPECT_TRUE(std::isnan(table->distance_squared(n, x.data(), 1, zero.data(), 1)));
-                EXPECT_NE(table->index_of_largest_magnitude(n, x.data(), 1), n > 1 ? at : -2);
-                table->multiply_by(n, x.data(), Real(0), out.data());
+                EXPECT_TRUE(std::isnan(table->sum_of_squares(n, x, 1)));
+                EXPECT_TRUE(std::isnan(table->sum_of_magnitudes(n, x, 1)));
+                EXPECT_TRUE(std::isnan(table->distance_squared(n, x, 1, zero, 1)));
+                EXPECT_NE(table->index_of_largest_magnitude(n, x, 1), n > 1 ? at : -2);
+                table->multiply_by(n, x, Real(0), out.data());
                 for (Size i = 0; i < n; ++i)
                     EXPECT_EQ(std::isnan(out[static_cast<std::size_t>(i)]), i == at);
             }
