@@ -26,19 +26,27 @@ protected:
         return special.imt_Inverse_Matrix_for_Triangular_matrix(arguments...);
     }
 
+    bool multiply(const Lower* a, const Lower* b, Lower* c) const {
+        return special.mll_Multiply_Lmatrix_Lmatrix(a, b, c);
+    }
+    bool multiply(const Upper* a, const Upper* b, Upper* c) const {
+        return special.muu_Multiply_Umatrix_Umatrix(a, b, c);
+    }
+    bool accumulate(const Lower* a, const Lower* b, Lower* c) const {
+        return special.mlla_Multiply_Lmatrix_Lmatrix_and_Accumulate(a, b, c);
+    }
+    bool accumulate(const Upper* a, const Upper* b, Upper* c) const {
+        return special.muua_Multiply_Umatrix_Umatrix_and_Accumulate(a, b, c);
+    }
+
+    static Matrix<Real> cleared(bool lower, const Matrix<Real>& t, double value = 0) {
+        return matrix_of<Real>(t.mh(), t.mw(), [&](int i, int j) {
+            return (lower ? j > i : j < i) ? value : double(t[i][j]);
+        });
+    }
     // Well conditioned, with NaN in the triangle that nobody may read.
     static Matrix<Real> triangle(bool lower, int n) {
-        Matrix<Real> t = dominant_matrix<Real>(n, 5);
-        for (int i = 0; i < n; ++i)
-            for (int j = 0; j < n; ++j)
-                if (lower ? j > i : j < i) t[i][j] = std::numeric_limits<Real>::quiet_NaN();
-        return t;
-    }
-    static Matrix<Real> cleared(bool lower, Matrix<Real> t) {
-        for (int i = 0; i < t.mh(); ++i)
-            for (int j = 0; j < t.mw(); ++j)
-                if (lower ? j > i : j < i) t[i][j] = 0;
-        return t;
+        return cleared(lower, dominant_matrix<Real>(n, 5), std::nan(""));
     }
 
     AlgebraForMatrixSpecial<Real> special;
@@ -115,43 +123,31 @@ TWIN_TEST(TriangularAlgebra, PackedProducts) {
     for (const int n : {1, 3, 33, 100}) {
         const Matrix<Real> a = random_matrix<Real>(n, n, 1);
         const Matrix<Real> b = random_matrix<Real>(n, n, 2);
-        const auto check = [&](auto left, auto right, bool lower, auto set, auto accumulate) {
+        const auto check = [&](auto left, bool lower) {
+            auto right = left;
             left.i_Import(&a);
             right.i_Import(&b);
-            auto c = left;
-            ASSERT_TRUE(set(&left, &right, &c));
+            auto c = left, same = left;
+            ASSERT_TRUE(this->multiply(&left, &right, &c));
             Matrix<Real> dense;
             c.e_Export(&dense, true);
             EXPECT_LT(componentwise_product_error(dense, this->cleared(lower, a),
                                                   this->cleared(lower, b)),
                       5);
-            auto same = left;
-            ASSERT_TRUE(set(&same, &right, &same));
+            ASSERT_TRUE(this->multiply(&same, &right, &same));
             EXPECT_TRUE(same == c);
             auto sum = c;
-            ASSERT_TRUE(accumulate(&left, &right, &sum));
-            EXPECT_EQ(sum[0], 2 * c[0]);
-            EXPECT_EQ(sum[sum.vs() - 1], 2 * c[c.vs() - 1]);
-            EXPECT_TRUE(fails_with(this->special, "1", accumulate(&left, &right, &left)));
+            ASSERT_TRUE(this->accumulate(&left, &right, &sum));
+            for (int k = 0; k < c.vs(); ++k) ASSERT_EQ(sum[k], 2 * c[k]);
+            EXPECT_TRUE(fails_with(this->special, "1", this->accumulate(&left, &right, &left)));
             auto other = c;
             other.c_Create(n + 1, n + 1, Real(3));
-            EXPECT_FALSE(accumulate(&left, &right, &other));
-            EXPECT_TRUE(fails_with(this->special, "1", set(&left, &other, &sum)));
+            EXPECT_FALSE(this->accumulate(&left, &right, &other));
+            EXPECT_TRUE(fails_with(this->special, "1", this->multiply(&left, &other, &sum)));
             EXPECT_TRUE(sum.mh() == n && other[0] == 3);
         };
-        const auto& s = this->special;
-        check(
-            typename TestFixture::Lower(), typename TestFixture::Lower(), true,
-            [&](auto* x, auto* y, auto* z) { return s.mll_Multiply_Lmatrix_Lmatrix(x, y, z); },
-            [&](auto* x, auto* y, auto* z) {
-                return s.mlla_Multiply_Lmatrix_Lmatrix_and_Accumulate(x, y, z);
-            });
-        check(
-            typename TestFixture::Upper(), typename TestFixture::Upper(), false,
-            [&](auto* x, auto* y, auto* z) { return s.muu_Multiply_Umatrix_Umatrix(x, y, z); },
-            [&](auto* x, auto* y, auto* z) {
-                return s.muua_Multiply_Umatrix_Umatrix_and_Accumulate(x, y, z);
-            });
+        check(typename TestFixture::Lower(), true);
+        check(typename TestFixture::Upper(), false);
     }
 }
 
