@@ -83,24 +83,5 @@ TWIN_TEST(Bands, SymmetricMatrices) {
         variants<Real>(), orders, kLayouts);
 }
 
-// What stands on the other side of the diagonal is not used, and NaN and infinity pass through.
-TWIN_TEST(Bands, TheOtherTriangleIsIgnored) {
-    with_each(
-        [](const Table<Real>* table, Layout layout) {
-            constexpr Size n = 50;
-            Operand<Real> a(n, n, layout);  // NaN everywhere
-            std::vector<Real> packed = numbers<Real>(n * (n + 1) / 2);
-            packed[3] = kInfinity<Real>;
-            table->unpack_lower(n, n, packed.data(), a.block());
-            std::vector<Real> out(packed.size());
-            table->pack_lower(n, n, a.reading(), out.data());
-            EXPECT_EQ(out, packed);
-            table->pack_symmetric(n, a.reading(), out.data());
-            EXPECT_EQ(out[3], kInfinity<Real>);
-            EXPECT_TRUE(std::isnan(out[n]) && std::isnan(out.back()));
-        },
-        variants<Real>(), std::array{Layout::rows, Layout::columns});
-}
-
 }  // namespace
 }  // namespace nequar::kernel::testing

@@ -20,15 +20,6 @@ std::vector<Real> rotations(Size count, unsigned seed) {
     return pairs;
 }
 
-TWIN_TEST(Rotations, PairsOfTheReferenceAreRotations) {
-    const Real phi = Real(2.1);
-    const Real pair[2] = {std::tan(phi / 2), std::sin(phi)};
-    Real rows[2] = {3, -2};
-    plain<Real>().rotate_rows(1, 1, 1, pair, 2, rows, 1);
-    EXPECT_NEAR(rows[0], 3 * std::cos(phi) + 2 * std::sin(phi), 8 * kEps<Real>);
-    EXPECT_NEAR(rows[1], 3 * std::sin(phi) - 2 * std::cos(phi), 8 * kEps<Real>);
-}
-
 TWIN_TEST(Rotations, SweepsOverRows) {
     with_each(
         [](const Table<Real>* table, Size sweeps, Size count, Size n) {

@@ -16,6 +16,11 @@
 
 namespace nequar::kernel {
 
+template <class Real>
+void PrintTo(const Table<Real>* table, std::ostream* out) {
+    *out << table->name;
+}
+
 // The same kernels at 64 bytes a vector in plain compiler vectors: the tiles and masks of AVX-512
 // on any machine.
 namespace wide {
@@ -52,27 +57,13 @@ inline constexpr Real kNaN = std::numeric_limits<Real>::quiet_NaN();
 template <class Real>
 inline constexpr Real kInfinity = std::numeric_limits<Real>::infinity();
 
-// How the elements of an operand lie in memory.
+// How the elements of an operand lie in memory; and how that, and the table in use, are shown.
 enum class Layout { rows, columns, rows_reversed, columns_reversed, spread };
+inline void PrintTo(Layout layout, std::ostream* out) {
+    *out << "layout " << int(layout);
+}
 inline constexpr Layout kLayouts[] = {Layout::rows, Layout::columns, Layout::rows_reversed,
                                       Layout::columns_reversed, Layout::spread};
-
-inline std::string described(Layout layout) {
-    return "layout " + std::to_string(int(layout));
-}
-inline std::string described(Size number) {
-    return std::to_string(number);
-}
-template <class Real>
-std::string described(const Table<Real>* table) {
-    return table->name;
-}
-template <std::size_t rank>
-std::string described(const std::array<Size, rank>& shape) {
-    std::string text;
-    for (const Size size : shape) text += (text.empty() ? "" : "x") + std::to_string(size);
-    return text;
-}
 
 // Calls check with every combination of elements of the lists; failures name theirs.
 template <class Check, class... Lists>
@@ -82,7 +73,7 @@ void with_each(const Check& check, const Lists&... lists) {
     } else {
         const auto first = [&check](const auto& list, const auto&... others) {
             for (const auto& item : list) {
-                SCOPED_TRACE(described(item));
+                SCOPED_TRACE(::testing::PrintToString(item));
                 with_each([&](const auto&... rest) { check(item, rest...); }, others...);
             }
         };

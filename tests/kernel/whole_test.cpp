@@ -32,20 +32,6 @@ TWIN_TEST(Whole, CopiesFillsAndTransposesInEveryPairOfLayouts) {
         variants<Real>(), Sizes{0, 1, 2, 7, 8, 9, 16, 31, 64, 65, 100, 200}, kLayouts);
 }
 
-TWIN_TEST(Whole, TheFaceTakesViews) {
-    Operand<Real> a(4, 3, Layout::rows, 1), b(3, 4, Layout::columns), rows(5, 3, Layout::rows),
-        c(4, 4, Layout::rows);
-    transpose<Real>(a.view(), b.view());
-    EXPECT_EQ(b(2, 1), a(1, 2));
-    const int perm[] = {3, 0, 0, 2, 1};
-    gather_rows<Real>(a.view(), perm, rows.view());
-    for (Size i = 0; i < 5; ++i) EXPECT_EQ(rows(i, 2), a(perm[i], 2));
-    syrk<Real>(Triangle::lower, Real(2), a.view(), Update::set, c.view());
-    EXPECT_NEAR(c(2, 1), 2 * dot<Real>(reading(a.view().row(2)), reading(a.view().row(1))),
-                8 * kEps<Real>);
-    EXPECT_TRUE(std::isnan(c(1, 2)));
-}
-
 TEST(Dispatch, FallsBackToWhatTheCpuCanRun) {
     EXPECT_TRUE(can_run(Variant::reference));
     for (int i = 0; i < kVariantCount; ++i) {
