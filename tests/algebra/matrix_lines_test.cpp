@@ -27,23 +27,6 @@ protected:
         EXPECT_TRUE(C == transposed(B));
         return B;
     }
-    M add(const M& A, int i, int j, int k) const {
-        return both(&Al::oac_Add_Columns, &Al::oar_Add_Rows, A, i, j, k);
-    }
-    M subtract(const M& A, int i, int j, int k) const {
-        return both(&Al::osc_Subtract_Columns, &Al::osr_Subtract_Rows, A, i, j, k);
-    }
-    M add_weighted(const M& A, int i, int j, int k) const {
-        return both(&Al::oacw_Add_Columns_with_Weight, &Al::oarw_Add_Rows_with_Weight, A, i, j, k,
-                    Real(2), Real(-4));
-    }
-    M multiply(const M& A, int i, int k) const {
-        return both(&Al::omcc_Multiply_Column_with_Constant, &Al::omrc_Multiply_Row_with_Constant,
-                    A, i, k, Real(-3));
-    }
-    M relocate(const M& A, int i, int k) const {
-        return both(&Al::orc_Relocate_Column, &Al::orr_Relocate_Row, A, i, k);
-    }
     template <class... Places>
     M permute(const M& A, Places... places) const {
         return both(&Al::opc_Permute_Columns, &Al::opr_Permute_Rows, A, places...);
@@ -57,46 +40,36 @@ protected:
 };
 
 TWIN_TEST(MatrixLines, OperationsOnTwoLinesIntoAny) {
-    constexpr int w = 5;
-    const auto A = random_matrix<Real>(21, w, 1);
-    const auto place = [](int x) { return ((x % w) + w) % w; };
-    for (const int i : {0, 3, -1, 1003})
-        for (const int j : {3, 4, -w})
-            for (const int k : {0, 1, 3, -1, std::numeric_limits<int>::min() + 2}) {
-                SCOPED_TRACE(testing::Message() << i << ' ' << j << ' ' << k);
-                // Column k became value(element of column i, element of column j).
-                const auto expect = [&](const Matrix<Real>& found, auto value) {
-                    auto B = A;
-                    for (int y = 0; y < 21; ++y)
-                        B[y][place(k)] = value(A[y][place(i)], A[y][place(j)]);
-                    EXPECT_TRUE(found == B);
-                };
-                expect(this->add(A, i, j, k), [](Real a, Real b) { return a + b; });
-                expect(this->subtract(A, i, j, k), [](Real a, Real b) { return a - b; });
-                expect(this->add_weighted(A, i, j, k),
-                       [](Real a, Real b) { return 2 * a - 4 * b; });
-                expect(this->multiply(A, i, k), [](Real a, Real) { return -3 * a; });
-                expect(this->relocate(A, i, k), [](Real a, Real) { return a; });
-                EXPECT_TRUE(this->permute(this->permute(A, i, k), k, i) == A);
-                EXPECT_TRUE(this->permute(A, i, j) == matrix_of<Real>(21, w, [&](int y, int x) {
-                                const int from = place(i), to = place(j);
-                                return A[y][x == from ? to : x == to ? from : x];
-                            }));
-            }
-    EXPECT_TRUE(never_failed(this->algebra));
-}
-
-TWIN_TEST(MatrixLines, NothingHappensToAnEmptyMatrix) {
-    CNqMatrixInt P;
-    P.c_Create(2, 3, 7);
-    const auto p = vector_of<int>({1, 2});
-    for (const auto& [h, w] : {std::pair(0, 0), {0, 3}, {3, 0}}) {
-        const auto A = zeros<Real>(h, w);
-        EXPECT_TRUE(this->add(A, 1, -2, 3) == A && this->add_weighted(A, 1, 2, 3) == A);
-        EXPECT_TRUE(this->subtract(A, 1, 2, 3) == A && this->multiply(A, 1, 2) == A);
-        EXPECT_TRUE(this->relocate(A, 1, 2) == A && this->permute(A, 1, 2) == A);
-        EXPECT_TRUE(this->permute(A, &p) == A && this->permute_back(A, &std::as_const(P)) == A);
-    }
+    using A = AlgebraForMatrix<Real>;
+    for (const auto& [h, w] : {std::pair(21, 5), {0, 0}, {0, 3}, {3, 0}})
+        for (const int i : {0, 3, -1, 1003})
+            for (const int j : {3, 4, -5})
+                for (const int k : {0, 1, 3, -1, std::numeric_limits<int>::min() + 2}) {
+                    SCOPED_TRACE(testing::Message() << i << ' ' << j << ' ' << k);
+                    const auto m = random_matrix<Real>(h, w, 1);
+                    const auto place = [width = w](int x) { return (x % width + width) % width; };
+                    // Column k becomes a column i + b column j.
+                    const auto check = [&](auto columns, auto rows, Real a, Real b,
+                                           auto... arguments) {
+                        const auto expected = matrix_of<Real>(m.mh(), m.mw(), [&](int y, int x) {
+                            return x == place(k) ? a * m[y][place(i)] + b * m[y][place(j)]
+                                                 : m[y][x];
+                        });
+                        EXPECT_TRUE(this->both(columns, rows, m, arguments...) == expected);
+                    };
+                    check(&A::oac_Add_Columns, &A::oar_Add_Rows, 1, 1, i, j, k);
+                    check(&A::osc_Subtract_Columns, &A::osr_Subtract_Rows, 1, -1, i, j, k);
+                    check(&A::oacw_Add_Columns_with_Weight, &A::oarw_Add_Rows_with_Weight, 2, -4, i,
+                          j, k, Real(2), Real(-4));
+                    check(&A::omcc_Multiply_Column_with_Constant,
+                          &A::omrc_Multiply_Row_with_Constant, -3, 0, i, k, Real(-3));
+                    check(&A::orc_Relocate_Column, &A::orr_Relocate_Row, 1, 0, i, k);
+                    EXPECT_TRUE(this->permute(this->permute(m, i, k), k, i) == m);
+                    EXPECT_TRUE(this->permute(m, i, j) == matrix_of<Real>(h, w, [&](int y, int x) {
+                                    const int from = place(i), to = place(j);
+                                    return m[y][x == from ? to : x == to ? from : x];
+                                }));
+                }
     EXPECT_TRUE(never_failed(this->algebra));
 }
 
@@ -106,20 +79,18 @@ TWIN_TEST(MatrixLines, InterchangesInOrderAndBack) {
     const int order[] = {3, 0, 1, 2};
     const auto expected = matrix_of<Real>(19, 4, [&](int y, int x) { return kept[y][order[x]]; });
     const auto p = vector_of<int>({2, 2, 2, 0});
-    const auto P = [] {
-        CNqMatrixInt pairs;
-        pairs.c_Create(2, 4);
-        for (int k = 0; k < 4; ++k) {
-            pairs[0][k] = k - 4;
-            pairs[1][k] = k < 3 ? 2 : 4;
-        }
-        return pairs;
-    }();
-    EXPECT_TRUE(this->permute(kept, &p) == expected && this->permute(kept, &P) == expected);
-    EXPECT_TRUE(this->permute_back(expected, &p) == kept);
-    EXPECT_TRUE(this->permute_back(expected, &P) == kept);
+    CNqMatrixInt pairs;
+    pairs.c_Create(2, 4, 2);
+    for (int k = 0; k < 4; ++k) pairs[0][k] = k - 4;
+    pairs[1][3] = 4;
+    const CNqMatrixInt* const P = &pairs;
+    EXPECT_TRUE(this->permute(kept, &p) == expected && this->permute(kept, P) == expected);
+    EXPECT_TRUE(this->permute_back(expected, &p) == kept &&
+                this->permute_back(expected, P) == kept);
     // Longer than the matrix is wide, with indices of any size, repeated ones too.
     const auto wild = vector_of<int>({-0x80000000p0, 5, -7, 3, 2, 1, 0x7fffffffp0, 0, 0});
+    for (const auto& empty : {zeros<Real>(0, 0), zeros<Real>(0, 3), zeros<Real>(3, 0)})
+        EXPECT_TRUE(this->permute(empty, &wild) == empty && this->permute_back(empty, P) == empty);
     const auto permuted = this->permute(kept, &wild);
     EXPECT_FALSE(permuted == kept);
     EXPECT_TRUE(this->permute_back(permuted, &wild) == kept);
