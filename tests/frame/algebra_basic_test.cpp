@@ -11,8 +11,6 @@ namespace {
 using namespace test;
 
 template <class Real>
-constexpr Real kEps = std::numeric_limits<Real>::epsilon();
-template <class Real>
 constexpr Real kNaN = std::numeric_limits<Real>::quiet_NaN();
 template <class Real>
 constexpr Real kInfinity = std::numeric_limits<Real>::infinity();
@@ -46,7 +44,7 @@ protected:
             run(pool.p(), pool.p() + kSecond, apart.data());
             const auto wanted = sum_of(expected, matrix_in(old, rows, h, w), 1, keep);
             ASSERT_LT(largest_difference(matrix_in(apart.data(), rows, h, w), wanted),
-                      200 * kEps<Real>)
+                      200 * kEpsilon<Real>)
                 << name;
             run(shared.p(), shared.p() + kSecond, shared.p() + start);
             EXPECT_TRUE(std::equal(apart.begin(), apart.end(), shared.p() + start))
@@ -135,9 +133,9 @@ TWIN_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
             });
             const Real norm = k.n2_Norm_2(w, q);
             const M difference = sum_of(v, y, 1, -1);
-            EXPECT_NEAR(k.ps_Product_Scalar(w, q, q), norm * norm, 99 * kEps<Real>);
+            EXPECT_NEAR(k.ps_Product_Scalar(w, q, q), norm * norm, 99 * kEpsilon<Real>);
             EXPECT_NEAR(std::pow(k.d2_Distance_2(w, p, q), 2),
-                        product(transposed(difference), difference)[0][0], 99 * kEps<Real>);
+                        product(transposed(difference), difference)[0][0], 99 * kEpsilon<Real>);
             EXPECT_EQ(k.np_Norm_p(Real(1), w, q), k.n1_Norm_1(w, q));
             EXPECT_EQ(k.np_Norm_p(Real(2), w, q), norm);
         }
@@ -155,20 +153,20 @@ TWIN_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
             x.front() = 3 * scale;
             x.back() = -4 * scale;
             const Real* const p = x.data();
-            EXPECT_NEAR(k.n2_Norm_2(n, p) / scale, 5, 16 * kEps<Real>);
-            EXPECT_NEAR(k.d2_Distance_2(n, p, zero.data()) / scale, 5, 16 * kEps<Real>);
+            EXPECT_NEAR(k.n2_Norm_2(n, p) / scale, 5, 16 * kEpsilon<Real>);
+            EXPECT_NEAR(k.d2_Distance_2(n, p, zero.data()) / scale, 5, 16 * kEpsilon<Real>);
             EXPECT_NEAR(k.np_Norm_p(Real(3), n, p) / (scale * Real(std::cbrt(91.0))), 1,
-                        scale == kSmallest ? Real(0.2) : 16 * kEps<Real>);
+                        scale == kSmallest ? 0.2 : 16 * kEpsilon<Real>);
             EXPECT_TRUE(k.n_Normalize_vector(n, x.data()));
-            EXPECT_NEAR(x.front(), Real(0.6), 4 * kEps<Real>);
-            EXPECT_NEAR(x.back(), Real(-0.8), 4 * kEps<Real>);
+            EXPECT_NEAR(x.front(), Real(0.6), 4 * kEpsilon<Real>);
+            EXPECT_NEAR(x.back(), Real(-0.8), 4 * kEpsilon<Real>);
         }
     // The norm of four such numbers overflows, that of two subnormals is one of them, rounded.
     Real large[] = {kLargest, kLargest, kLargest, kLargest};
     Real small[] = {kSmallest, kSmallest};
     EXPECT_TRUE(k.n_Normalize_vector(4, large) && k.n_Normalize_vector(2, small));
-    EXPECT_NEAR(large[3], 0.5, kEps<Real>);
-    EXPECT_NEAR(small[1], std::sqrt(0.5), kEps<Real>);
+    EXPECT_NEAR(large[3], 0.5, kEpsilon<Real>);
+    EXPECT_NEAR(small[1], std::sqrt(0.5), kEpsilon<Real>);
 
     const Real x[] = {1, -7, 3, kInfinity<Real>, kNaN<Real>},
                other[] = {1, -7, 3, -kInfinity<Real>};
@@ -281,7 +279,7 @@ TWIN_TEST(AlgebraBasicTest, PositiveDefiniteAndDominant) {
 TWIN_TEST(AlgebraBasicTest, GeometryAtAnyScale) {
     const auto& k = this->basic;
     const auto expect = [](const Real* found, std::initializer_list<double> expected) {
-        for (const double number : expected) EXPECT_NEAR(*found++, number, 8 * kEps<Real>);
+        for (const double number : expected) EXPECT_NEAR(*found++, number, 8 * kEpsilon<Real>);
     };
     for (const Real s : {Real(1), kHuge<Real>, 1 / kHuge<Real>}) {
         SCOPED_TRACE(s);
@@ -298,9 +296,9 @@ TWIN_TEST(AlgebraBasicTest, GeometryAtAnyScale) {
         // Distances do not depend on the length of the normal.
         const Real point[] = {3, 4, 5}, l[] = {3 * s, 4 * s, -5 * s}, p[] = {0, 0, -2 * s, 3 * s};
         EXPECT_NEAR(k.dspl_Distance_Squared_between_Point_2D_and_Line(point, l), 16,
-                    64 * kEps<Real>);
+                    64 * kEpsilon<Real>);
         EXPECT_NEAR(k.dspp_Distance_Squared_between_Point_3D_and_Plane(point, p), 12.25,
-                    64 * kEps<Real>);
+                    64 * kEpsilon<Real>);
     }
     // Points whose difference overflows still have a direction; outputs may be inputs.
     constexpr Real kFar = std::numeric_limits<Real>::max();

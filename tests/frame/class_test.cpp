@@ -5,7 +5,6 @@
 #include <atomic>
 #include <string>
 #include <thread>
-#include <utility>
 
 #include "nequar_algebra/frame/message.h"
 
@@ -54,20 +53,16 @@ TEST(Class, RecordsNameDetailAndMethod) {
 }
 
 TEST(Class, ChainsTheRecordsOfOneCallInnermostFirst) {
-    Probe probe;
+    const std::string inner = "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2";
+    Probe probe, user("User");
     probe.reports();
     EXPECT_FALSE(probe.outer());
-    EXPECT_EQ(probe.gft_Get_Failure_Trace(),
-              "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2");
+    EXPECT_EQ(probe.gft_Get_Failure_Trace(), inner.c_str());
     EXPECT_EQ(probe.grm_Get_Recorded_Message(), "Probe::outer_Calls_fails: 2");
-
-    Probe user("User");
     user.reports();
     for (int again = 0; again < 2; ++again) {
         EXPECT_FALSE(user.around(probe));
-        EXPECT_EQ(user.gft_Get_Failure_Trace(),
-                  "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2\n"
-                  "User::around_Calls_inner: 3");
+        EXPECT_EQ(user.gft_Get_Failure_Trace(), (inner + "\nUser::around_Calls_inner: 3").c_str());
     }
     // The next call starts a chain of its own.
     user.reports();
@@ -78,16 +73,14 @@ TEST(Class, CopiesNameDetailAndFlagButNotTheRecord) {
     Probe source("Source");
     source.fails();
     source.zet_s(true);
-    const Probe copy = source;
-    Probe assigned;
-    assigned = source;
-    Probe through_pointer;
-    through_pointer.cp_Copy(&source);
-    for (const Probe* p : {&copy, &std::as_const(assigned), &std::as_const(through_pointer)}) {
-        EXPECT_EQ(p->gcn_Get_Class_Name(), "Source");
-        EXPECT_EQ(p->ged_Get_Error_Detail(), "singular");
-        EXPECT_TRUE(p->get_Get_Error_Trace_mode());
-        EXPECT_EQ(p->grm_Get_Recorded_Message(), "");
+    Probe copies[] = {source, Probe(), Probe()};
+    copies[1] = source;
+    copies[2].cp_Copy(&source);
+    for (const Probe& p : copies) {
+        EXPECT_EQ(p.gcn_Get_Class_Name(), "Source");
+        EXPECT_EQ(p.ged_Get_Error_Detail(), "singular");
+        EXPECT_TRUE(p.get_Get_Error_Trace_mode());
+        EXPECT_EQ(p.grm_Get_Recorded_Message(), "");
     }
     EXPECT_EQ(source.grm_Get_Recorded_Message(), "Source::fails_By_zsm: singular");
 }
