@@ -76,25 +76,20 @@ TWIN_TEST(MatrixConversion, RawArraysInBothOrdersAndTypes) {
 
 TWIN_TEST(MatrixConversion, StructureOfSquareMatricesOnly) {
     const AlgebraForMatrix<Real> al;
-    // Lower, upper, symmetric, positive definite, dominant
-    const auto structure = [&](const Matrix<Real>& A, double tolerance, bool relative) {
-        const Real t = Real(tolerance);
-        std::string text;
-        for (const bool is :
-             {al.il_Is_Lower_matrix(&A, t, relative), al.iu_Is_Upper_matrix(&A, t, relative),
-              al.isy_Is_Symmetric_matrix(&A, t, relative),
-              al.ispd_Is_Symmetric_and_Positive_Definite_matrix(&A, t, relative),
-              al.isdd_Is_Strictly_Diagonal_Dominant(&A)})
-            text += is ? '1' : '0';
-        return text;
-    };
-    const auto symmetric = matrix_of<Real>(2, 2, {4, 1, 1, 3});
-    EXPECT_EQ(structure(symmetric, 0, false), "00111");
-    EXPECT_EQ(structure(symmetric, 0.25, true), "11111");
-    const auto lower = matrix_of<Real>(2, 2, {4, 0, 1, 3});
-    EXPECT_EQ(structure(lower, 0, false), "10001");
-    EXPECT_EQ(structure(lower, 0.5, false), "10001");
-    EXPECT_EQ(structure(zeros<Real>(2, 3), 1, false), "00000");
+    const auto symmetric = matrix_of<Real>(2, 2, {4, 1, 1, 3}), wide = zeros<Real>(2, 3);
+    const auto lower = matrix_of<Real>(2, 2, {4, 0, 1, 3}), upper = transposed(lower);
+    EXPECT_TRUE(al.il_Is_Lower_matrix(&lower, 0, false) && al.iu_Is_Upper_matrix(&upper, 0, false));
+    EXPECT_TRUE(al.il_Is_Lower_matrix(&upper, Real(0.25), true));
+    EXPECT_TRUE(al.isy_Is_Symmetric_matrix(&symmetric, 0, false));
+    EXPECT_TRUE(al.ispd_Is_Symmetric_and_Positive_Definite_matrix(&symmetric, 0, false));
+    EXPECT_TRUE(al.isdd_Is_Strictly_Diagonal_Dominant(&symmetric));
+    EXPECT_FALSE(al.isdd_Is_Strictly_Diagonal_Dominant(&wide));
+    EXPECT_FALSE(al.il_Is_Lower_matrix(&upper, Real(0.5), false) ||
+                 al.il_Is_Lower_matrix(&wide, 1, false));
+    for (const auto* const A : {&lower, &wide})
+        EXPECT_FALSE(al.iu_Is_Upper_matrix(A, Real(0.5), false) ||
+                     al.isy_Is_Symmetric_matrix(A, Real(0.5), false) ||
+                     al.ispd_Is_Symmetric_and_Positive_Definite_matrix(A, Real(0.5), false));
     EXPECT_TRUE(never_failed(al));
 }
 

@@ -58,7 +58,7 @@ TWIN_TEST(TriangularAlgebra, SolvesAndInverts) {
             SCOPED_TRACE(testing::Message() << "lower " << lower);
             const Matrix<Real> t = this->triangle(lower, n), clear = this->cleared(lower, t);
             const Matrix<Real> b = random_matrix<Real>(n, 5, 6);
-            Matrix<Real> x, y = t, inverse;
+            Matrix<Real> x, y = t, inverse = t;
             expect_solves(clear, 5, 30, [&](auto* given, auto* right, auto* out) {
                 return this->solve(lower, given, right, out);
             });
@@ -71,8 +71,7 @@ TWIN_TEST(TriangularAlgebra, SolvesAndInverts) {
             ASSERT_TRUE(this->solve(lower, &t, &b, &x) && this->solve(lower, &y, &b, &y));
             EXPECT_TRUE(y == x);
             EXPECT_LT(solution_residual(clear, x, b), 30);
-            y = t;
-            ASSERT_TRUE(this->invert(lower, &t, &inverse) && this->invert(lower, &y, &y));
+            ASSERT_TRUE(this->invert(lower, &inverse, &inverse) && this->invert(lower, &t, &y));
             EXPECT_TRUE(y == inverse && inverse == this->cleared(lower, inverse));
             y = clear;  // an array that is the matrix itself
             ASSERT_TRUE(this->solve(lower, &y, y.p()[0], true, n, n));
@@ -83,10 +82,8 @@ TWIN_TEST(TriangularAlgebra, SolvesAndInverts) {
                 expect_solves(clear, 5, 30, [&](auto*, auto* right, auto* out) {
                     return this->solve(&packed, right, out);
                 });
-                ASSERT_TRUE(this->solve(&packed, &b, &y));
-                EXPECT_TRUE(y == x);
-                ASSERT_TRUE(this->invert(&packed, &y));
-                EXPECT_TRUE(y == inverse);
+                EXPECT_TRUE(this->solve(&packed, &b, &y) && y == x);
+                EXPECT_TRUE(this->invert(&packed, &y) && y == inverse);
             };
             if (lower)
                 check_packed(typename TestFixture::Lower());
@@ -108,11 +105,7 @@ TWIN_TEST(TriangularAlgebra, Refusals) {
     t = random_matrix<Real>(3, 2);
     EXPECT_TRUE(fails_with(this->special, "1", this->solve(false, &t, &b, &x)));
     EXPECT_TRUE(fails_with(this->special, "1", this->solve(true, &t, b.p()[0], false, 1, -1)));
-    EXPECT_TRUE(this->solve(true, &b, b.p()[0], true, 0, 2) == false);
-    t = random_matrix<Real>(1, 1);
-    t[0][0] = 4;
-    ASSERT_TRUE(this->invert(true, &t, &inverse));
-    EXPECT_EQ(inverse[0][0], Real(0.25));
+    EXPECT_FALSE(this->solve(true, &b, b.p()[0], true, 0, 2));
     typename TestFixture::Lower trapezoid;
     trapezoid.c_Create(3, 2, Real(1));
     EXPECT_TRUE(fails_with(this->special, "1", this->solve(&trapezoid, &b, &x)));
@@ -121,22 +114,17 @@ TWIN_TEST(TriangularAlgebra, Refusals) {
 
 TWIN_TEST(TriangularAlgebra, PackedProducts) {
     for (const int n : {1, 3, 33, 100}) {
-        const Matrix<Real> a = random_matrix<Real>(n, n, 1);
-        const Matrix<Real> b = random_matrix<Real>(n, n, 2);
+        const Matrix<Real> a = random_matrix<Real>(n, n, 1), b = random_matrix<Real>(n, n, 2);
         const auto check = [&](auto left, bool lower) {
-            auto right = left;
+            auto right = left, c = left;
             left.i_Import(&a);
             right.i_Import(&b);
-            auto c = left, same = left;
             ASSERT_TRUE(this->multiply(&left, &right, &c));
-            Matrix<Real> dense;
+            Matrix<Real> dense, p = this->cleared(lower, a), q = this->cleared(lower, b);
             c.e_Export(&dense, true);
-            EXPECT_LT(componentwise_product_error(dense, this->cleared(lower, a),
-                                                  this->cleared(lower, b)),
-                      5);
-            ASSERT_TRUE(this->multiply(&same, &right, &same));
-            EXPECT_TRUE(same == c);
-            auto sum = c;
+            EXPECT_LT(componentwise_product_error(dense, p, q), 5);
+            auto same = left, sum = c;
+            EXPECT_TRUE(this->multiply(&same, &right, &same) && same == c);
             ASSERT_TRUE(this->accumulate(&left, &right, &sum));
             for (int k = 0; k < c.vs(); ++k) ASSERT_EQ(sum[k], 2 * c[k]);
             EXPECT_TRUE(fails_with(this->special, "1", this->accumulate(&left, &right, &left)));

@@ -68,34 +68,28 @@ TWIN_TEST(VectorAlgebra, GeometryIntoItsOwnOperands) {
     const auto a = vector_of<Real>({1, 2, 3}), b = vector_of<Real>({4, -5, 6});
     const auto cross = vector_of<Real>({27, 6, -13});
     auto x = a, y = b;
-    EXPECT_TRUE(al.pv3_Product_Vector_of_vector_3D(&x, &b, &x));
-    EXPECT_TRUE(x == cross);
-    EXPECT_TRUE(al.pv3_Product_Vector_of_vector_3D(&a, &y, &y));
-    EXPECT_TRUE(y == cross);
-
+    EXPECT_TRUE(al.pv3_Product_Vector_of_vector_3D(&x, &b, &x) && x == cross);
+    EXPECT_TRUE(al.pv3_Product_Vector_of_vector_3D(&a, &y, &y) && y == cross);
     // The outputs are longer than the operands: their storage moves.
     const auto p = vector_of<Real>({1, 1}), q = vector_of<Real>({4, 5});
-    const auto line = vector_of<Real>({-0.8, 0.6, 0.2});
     x = p;
     EXPECT_TRUE(al.fl_Find_Line_equation_of_segment_2D(&x, &q, &x));
-    EXPECT_LT(largest_difference(x, line), bound<Real>(4));
+    EXPECT_LT(largest_difference(x, vector_of<Real>({-0.8, 0.6, 0.2})), bound<Real>(4));
     EXPECT_LT(std::abs(al.dspl_Distance_Squared_between_Point_2D_and_Line(&p, &x)), bound<Real>(4));
     y = q;
     EXPECT_TRUE(al.nvs_Normal_Vector_of_Segment_2D(&p, &y, &y));
     EXPECT_LT(largest_difference(y, vector_of<Real>({-0.8, 0.6})), bound<Real>(4));
     const auto t0 = vector_of<Real>({0, 0, 2}), t1 = vector_of<Real>({3, 0, 2});
+    const auto normal = vector_of<Real>({0, 0, 1}), plane = vector_of<Real>({0, 0, 1, -2});
     auto t2 = vector_of<Real>({1, 5, 2});
-    EXPECT_TRUE(al.nvt_Normal_Vector_of_Triangle_3D(&t0, &t1, &t2, &x));
-    EXPECT_TRUE(x == vector_of<Real>({0, 0, 1}));
-    EXPECT_TRUE(al.fp_Find_Plane_equation_of_triangle_3D(&t0, &t1, &t2, &t2));
-    EXPECT_TRUE(t2 == vector_of<Real>({0, 0, 1, -2}));
-    EXPECT_EQ(al.dspp_Distance_Squared_between_Point_3D_and_Plane(&a, &t2), 1);
+    EXPECT_TRUE(al.nvt_Normal_Vector_of_Triangle_3D(&t0, &t1, &t2, &x) && x == normal);
+    EXPECT_TRUE(al.fp_Find_Plane_equation_of_triangle_3D(&t0, &t1, &t2, &t2) && t2 == plane);
+    EXPECT_EQ(al.dspp_Distance_Squared_between_Point_3D_and_Plane(&a, &plane), 1);
 
     // What is degenerate succeeds.
     EXPECT_TRUE(al.fl_Find_Line_equation_of_segment_2D(&p, &p, &x));
     EXPECT_TRUE(x == vector_of<Real>({0, 0, 0}));
-    EXPECT_TRUE(al.nvs_Normal_Vector_of_Segment_2D(&p, &p, &x));
-    EXPECT_TRUE(x == vector_of<Real>({0, 0}));
+    EXPECT_TRUE(al.nvs_Normal_Vector_of_Segment_2D(&p, &p, &x) && x == vector_of<Real>({0, 0}));
     EXPECT_TRUE(al.fp_Find_Plane_equation_of_triangle_3D(&a, &a, &b, &x));
     EXPECT_TRUE(x == vector_of<Real>({0, 0, 0, 0}));
     EXPECT_TRUE(never_failed(al));

@@ -114,41 +114,41 @@ TWIN_TEST(Level1, DistancesFromAPointToManySamples) {
 TWIN_TEST(Level1, NaNAndInfinityPassThrough) {
     with_each(
         [](const Table<Real>* table, Size n) {
-            for (Size at = 0; at < n; at += n / 3 + 1) {
-                std::vector<Real> ones(static_cast<std::size_t>(n), Real(1)), zeros(ones.size()),
-                    out(ones.size());
-                const Real *const x = ones.data(), *const zero = zeros.data();
-                Real& odd = ones[static_cast<std::size_t>(at)];
-                odd = kInfinity<Real>;
-                EXPECT_TRUE(std::isnan(table->dot(n, x, 1, zero, 1)));
-                EXPECT_EQ(table->sum_of_squares(n, x, 1), kInfinity<Real>);
-                EXPECT_EQ(table->index_of_largest_magnitude(n, x, 1), at);
-                odd = kNaN<Real>;
-                EXPECT_TRUE(std::isnan(table->sum_of_squares(n, x, 1)));
-                EXPECT_TRUE(std::isnan(table->sum_of_magnitudes(n, x, 1)));
-                EXPECT_TRUE(std::isnan(table->distance_squared(n, x, 1, zero, 1)));
-                EXPECT_NE(table->index_of_largest_magnitude(n, x, 1), n > 1 ? at : -2);
-                table->multiply_by(n, x, Real(0), out.data());
-                for (Size i = 0; i < n; ++i)
-                    EXPECT_EQ(std::isnan(out[static_cast<std::size_t>(i)]), i == at);
-            }
-            // The first of the largest magnitudes wins; NaN never does.
-            const auto largest_of = [&](std::vector<Real> x, Real at_middle, Real at_end) {
-                x[x.size() / 2] = at_middle;
-                x.back() = at_end;
+            const auto count = static_cast<std::size_t>(n);
+            const std::vector<Real> zero(count), ones(count, 1), threes(count, -3);
+            const std::vector<Real> nans(count, kNaN<Real>);
+            const auto largest = [&](const std::vector<Real>& x) {
                 return table->index_of_largest_magnitude(n, x.data(), 1);
             };
-            const std::vector<Real> nan(static_cast<std::size_t>(n), kNaN<Real>);
-            const std::vector<Real> equal(nan.size(), Real(-3));
-            EXPECT_EQ(largest_of(nan, kNaN<Real>, kNaN<Real>), 0);
-            EXPECT_EQ(largest_of(nan, kNaN<Real>, 0), n - 1);
-            EXPECT_EQ(largest_of(equal, -3, 3), 0);
-            EXPECT_EQ(largest_of(equal, Real(3.5), Real(-3.5)), n / 2);
+            for (std::size_t at = 0; at < count; at += count / 3 + 1) {
+                auto x = ones, out = ones;
+                x[at] = kInfinity<Real>;
+                EXPECT_TRUE(std::isnan(table->dot(n, x.data(), 1, zero.data(), 1)));
+                EXPECT_EQ(table->sum_of_squares(n, x.data(), 1), kInfinity<Real>);
+                EXPECT_EQ(largest(x), Size(at));
+                x[at] = kNaN<Real>;
+                EXPECT_TRUE(std::isnan(table->sum_of_squares(n, x.data(), 1)));
+                EXPECT_TRUE(std::isnan(table->sum_of_magnitudes(n, x.data(), 1)));
+                EXPECT_TRUE(std::isnan(table->distance_squared(n, x.data(), 1, zero.data(), 1)));
+                EXPECT_TRUE(n == 1 || largest(x) != Size(at));
+                table->multiply_by(n, x.data(), Real(0), out.data());
+                for (std::size_t i = 0; i < count; ++i) EXPECT_EQ(std::isnan(out[i]), i == at);
+            }
+            // The first of the largest magnitudes wins; NaN never does.
+            const auto largest_with = [&](std::vector<Real> x, Real at_middle, Real at_end) {
+                x[count / 2] = at_middle;
+                x.back() = at_end;
+                return largest(x);
+            };
+            EXPECT_EQ(largest(nans), 0);
+            EXPECT_EQ(largest_with(nans, kNaN<Real>, 0), n - 1);
+            EXPECT_EQ(largest_with(threes, -3, 3), 0);
+            EXPECT_EQ(largest_with(threes, Real(3.5), Real(-3.5)), n / 2);
             // A zero stride is one element met again and again, in order.
             Real sum = 1;
-            table->axpy(n, Real(1), equal.data(), 1, &sum, 0);
+            table->axpy(n, Real(1), threes.data(), 1, &sum, 0);
             EXPECT_EQ(sum, Real(1 - 3 * n));
-            EXPECT_EQ(table->dot(n, equal.data(), 1, &sum, 0), Real(-3 * n) * sum);
+            EXPECT_EQ(table->dot(n, threes.data(), 1, &sum, 0), Real(-3 * n) * sum);
         },
         variants<Real>(), Sizes{1, 5, 7, 40, 64, 130, 600, 1100});
 }
