@@ -38,12 +38,13 @@ protected:
                     Operand v[5], expected = operand(v, h, w, 9);
                     for (int k = 0; k < 4; ++k) v[k] = operand(v, h, w, unsigned(k));
                     v[4] = operand(v, 2, 5, 9);
-                    const Real *const a = elements(v[0]), *const b = elements(v[1]),
-                                      *const c = elements(v[2]), *const d = elements(v[3]);
                     const Sum<Operand>& s = sums[i];
-                    for (int k = 0; k < h * w; ++k)
-                        elements(expected)[k] = s.a * a[k] + s.b * b[k] + s.c * c[k] + s.d * d[k] +
-                                                s.constant + s.product * a[k] * b[k];
+                    for (int k = 0; k < h * w; ++k) {
+                        const Real a = elements(v[0])[k], b = elements(v[1])[k];
+                        elements(expected)[k] = s.a * a + s.b * b + s.c * elements(v[2])[k] +
+                                                s.d * elements(v[3])[k] + s.constant +
+                                                s.product * a * b;
+                    }
                     const Real* const storage = elements(v[target]);
                     s.run(v, v + target);
                     EXPECT_LT(largest_difference(v[target], expected), bound<Real>(20));

@@ -24,45 +24,45 @@ Matrix<Real> matrix_in(const Real* p, bool rows, int h, int w) {
     return matrix_of<Real>(h, w, [=](int r, int c) { return p[rows ? r * w + c : r + h * c]; });
 }
 
-template <class Real>
-class AlgebraBasicTest : public testing::Test {
-protected:
-    static constexpr int kSecond = 37;  // where the second operand begins in the pool
-    const LCNqAlgebra_Basic basic;
-    const Vector<Real> pool = random_vector<Real>(12000, 1);
-
-    // Runs a kernel on operands in the pool: with an output apart, which must become `keep` times
-    // itself plus `expected`, and with outputs anywhere in the pool itself, which must become the
-    // same as apart, bit by bit.
-    template <class Run>
-    void check(const char* name, bool rows, const Matrix<Real>& expected, int keep, Run run) const {
-        const int h = expected.mh(), w = expected.mw();
-        for (const int start : {0, 1, kSecond, kSecond + 5, h * w / 2}) {
-            Vector<Real> shared = pool;
-            const Real* const old = pool.p() + start;
-            std::vector<Real> apart(old, old + h * w);
-            run(pool.p(), pool.p() + kSecond, apart.data());
-            const auto wanted = sum_of(expected, matrix_in(old, rows, h, w), 1, keep);
-            ASSERT_LT(largest_difference(matrix_in(apart.data(), rows, h, w), wanted),
-                      200 * kEpsilon<Real>)
-                << name;
-            run(shared.p(), shared.p() + kSecond, shared.p() + start);
-            EXPECT_TRUE(std::equal(apart.begin(), apart.end(), shared.p() + start))
-                << name << " at " << start;
-        }
-    }
-};
+TWINS(AlgebraBasicTest);
 
 TWIN_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
-    using In = const Real*;
     using M = Matrix<Real>;
-    const auto& k = this->basic;
-    const In p = this->pool.p();
-    const In q = p + this->kSecond;
+    const LCNqAlgebra_Basic k;
+    const Vector<Real> pool = random_vector<Real>(12000, 1);
+    constexpr int kSecond = 37;  // where the second operand begins in the pool
+    const Real *const p = pool.p(), *const q = p + kSecond, *a = p, *b = q;
+    Real* o = nullptr;
     for (const bool rows : {true, false})
         for (const auto& [height, width, inner] :
              {std::tuple(1, 1, 1), {3, 5, 4}, {40, 70, 33}, {5, 2, 9}}) {
             const int h = height, w = width, n = inner;
+            // Runs a kernel on operands a and b in the pool: with an output o apart, which must
+            // become `keep` times itself plus `expected`, and with outputs anywhere in the pool
+            // itself, which must become the same as apart, bit by bit.
+            const auto check = [&](const char* name, const M& expected, int keep, auto run) {
+                const int count = expected.mh() * expected.mw();
+                const auto result = [&](const Real* from) {
+                    return matrix_in(from, rows, expected.mh(), expected.mw());
+                };
+                for (const int start : {0, 1, kSecond, kSecond + 5, count / 2}) {
+                    SCOPED_TRACE(testing::Message() << name << " at " << start);
+                    Vector<Real> shared = pool;
+                    std::vector<Real> apart(p + start, p + start + count);
+                    a = p;
+                    b = q;
+                    o = apart.data();
+                    run();
+                    ASSERT_LT(
+                        largest_difference(result(o), sum_of(expected, result(p + start), 1, keep)),
+                        200 * kEpsilon<Real>);
+                    a = shared.p();
+                    b = a + kSecond;
+                    o = shared.p() + start;
+                    run();
+                    EXPECT_TRUE(std::equal(apart.begin(), apart.end(), o));
+                }
+            };
             const auto first = [&](int r, int c) { return matrix_in(p, rows, r, c); };
             const auto second = [&](int r, int c) { return matrix_in(q, rows, r, c); };
             const auto diagonal = [&](int r, int c) {
@@ -70,65 +70,44 @@ TWIN_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
             };
             const M A = first(h, w), At = transposed(A), D = diagonal(h, w);
             const M v = first(w, 1), x = second(h, 1), y = second(w, 1);
-            const auto check = [&](const char* name, const M& expected, int keep, auto run) {
-                this->check(name, rows, expected, keep, run);
-            };
-            check("avv", sum_of(v, y), 0,
-                  [&](In a, In b, Real* o) { k.avv_Add_Vector_Vector(w, a, b, o); });
-            check("avvw", sum_of(v, y, 2, 3), 0, [&](In a, In b, Real* o) {
-                k.avvw_Add_Vector_Vector_with_Weight(w, a, b, 2, 3, o);
-            });
+            check("avv", sum_of(v, y), 0, [&] { k.avv_Add_Vector_Vector(w, a, b, o); });
+            check("avvw", sum_of(v, y, 2, 3), 0,
+                  [&] { k.avvw_Add_Vector_Vector_with_Weight(w, a, b, 2, 3, o); });
             check("avc", matrix_of<Real>(w, 1, [&](int i, int) { return q[i] + 2; }), 0,
-                  [&](In, In b, Real* o) { k.avc_Add_Vector_Constant(w, b, 2, o); });
-            check("svv", sum_of(v, y, 1, -1), 0,
-                  [&](In a, In b, Real* o) { k.svv_Subtract_Vector_Vector(w, a, b, o); });
+                  [&] { k.avc_Add_Vector_Constant(w, b, 2, o); });
+            check("svv", sum_of(v, y, 1, -1), 0, [&] { k.svv_Subtract_Vector_Vector(w, a, b, o); });
             check("mvc", sum_of(y, y, 2, 0), 0,
-                  [&](In, In b, Real* o) { k.mvc_Multiply_Vector_Constant(w, b, 2, o); });
+                  [&] { k.mvc_Multiply_Vector_Constant(w, b, 2, o); });
             check("mvve", matrix_of<Real>(w, 1, [&](int i, int) { return p[i] * q[i]; }), 0,
-                  [&](In a, In b, Real* o) {
-                      k.mvve_Multiply_Vector_Vector_Elementwise(w, a, b, o);
-                  });
-            check("tpm", At, 0,
-                  [&](In a, In, Real* o) { k.tpm_Transpose_Matrix(rows, h, w, a, o); });
-            check("cdm", D, 0,
-                  [&](In, In b, Real* o) { k.cdm_Convert_Dmatrix_to_Matrix(rows, h, w, b, o); });
-            check("amdw", sum_of(A, D, 2, 3), 0, [&](In a, In b, Real* o) {
-                k.amdw_Add_Matrix_Dmatrix_with_Weight(rows, h, w, a, b, 2, 3, o);
-            });
-            check("amtw", sum_of(A, transposed(second(w, h)), 2, -1), 0, [&](In a, In b, Real* o) {
-                k.amtw_Add_Matrix_Tmatrix_with_Weight(rows, h, w, a, b, 2, -1, o);
-            });
-            check("mmma", product(A, second(w, n)), 1, [&](In a, In b, Real* o) {
-                k.mmma_Multiply_Matrix_Matrix_and_Accumulate(rows, h, w, n, a, b, o);
-            });
-            check("mmta", product(A, transposed(second(n, w))), 1, [&](In a, In b, Real* o) {
-                k.mmta_Multiply_Matrix_Tmatrix_and_Accumulate(rows, h, w, n, a, b, o);
-            });
-            check("mtma", product(At, second(h, n)), 1, [&](In a, In b, Real* o) {
-                k.mtma_Multiply_Tmatrix_Matrix_and_Accumulate(rows, h, w, n, a, b, o);
-            });
-            check("mmda", product(A, diagonal(w, n)), 1, [&](In a, In b, Real* o) {
-                k.mmda_Multiply_Matrix_Dmatrix_and_Accumulate(rows, h, w, n, a, b, o);
-            });
-            check("mmva", product(A, y), 1, [&](In a, In b, Real* o) {
-                k.mmva_Multiply_Matrix_Vector_and_Accumulate(rows, h, w, a, b, o);
-            });
-            check("mvta", product(A, y), 1, [&](In a, In b, Real* o) {
-                k.mvta_Multiply_Vector_Tmatrix_and_Accumulate(rows, h, w, b, a, o);
-            });
-            check("mvma", product(At, x), 1, [&](In a, In b, Real* o) {
-                k.mvma_Multiply_Vector_Matrix_and_Accumulate(rows, h, w, b, a, o);
-            });
-            check("mvda", product(transposed(D), first(h, 1)), 1, [&](In a, In b, Real* o) {
-                k.mvda_Multiply_Vector_Dmatrix_and_Accumulate(rows, h, w, a, b, o);
-            });
-            check("mvva", product(first(h, 1), transposed(y)), 1, [&](In a, In b, Real* o) {
-                k.mvva_Multiply_Vector_Vector_and_Accumulate(rows, h, w, a, b, o);
-            });
-            check("mvmva", product(transposed(x), product(A, y)), 1, [&](In a, In b, Real* o) {
+                  [&] { k.mvve_Multiply_Vector_Vector_Elementwise(w, a, b, o); });
+            check("tpm", At, 0, [&] { k.tpm_Transpose_Matrix(rows, h, w, a, o); });
+            check("cdm", D, 0, [&] { k.cdm_Convert_Dmatrix_to_Matrix(rows, h, w, b, o); });
+            check("amdw", sum_of(A, D, 2, 3), 0,
+                  [&] { k.amdw_Add_Matrix_Dmatrix_with_Weight(rows, h, w, a, b, 2, 3, o); });
+            check("amtw", sum_of(A, transposed(second(w, h)), 2, -1), 0,
+                  [&] { k.amtw_Add_Matrix_Tmatrix_with_Weight(rows, h, w, a, b, 2, -1, o); });
+            check("mmma", product(A, second(w, n)), 1,
+                  [&] { k.mmma_Multiply_Matrix_Matrix_and_Accumulate(rows, h, w, n, a, b, o); });
+            check("mmta", product(A, transposed(second(n, w))), 1,
+                  [&] { k.mmta_Multiply_Matrix_Tmatrix_and_Accumulate(rows, h, w, n, a, b, o); });
+            check("mtma", product(At, second(h, n)), 1,
+                  [&] { k.mtma_Multiply_Tmatrix_Matrix_and_Accumulate(rows, h, w, n, a, b, o); });
+            check("mmda", product(A, diagonal(w, n)), 1,
+                  [&] { k.mmda_Multiply_Matrix_Dmatrix_and_Accumulate(rows, h, w, n, a, b, o); });
+            check("mmva", product(A, y), 1,
+                  [&] { k.mmva_Multiply_Matrix_Vector_and_Accumulate(rows, h, w, a, b, o); });
+            check("mvta", product(A, y), 1,
+                  [&] { k.mvta_Multiply_Vector_Tmatrix_and_Accumulate(rows, h, w, b, a, o); });
+            check("mvma", product(At, x), 1,
+                  [&] { k.mvma_Multiply_Vector_Matrix_and_Accumulate(rows, h, w, b, a, o); });
+            check("mvda", product(transposed(D), first(h, 1)), 1,
+                  [&] { k.mvda_Multiply_Vector_Dmatrix_and_Accumulate(rows, h, w, a, b, o); });
+            check("mvva", product(first(h, 1), transposed(y)), 1,
+                  [&] { k.mvva_Multiply_Vector_Vector_and_Accumulate(rows, h, w, a, b, o); });
+            check("mvmva", product(transposed(x), product(A, y)), 1, [&] {
                 k.mvmva_Multiply_Vector_Matrix_Vector_and_Accumulate(rows, h, w, b, a, b, *o);
             });
-            check("mvdva", product(transposed(x), product(D, y)), 1, [&](In, In b, Real* o) {
+            check("mvdva", product(transposed(x), product(D, y)), 1, [&] {
                 k.mvdva_Multiply_Vector_Dmatrix_Vector_and_Accumulate(rows, h, w, b, b, b, *o);
             });
             const Real norm = k.n2_Norm_2(w, q);
@@ -142,7 +121,7 @@ TWIN_TEST(AlgebraBasicTest, AgreesWithPlainLoopsOnArraysThatMayOverlap) {
 }
 
 TWIN_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
-    const auto& k = this->basic;
+    const LCNqAlgebra_Basic k;
     constexpr Real kSmallest = std::numeric_limits<Real>::denorm_min();
     constexpr Real kLargest = std::numeric_limits<Real>::max();
     for (const Real scale : {kHuge<Real>, 1 / kHuge<Real>, kSmallest, Real(1), kLargest / 8})
@@ -187,7 +166,7 @@ TWIN_TEST(AlgebraBasicTest, NormsAndNormalizationSurviveExtremeScales) {
 }
 
 TWIN_TEST(AlgebraBasicTest, SizesBelowOneDoNothing) {
-    const auto& k = this->basic;
+    const LCNqAlgebra_Basic k;
     Real out[] = {5, 6};
     const Real a[] = {1, 2};
     for (const int n : {0, -1, std::numeric_limits<int>::min()}) {
@@ -207,7 +186,7 @@ TWIN_TEST(AlgebraBasicTest, SizesBelowOneDoNothing) {
 }
 
 TWIN_TEST(AlgebraBasicTest, TriangularAndSymmetricStructure) {
-    const auto& k = this->basic;
+    const LCNqAlgebra_Basic k;
     constexpr int n = 70;  // more than a tile
     for (const bool rows : {true, false}) {
         auto A = random_vector<Real>(n * n, 1);
@@ -247,7 +226,7 @@ TWIN_TEST(AlgebraBasicTest, TriangularAndSymmetricStructure) {
 }
 
 TWIN_TEST(AlgebraBasicTest, PositiveDefiniteAndDominant) {
-    const auto& k = this->basic;
+    const LCNqAlgebra_Basic k;
     for (const int n : {1, 2, 47, 48, 49, 130}) {  // around the panel
         SCOPED_TRACE(n);
         // Second differences: positive definite with pivots (i + 2) / (i + 1); rows in between are
@@ -277,7 +256,7 @@ TWIN_TEST(AlgebraBasicTest, PositiveDefiniteAndDominant) {
 }
 
 TWIN_TEST(AlgebraBasicTest, GeometryAtAnyScale) {
-    const auto& k = this->basic;
+    const LCNqAlgebra_Basic k;
     const auto expect = [](const Real* found, std::initializer_list<double> expected) {
         for (const double number : expected) EXPECT_NEAR(*found++, number, 8 * kEpsilon<Real>);
     };
