@@ -4,10 +4,8 @@
 #include "algebra/plain.h"
 #include "frame/views.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 TWINS(GramSchmidt);
 
@@ -114,4 +112,4 @@ TWIN_TEST(GramSchmidt, TheOperationReportsAndWorksInPlace) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

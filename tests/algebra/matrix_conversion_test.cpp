@@ -1,10 +1,8 @@
 // Transposition, conversion and the tests of structure.
 #include "algebra/plain.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 TWINS(MatrixConversion);
 
@@ -94,4 +92,4 @@ TWIN_TEST(MatrixConversion, StructureOfSquareMatricesOnly) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

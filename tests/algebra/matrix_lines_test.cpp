@@ -6,10 +6,8 @@
 
 #include "algebra/plain.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 class MatrixLines : public testing::Test {
@@ -168,4 +166,4 @@ TWIN_TEST(MatrixLines, RelocationsThatAreNoPermutation) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -1,10 +1,8 @@
 // Products: values in every pattern, the state after a mismatch, aliasing, chains.
 #include "algebra/plain.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 TWINS(MatrixProducts);
 
@@ -336,4 +334,4 @@ TWIN_TEST(MatrixProducts, SizesThatCannotBeHadEndTheOperation) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -3,10 +3,8 @@
 
 #include "algebra/plain.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 class Sums : public testing::Test {
@@ -170,4 +168,4 @@ TWIN_TEST(Sums, OfDifferentShapesAreReportedAndNothingIsTouched) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

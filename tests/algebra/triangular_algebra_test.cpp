@@ -6,10 +6,8 @@
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 class TriangularAlgebra : public testing::Test {
@@ -140,4 +138,4 @@ TWIN_TEST(TriangularAlgebra, PackedProducts) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -1,9 +1,7 @@
 #include "algebra/plain.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 TWINS(VectorAlgebra);
 
@@ -147,4 +145,4 @@ TEST(VectorAlgebraFrame, NamesCopiesAndTheTraceFlag) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

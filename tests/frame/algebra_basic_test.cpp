@@ -5,10 +5,8 @@
 
 #include "algebra/plain.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 constexpr Real kNaN = std::numeric_limits<Real>::quiet_NaN();
@@ -302,4 +300,4 @@ TWIN_TEST(AlgebraBasicTest, GeometryAtAnyScale) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -211,8 +211,7 @@ TEST(GrowableVector, RefusesBadListsWithNothingChanged) {
 
 // A large reserved room costs nothing until it is used, and one that cannot be had is refused.
 TEST(GrowableVector, ReservesWithoutTouching) {
-    struct rusage before {
-    }, after{};
+    rusage before{}, after{};
     getrusage(RUSAGE_SELF, &before);
     CNqXvector x = growable<double>({1, 2});
     ASSERT_TRUE(x.is_Initialize_Space(200 << 20));

@@ -60,12 +60,11 @@ TWIN_TEST(Bands, EveryShapeAroundTheVectorsAndTheChunks) {
     const std::array<Size, 2> shapes[] = {
         {1, 1},     {5, 3},     {20, 40}, {127, 127}, {128, 128}, {129, 129}, {131, 17},
         {150, 140}, {257, 256}, {260, 2}, {300, 16},  {300, 131}, {271, 271}};
-    with_each([](const Table<Real>* table, const auto& shape,
+    with_each([](auto* table, const auto& shape,
                  Layout layout) { check_packed(table, shape[0], shape[1], layout); },
               variants<Real>(), shapes, kLayouts);
     for (const Size n : {63, 64, 127, 128, 129, 144, 150, 255, 257, 271}) sizes.push_back(n);
-    with_each([](const Table<Real>* table, Size n,
-                 Layout layout) { check_packed(table, n, n, layout, true); },
+    with_each([](auto* table, Size n, Layout layout) { check_packed(table, n, n, layout, true); },
               variants<Real>(), sizes, kLayouts);
 }
 

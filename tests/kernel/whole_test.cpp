@@ -11,25 +11,24 @@ TWINS(Whole);
 TWIN_TEST(Whole, CopiesFillsAndTransposesInEveryPairOfLayouts) {
     const std::array<Size, 2> shapes[] = {{0, 0}, {0, 4},   {1, 1},   {1, 40},   {40, 1},  {2, 3},
                                           {7, 8}, {16, 16}, {17, 33}, {63, 130}, {130, 71}};
-    with_each(
-        [](const Table<Real>* table, const auto& shape, Layout la, Layout lb) {
-            const Size m = shape[0], n = shape[1];
-            Operand<Real> a(m, n, la, 1), b(m, n, lb);
-            table->copy_matrix(m, n, a.reading(), b.block());
-            EXPECT_EQ(largest_difference(a, b), Real(0));
-            table->fill_matrix(m, n, Real(3), a.block());
-            EXPECT_EQ(a.count([&](Size i, Size j) { return a(i, j) != Real(3); }), 0);
-            EXPECT_TRUE(a.guards_stand() && b.guards_stand());
-        },
-        variants<Real>(), shapes, kLayouts, kLayouts);
-    with_each(
-        [](const Table<Real>* table, Size n, Layout layout) {
-            Operand<Real> a(n, n, layout, 1), before = a;
-            table->transpose_in_place(n, a.block());
-            EXPECT_EQ(a.count([&](Size i, Size j) { return a(i, j) != before(j, i); }), 0);
-            EXPECT_TRUE(a.guards_stand());
-        },
-        variants<Real>(), Sizes{0, 1, 2, 7, 8, 9, 16, 31, 64, 65, 100, 200}, kLayouts);
+    const auto compare = [](auto* table, const auto& shape, Layout la, Layout lb) {
+        const Size m = shape[0], n = shape[1];
+        Operand<Real> a(m, n, la, 1), b(m, n, lb);
+        table->copy_matrix(m, n, a.reading(), b.block());
+        EXPECT_EQ(largest_difference(a, b), Real(0));
+        table->fill_matrix(m, n, Real(3), a.block());
+        EXPECT_EQ(a.count([&](Size i, Size j) { return a(i, j) != Real(3); }), 0);
+        EXPECT_TRUE(a.guards_stand() && b.guards_stand());
+    };
+    with_each(compare, variants<Real>(), shapes, kLayouts, kLayouts);
+    const auto compare_turned = [](auto* table, Size n, Layout layout) {
+        Operand<Real> a(n, n, layout, 1), before = a;
+        table->transpose_in_place(n, a.block());
+        EXPECT_EQ(a.count([&](Size i, Size j) { return a(i, j) != before(j, i); }), 0);
+        EXPECT_TRUE(a.guards_stand());
+    };
+    with_each(compare_turned, variants<Real>(), Sizes{0, 1, 2, 7, 8, 9, 16, 31, 64, 65, 100, 200},
+              kLayouts);
 }
 
 TEST(Dispatch, FallsBackToWhatTheCpuCanRunAndKeepsToTheEnvironment) {
