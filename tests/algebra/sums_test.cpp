@@ -16,11 +16,12 @@ protected:
         Real a, b = 0, c = 0, d = 0, constant = 0, product = 0;
     };
 
-    static Matrix<Real> operand(const Matrix<Real>*, int h, int w, unsigned seed) {
-        return random_matrix<Real>(h, w, seed);
-    }
-    static Vector<Real> operand(const Vector<Real>*, int h, int w, unsigned seed) {
-        return random_vector<Real>(h * w, seed);
+    template <class Operand>
+    static Operand operand(int h, int w, unsigned seed) {
+        if constexpr (std::is_same_v<Operand, Matrix<Real>>)
+            return random_matrix<Real>(h, w, seed);
+        else
+            return random_vector<Real>(h * w, seed);
     }
     static Real* elements(Matrix<Real>& m) { return m.p()[0]; }
     static Real* elements(Vector<Real>& v) { return v.p(); }
@@ -33,9 +34,9 @@ protected:
                  {std::pair(0, 0), {3, 0}, {1, 1}, {7, 1}, {600, 1}, {1025, 1}, {40, 30}})
                 for (int target = 0; target < 5; ++target) {
                     SCOPED_TRACE(testing::Message() << "sum " << i << " into " << target);
-                    Operand v[5], expected = operand(v, h, w, 9);
-                    for (int k = 0; k < 4; ++k) v[k] = operand(v, h, w, unsigned(k));
-                    v[4] = operand(v, 2, 5, 9);
+                    Operand v[5], expected = operand<Operand>(h, w, 9);
+                    for (int k = 0; k < 4; ++k) v[k] = operand<Operand>(h, w, unsigned(k));
+                    v[4] = operand<Operand>(2, 5, 9);
                     const Sum<Operand>& s = sums[i];
                     for (int k = 0; k < h * w; ++k) {
                         const Real a = elements(v[0])[k], b = elements(v[1])[k];

@@ -10,29 +10,28 @@ const Sizes kLengths = {0,  1,  2,  3,  4,  5,  7,   8,   9,   15,  16,
 TWINS(Level1);
 
 TWIN_TEST(Level1, ContiguousLoopsAgreeWithThePlainOnesAlsoInPlace) {
-    using In = const Real*;
     const auto compare = [](auto* table, Size n, bool in_place) {
         Operand<Real> a(1, n, Layout::rows, 1), b(1, n, Layout::rows, 2);
-        const In pa = a.data();
+        const Table<Real>* t = table;
+        const Real *const pa = a.data(), *pb = b.data();
+        Real* out = nullptr;
         const auto check = [&](const char* what, auto run) {
             SCOPED_TRACE(what);
-            expect_agreement(table, b, 2 * kEps<Real>, [&](auto& t, auto& out) {
-                run(t, in_place ? out.data() : b.data(), out.data());
+            expect_agreement(table, b, 2 * kEps<Real>, [&](auto& tried, auto& result) {
+                t = &tried;
+                out = result.data();
+                pb = in_place ? out : b.data();
+                run();
             });
         };
-        check("add", [&](auto& t, In pb, Real* out) { t.add(n, pa, pb, out); });
-        check("subtract", [&](auto& t, In pb, Real* out) { t.subtract(n, pa, pb, out); });
-        check("add_weighted", [&](auto& t, In pb, Real* out) {
-            t.add_weighted(n, pa, pb, Real(0.7), Real(-1.3), out);
-        });
-        check("add_constant",
-              [&](auto& t, In pb, Real* out) { t.add_constant(n, pb, Real(2.5), out); });
-        check("multiply_by",
-              [&](auto& t, In pb, Real* out) { t.multiply_by(n, pb, Real(2.5), out); });
-        check("multiply_elementwise",
-              [&](auto& t, In pb, Real* out) { t.multiply_elementwise(n, pa, pb, out); });
-        check("add_reversed", [&](auto& t, In, Real* out) { t.add_reversed(n, Real(-0.7), out); });
-        check("fill", [&](auto& t, In, Real* out) { t.fill(n, Real(4), out); });
+        check("add", [&] { t->add(n, pa, pb, out); });
+        check("subtract", [&] { t->subtract(n, pa, pb, out); });
+        check("add_weighted", [&] { t->add_weighted(n, pa, pb, Real(0.7), Real(-1.3), out); });
+        check("add_constant", [&] { t->add_constant(n, pb, Real(2.5), out); });
+        check("multiply_by", [&] { t->multiply_by(n, pb, Real(2.5), out); });
+        check("multiply_elementwise", [&] { t->multiply_elementwise(n, pa, pb, out); });
+        check("add_reversed", [&] { t->add_reversed(n, Real(-0.7), out); });
+        check("fill", [&] { t->fill(n, Real(4), out); });
     };
     with_each(compare, variants<Real>(), kLengths, kBoth);
 }
