@@ -254,7 +254,7 @@ TWIN_TEST(MatrixProducts, ChainsIntoAnyOperand) {
     const M operands[7] = {random_matrix<Real>(3, 30, 1),  random_matrix<Real>(30, 20, 2),
                            random_matrix<Real>(20, 40, 3), random_matrix<Real>(40, 5, 4),
                            random_matrix<Real>(20, 6, 7),  random_matrix<Real>(6, 20, 8)};
-    const auto& [A, B, C, D, E, F, none] = operands;
+    const M &A = operands[0], &B = operands[1], &C = operands[2], &D = operands[3];
     const V d = random_vector<Real>(25, 5);
     const M AB = product(A, B), ABC = product(AB, C), ABCD = product(AB, product(C, D));
     const M AD = product(A, diagonal_of(d, 30, 20));
@@ -262,9 +262,9 @@ TWIN_TEST(MatrixProducts, ChainsIntoAnyOperand) {
         {[&](M* m, M* out) { al.mmm_Multiply_Matrix_Matrix(m, m + 1, m + 2, m + 3, out); }, ABCD},
         {[&](M* m, M* out) { al.mmm_Multiply_Matrix_Matrix(m, m + 1, m + 2, out); }, ABC},
         {[&](M* m, M* out) { al.mmdm_Multiply_Matrix_Dmatrix_Matrix(m, &d, m + 4, out); },
-         product(AD, E)},
+         product(AD, operands[4])},
         {[&](M* m, M* out) { al.mmdt_Multiply_Matrix_Dmatrix_Tmatrix(m, &d, m + 5, out); },
-         product(AD, transposed(F))}};
+         product(AD, transposed(operands[5]))}};
     for (const auto& [run, expected] : chains)
         for (int target = 0; target < 7; ++target) {
             M m[7];
