@@ -41,7 +41,7 @@ TEST(VectorQueue, DropsTheOldestAndGivesTheSlotBack) {
     CNqQueueCircular_of_Vector ring;
     ASSERT_TRUE(ring.c_Create(3, 2, 0.5));
     CNqVector x;
-    for (int k = 1; k <= 7; ++k) {
+    for (int k = 1; k <= 8; ++k) {
         x.c_Create(2, k);
         int slot = (k - 1) % 3;
         ASSERT_TRUE(ring.inv_INput_a_Vector(x, k % 2 == 0 ? nullptr : &slot));
@@ -53,7 +53,7 @@ TEST(VectorQueue, DropsTheOldestAndGivesTheSlotBack) {
     // One of its own vectors may be put in: the newest, and the one that it replaces.
     ASSERT_TRUE(ring.inv_INput_a_Vector(*ring.gpa(0), nullptr));
     ASSERT_TRUE(ring.inv_INput_a_Vector(*ring.gpa(2), nullptr));
-    EXPECT_TRUE((*ring.gpa(0))[0] == 6.0 && (*ring.gpa(1))[0] == 7.0);
+    EXPECT_TRUE((*ring.gpa(0))[0] == 7.0 && (*ring.gpa(1))[0] == 8.0);
     const CNqQueueCircular_of_Vector copy = ring;
     CNqQueueCircular_of_Vector moved = std::move(ring);
     EXPECT_TRUE(moved.inv_INput_a_Vector(x, nullptr));
