@@ -3,23 +3,23 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <stdexcept>
+#include <string>
 
-// Ends the process where the condition does not hold, as the sanitizers do.
-#define NEQUAR_REQUIRE(condition)                                                        \
-    do {                                                                                 \
-        if (!(condition)) {                                                              \
-            std::fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
-            std::abort();                                                                \
-        }                                                                                \
-    } while (false)
+// Throws where the condition does not hold: that ends a fuzzer, and fails a test.
+#define NEQUAR_REQUIRE(condition) \
+    ((condition) ? void() : throw nequar::fuzz::Fault(__FILE__, __LINE__, #condition))
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace nequar::fuzz {
+
+struct Fault : std::logic_error {
+    Fault(const std::string& file, int line, const std::string& condition)
+        : logic_error(file + ":" + std::to_string(line) + ": not so: " + condition) {}
+};
 
 class Input {
 public:
@@ -32,6 +32,7 @@ public:
         return *data_++;
     }
     int below(int n) { return byte() % n; }  // n <= 256
+    int in(int first, int last) { return first + below(last - first + 1); }
     bool coin() { return below(2) != 0; }
 
     // Any int: mostly small, else an end of a range.

@@ -1,6 +1,7 @@
 // Runs the target once for each file of the folders named, so that what fuzzers have found stays
 // found, and on drawn inputs, the same ones each time.
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>

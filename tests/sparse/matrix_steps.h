@@ -9,31 +9,34 @@ template <class Real>
 struct Matrices : Operands<nequar::SparseMatrix<Real>, Real> {
     using Base = Operands<nequar::SparseMatrix<Real>, Real>;
     using Sparse = nequar::SparseMatrix<Real>;
-    using Base::a, Base::b, Base::dice, Base::ma, Base::mb;
+    using Base::a, Base::b, Base::input, Base::ma, Base::mb;
 
+    explicit Matrices(Input decisions) : Base(decisions) {
+        renew(a, ma);
+        renew(b, mb);
+    }
     void renew(Sparse& s, Mirror<Real>& m) {
-        m = random_mirror<Real>(dice, dice(1, kLargest), dice(1, kLargest));
+        m = random_mirror<Real>(input, input.in(1, kLargest), input.in(1, kLargest));
         s = matrix_of(m);
     }
-    void renew() { renew(a, ma); }
     const Mirror<Real>& whole() const { return ma; }
 
     bool step() {
         const int h = ma.height;
         const int w = ma.width;
-        const int x = dice(0, w - 1);
-        const int y = dice(0, h - 1);
-        const int dx = dice(1, w - x);
-        const int dy = dice(1, h - y);
-        const Real v = dice.template value<Real>();
-        const bool itself = dice(0, 3) == 0;
+        const int x = input.in(0, w - 1);
+        const int y = input.in(0, h - 1);
+        const int dx = input.in(1, w - x);
+        const int dy = input.in(1, h - y);
+        const Real v = Real(input.in(-3, 3));
+        const bool itself = input.in(0, 3) == 0;
         const Sparse* const other = itself ? &a : &b;
         if (!itself && (mb.height != h || mb.width != w)) {
-            mb = random_mirror<Real>(dice, h, w);
+            mb = random_mirror<Real>(input, h, w);
             b = matrix_of(mb);
         }
         const Mirror<Real>& mother = itself ? ma : mb;
-        const int which = dice(0, 21);
+        const int which = input.in(0, 21);
         switch (which) {
             case 11:
                 ma = ma.transposed();
@@ -54,8 +57,8 @@ struct Matrices : Operands<nequar::SparseMatrix<Real>, Real> {
                 nequar::SparseVector<Real> line;
                 const Mirror<Real> part = mother.block(x, y, 1, dy, true);
                 const bool got = other->gc(x, y, dy, &line);
-                const int to = dice(0, w - 1);
-                const int from_row = dice(0, h - dy);
+                const int to = input.in(0, w - 1);
+                const int from_row = input.in(0, h - dy);
                 ma.replace(to, from_row, part);
                 return got && fault_of(line, part) == "" && a.sc(to, from_row, &line);
             }
@@ -63,15 +66,15 @@ struct Matrices : Operands<nequar::SparseMatrix<Real>, Real> {
                 nequar::SparseVector<Real> line;
                 const Mirror<Real> part = mother.block(x, y, dx, 1, true);
                 const bool got = other->gr(x, y, dx, &line);
-                const int to = dice(0, h - 1);
-                const int from_column = dice(0, w - dx);
+                const int to = input.in(0, h - 1);
+                const int from_column = input.in(0, w - dx);
                 ma.write(from_column, to, part);
                 return got && fault_of(line, part.transposed()) == "" &&
                        a.sr(from_column, to, &line);
             }
             case 17: {
-                const auto u = random_mirror<Real>(dice, h, 1);
-                const auto t = random_mirror<Real>(dice, w, 1);
+                const auto u = random_mirror<Real>(input, h, 1);
+                const auto t = random_mirror<Real>(input, w, 1);
                 const auto us = vector_of(u);
                 const auto ts = vector_of(t);
                 ma.add_product(u, t);
@@ -94,7 +97,7 @@ struct Matrices : Operands<nequar::SparseMatrix<Real>, Real> {
                 renew(b, mb);
                 return true;
             case 21:
-                return a.sb(0, 0, &a) && a.mbs(dice(0, 3)) && (a = a * Real(1), true) &&
+                return a.sb(0, 0, &a) && a.mbs(input.in(0, 3)) && (a = a * Real(1), true) &&
                        a == matrix_of(ma);
             default:
                 return Base::shared(which, x, y, v, other, mother);

@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <functional>
-#include <initializer_list>
 #include <map>
-#include <random>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "fuzz/input.h"
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/sparse.h"
 #include "support/chain.h"
@@ -19,6 +19,7 @@
 
 namespace sparse_test {
 
+using nequar::fuzz::Input;
 using nequar::test::fails_with;
 
 template <class Real>
@@ -27,6 +28,7 @@ struct Mirror {
     int width = 1;
     std::map<std::pair<int, int>, Real> stored;
 
+    bool operator==(const Mirror&) const = default;
     Real at(int x, int y) const {
         const auto found = stored.find({x, y});
         return found == stored.end() ? Real(0) : found->second;
@@ -108,84 +110,63 @@ nequar::Matrix<Real> dense_of(const Mirror<Real>& m) {
     return dense;
 }
 
-// What is wrong with the storage of a matrix, or how it differs from its mirror; "" when all is
-// well.
+// What is stored, if that is in order; elements of symmetric matrices lie below the diagonal.
 template <class Real>
-std::string fault_of(const nequar::CompressedColumns<Real>& s, const Mirror<Real>& m) {
+std::optional<Mirror<Real>> stored_in(const nequar::CompressedColumns<Real>& s) {
+    const bool is_lower = dynamic_cast<const nequar::SparseSymmetricMatrix<Real>*>(&s) != nullptr;
     const nequar::Vector<int>* start_vector = nullptr;
     const Real* values = nullptr;
-    const int* rows = nullptr;
-    const int* start = nullptr;
-    int width = 0, height = 0, count = 0, blank = -1;
-    s.z_gii(&start_vector, &values, &rows, &start, &width, &height, &count, &blank);
-    if (width != m.width || height != m.height || start_vector->vs() != width + 1) return "shape";
-    if (start[0] != 0 || start[width] != count) return "ends of the start pointers";
-    if (count != static_cast<int>(m.stored.size())) return "number of elements";
-    if (blank < 0 || blank != s.sbs()) return "blank space";
-    int k = 0;
-    int column = 0;
-    for (const auto& [place, v] : m.stored) {
-        while (start[column + 1] == k && column < place.first) ++column;
-        if (place.first != column || k < start[column] || k >= start[column + 1])
-            return "column of element " + std::to_string(k);
-        if (rows[k] != place.second) return "row of element " + std::to_string(k);
-        if (!(values[k] == v)) return "value of element " + std::to_string(k);
-        ++k;
+    const int *rows = nullptr, *start = nullptr;
+    Mirror<Real> m;
+    int count = 0, blank = -1;
+    s.z_gii(&start_vector, &values, &rows, &start, &m.width, &m.height, &count, &blank);
+    if (blank < 0 || blank != s.sbs()) return {};
+    if (m.width == 0 && count == 0) return m;  // moved from
+    if (start_vector->vs() != m.width + 1 || start[0] != 0 || start[m.width] != count) return {};
+    for (int x = 0; x < m.width; ++x) {
+        if (start[x] > start[x + 1]) return {};
+        int last = is_lower ? x - 1 : -1;
+        for (int k = start[x]; k < start[x + 1]; ++k) {
+            if (rows[k] <= last || rows[k] >= m.height) return {};
+            last = rows[k];
+            m.stored.emplace_hint(m.stored.end(), std::pair(x, last), values[k]);
+        }
     }
-    return "";
+    return m;
 }
-
 template <class Real>
-std::string fault_of(const nequar::SparseVector<Real>& s, const Mirror<Real>& m) {
+std::optional<Mirror<Real>> stored_in(const nequar::SparseVector<Real>& s) {
     const Real* values = nullptr;
     const int* indices = nullptr;
-    int dimension = 0, count = 0, blank = -1;
-    s.z_gii(&values, &indices, &dimension, &count, &blank);
-    if (dimension != m.height) return "dimension";
-    if (count != static_cast<int>(m.stored.size())) return "number of elements";
-    if (blank < 0 || blank != s.sbs()) return "blank space";
-    int k = 0;
-    for (const auto& [place, v] : m.stored) {
-        if (indices[k] != place.second) return "index of element " + std::to_string(k);
-        if (!(values[k] == v)) return "value of element " + std::to_string(k);
-        ++k;
+    Mirror<Real> m;
+    int count = 0, blank = -1, last = -1;
+    s.z_gii(&values, &indices, &m.height, &count, &blank);
+    if (blank < 0 || blank != s.sbs()) return {};
+    for (int k = 0; k < count; ++k) {
+        if (indices[k] <= last || indices[k] >= m.height) return {};
+        last = indices[k];
+        m.stored[{0, last}] = values[k];
     }
-    return "";
+    return m;
 }
 
-// Throws of a generator, or bytes that a fuzzer chose: after the last of them every throw is the
-// lowest.
-class Dice {
-public:
-    explicit Dice(unsigned seed = 1) : engine_(seed) {}
-    Dice(const unsigned char* bytes, std::size_t count)
-        : bytes_(bytes), end_(bytes + count), has_bytes_(true) {}
-
-    int operator()(int first, int last) {
-        if (has_bytes_) return is_used_up() ? first : first + *bytes_++ % (last - first + 1);
-        return std::uniform_int_distribution<int>(first, last)(engine_);
-    }
-    bool is_used_up() const { return bytes_ == end_; }
-    template <class Real>
-    Real value() {
-        return Real((*this)(-3, 3));
-    }
-
-private:
-    std::mt19937 engine_;
-    const unsigned char* bytes_ = nullptr;
-    const unsigned char* end_ = nullptr;
-    bool has_bytes_ = false;
-};
+// How the storage differs from its mirror, "" where it does not.
+template <class Sparse>
+std::string fault_of(const Sparse& s,
+                     const typename decltype(stored_in(std::declval<Sparse>()))::value_type& m) {
+    const auto found = stored_in(s);
+    if (!found) return "out of order";
+    return *found == m ? "" : "another shape, or another element";
+}
 
 // A random matrix, explicit zeros included.
 template <class Real>
-Mirror<Real> random_mirror(Dice& dice, int height, int width) {
+Mirror<Real> random_mirror(Input& input, int height, int width) {
     Mirror<Real> m{height, width, {}};
-    const int share = dice(0, 4);
+    const int share = input.in(0, 4);
     for (int x = 0; x < width; ++x)
         for (int y = 0; y < height; ++y)
-            if (dice(0, 3) < share) m.stored[{x, y}] = dice.value<Real>();
+            if (input.in(0, 3) < share) m.stored[{x, y}] = Real(input.in(-3, 3));
     return m;
 }
 
@@ -211,37 +192,21 @@ nequar::SparseVector<Real> vector_of(const Mirror<Real>& m) {
     return s;
 }
 
-// The failures of the last failing call, innermost first, as "method: detail" joined by " | ".
+// The failures of the last failing call, innermost first; the record is cleared.
 template <class Object>
 std::string failures_of(Object& object) {
-    std::string text = nequar::test::records_of(object);
+    const std::string text = nequar::test::records_of(object);
     object.cr_Clear_Record();
-    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos;)
-        text.replace(at, 1, " | ");
     return text;
 }
 
-// Every call fails with these records and leaves the object as it was.
-template <class Object>
-void expect_failures(Object& object,
-                     const std::vector<std::pair<std::string, std::function<bool()>>>& calls) {
-    const Object before = object;
-    for (const auto& [failures, call] : calls) {
-        EXPECT_FALSE(call()) << failures;
-        EXPECT_EQ(failures_of(object), failures);
-        EXPECT_TRUE(object == before && object.nee() == before.nee() &&
-                    object.sbs() == before.sbs())
-            << failures;
-    }
-}
-
 template <class T>
-nequar::GrowableVector<T> growable(std::initializer_list<T> list) {
+nequar::GrowableVector<T> growable(const std::vector<T>& list) {
     nequar::GrowableVector<T> g;
     for (const T v : list) g.ae_Append_Element(v);
     return g;
 }
-inline CNqVectorInt ints(std::initializer_list<int> list) {
+inline CNqVectorInt ints(const std::vector<int>& list) {
     CNqVectorInt v;
     v.c_Create(static_cast<int>(list.size()));
     std::copy(list.begin(), list.end(), v.p());
@@ -250,12 +215,26 @@ inline CNqVectorInt ints(std::initializer_list<int> list) {
 
 inline constexpr int kLargest = 7;  // of the sizes
 
+// One operation on a mirror and then on what it mirrors, which has to answer true.
+struct Step {
+    std::function<void()> mirrored;
+    std::function<bool()> done;
+
+    bool take() const {
+        mirrored();
+        return done();
+    }
+};
+
 // A matrix that is worked on, another operand, and their mirrors.
 template <class Sparse, class Real>
 struct Operands {
-    Dice dice;
+    Input input;
     Sparse a, b;
     Mirror<Real> ma, mb;
+
+    explicit Operands(Input decisions) : input(decisions) {}
+    bool get(int x, int y, Real* value) { return a.ge(x, y, value); }
 
     // One of the operations that general and symmetric matrices share, on element (x, y) or with
     // another matrix and its mirror; the return value of each has to be true. Symmetric matrices
@@ -267,61 +246,40 @@ struct Operands {
             else
                 ma.set(x, y, v);
         };
-        switch (which) {
-            case 0:
-                set();
-                return a.ace(x, y, v);
-            case 1:
-                ma.remove_zeros();
-                return a.rze();
-            case 2:
-                ma.add(mother, Real(1));
-                return a.amm(other);
-            case 3:
-                ma.add(mother, v);
-                return a.ammw(other, v);
-            case 4:
-                ma.add(mother, Real(-1));
-                return a.smm(other);
-            case 5:
-                ma.multiply(mother);
-                return a.mmme(other);
-            case 6:
-                ma.scale(v);
-                return a.mmc(v);
-            default:
-                set();
-                return a.se(x, y, v);
-        }
+        const Step steps[] = {
+            {set, [&] { return a.ace(x, y, v); }},
+            {[&] { ma.remove_zeros(); }, [&] { return a.rze(); }},
+            {[&] { ma.add(mother, Real(1)); }, [&] { return a.amm(other); }},
+            {[&] { ma.add(mother, v); }, [&] { return a.ammw(other, v); }},
+            {[&] { ma.add(mother, Real(-1)); }, [&] { return a.smm(other); }},
+            {[&] { ma.multiply(mother); }, [&] { return a.mmme(other); }},
+            {[&] { ma.scale(v); }, [&] { return a.mmc(v); }},
+            {set, [&] { return a.se(x, y, v); }},
+        };
+        return steps[std::min(which, 7)].take();
     }
 };
 
-// A hundred thousand steps, in episodes of forty that begin with a renewed matrix. After each step
-// the storage is in order and what is read is the whole matrix. Looking at the start pointers keeps
-// them up to date from then on: in every second episode only copies are looked at, and not after
-// each step.
+// Random steps, after each of which the storage is in order and what is read is the whole matrix.
+// Looking at the start pointers keeps them up to date from then on, a copy brings them up to date
+// once: some walks look now and then and at copies alone.
 template <class Sequence>
-void expect_sequence(Sequence& m, float largest_magnitude) {
-    bool looks_at_copies = false;
-    for (int step = 0; step < 100000; ++step) {
-        SCOPED_TRACE(step);
-        if (step % 40 == 0 || m.ma.largest_magnitude() > largest_magnitude) {
-            looks_at_copies = step % 80 < 40;
-            m.a = {};
-            m.renew();
-        }
-        ASSERT_TRUE(m.step()) << failures_of(m.a);
-        if (looks_at_copies && m.dice(0, 3) != 0) continue;
+void walk(Sequence m, float largest_magnitude, bool looks_at_copies_alone) {
+    while (!m.input.empty() && m.ma.largest_magnitude() < largest_magnitude) {
+        NEQUAR_REQUIRE(m.step());
+        const bool looks = m.input.in(0, 3) == 0;
+        if (looks_at_copies_alone && !looks) continue;
         const auto copy = m.a;
-        ASSERT_EQ(fault_of(looks_at_copies ? copy : m.a, m.ma), "");
-        ASSERT_EQ(fault_of(m.b, m.mb), "");
+        NEQUAR_REQUIRE(fault_of(copy, m.ma) == "");
+        if (looks && !looks_at_copies_alone) NEQUAR_REQUIRE(fault_of(m.a, m.ma) == "");
+        NEQUAR_REQUIRE(fault_of(m.b, m.mb) == "");
         const auto whole = m.whole();
         auto value = whole.at(0, 0);
         for (int x = 0; x < whole.width; ++x)
             for (int y = 0; y < whole.height; ++y)
-                ASSERT_TRUE(m.a.ge(x, y, &value) && value == whole.at(x, y));
+                NEQUAR_REQUIRE(m.get(x, y, &value) && value == whole.at(x, y));
     }
-    EXPECT_EQ(failures_of(m.a), "");
+    NEQUAR_REQUIRE(failures_of(m.a) == "");
 }
 
 }  // namespace sparse_test

@@ -36,33 +36,37 @@ struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
     using Base = Operands<nequar::SparseSymmetricMatrix<Real>, Real>;
     using Sparse = nequar::SparseSymmetricMatrix<Real>;
     using General = nequar::SparseMatrix<Real>;
-    using Base::a, Base::b, Base::dice, Base::ma, Base::mb;
+    using Base::a, Base::b, Base::input, Base::ma, Base::mb;
 
+    explicit Symmetrics(Input decisions) : Base(decisions) {
+        renew(a, ma, input.in(1, kLargest));
+        mb = ma;
+        b = a;
+    }
     void renew(Sparse& s, Mirror<Real>& m, int n) {
-        m = lower_of(random_mirror<Real>(dice, n, n));
+        m = lower_of(random_mirror<Real>(input, n, n));
         s = symmetric_of(m);
     }
-    void renew() { renew(a, ma, dice(1, kLargest)); }
     Mirror<Real> whole() const { return full_of(ma); }
 
     // Every eighth step or so looks at the statistics, too.
     bool step() {
-        if (dice(0, 7) == 0 && fault_of_statistics() != "") return false;
+        if (input.in(0, 7) == 0) check_statistics();
         const int n = ma.height;
-        const int x = dice(0, n - 1);
-        const int y = dice(0, n - 1);
-        const int dx = dice(1, n - x);
-        const int dy = dice(1, n - y);
-        const Real v = dice.template value<Real>();
-        const bool itself = dice(0, 3) == 0;
-        const bool lower = dice(0, 1) == 0;
+        const int x = input.in(0, n - 1);
+        const int y = input.in(0, n - 1);
+        const int dx = input.in(1, n - x);
+        const int dy = input.in(1, n - y);
+        const Real v = Real(input.in(-3, 3));
+        const bool itself = input.in(0, 3) == 0;
+        const bool lower = input.in(0, 1) == 0;
         if (!itself && mb.height != n) renew(b, mb, n);
         const Sparse* const other = itself ? &a : &b;
         const Mirror<Real>& mother = itself ? ma : mb;
-        const int which = dice(0, 18);
+        const int which = input.in(0, 18);
         switch (which) {
             case 11: {
-                const auto u = random_mirror<Real>(dice, n, 1);
+                const auto u = random_mirror<Real>(input, n, 1);
                 const auto us = vector_of(u);
                 Mirror<Real> product{n, n, {}};
                 product.add_product(u, u);
@@ -84,39 +88,34 @@ struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
             case 14: {
                 General exported;
                 nequar::Matrix<Real> dense;
-                return a.ex(&exported, &dense) && fault_of(exported, full_of(ma)) == "" &&
-                       dense == dense_of(full_of(ma));
+                return a.ex(&exported, &dense) && fault_of(exported, whole()) == "" &&
+                       dense == dense_of(whole());
             }
-            case 15: {  // from one half of a sparse matrix that is not symmetric
-                const Mirror<Real> general = random_mirror<Real>(dice, n, n);
-                const General from = matrix_of(general);
-                nequar::Matrix<Real> dense;
+            case 15:
+            case 16: {  // from one half of a matrix that is not symmetric, sparse or dense
+                const Mirror<Real> general = random_mirror<Real>(input, n, n);
+                const General sparse = matrix_of(general);
+                nequar::Matrix<Real> from = dense_of(general), dense;
                 ma = lower_of(lower ? general : general.transposed());
-                return a.im(&from, lower, itself ? nullptr : &dense) && a.sbs() == 4 &&
-                       (itself || dense == dense_of(full_of(ma)));
-            }
-            case 16: {  // from one half of a dense matrix that is not symmetric
-                const Mirror<Real> general = random_mirror<Real>(dice, n, n);
-                nequar::Matrix<Real> from = dense_of(general);
-                nequar::Matrix<Real> dense;
-                nequar::Matrix<Real>* const symmetric = itself ? &from : &dense;
-                ma = lower_of(lower ? general : general.transposed());
+                if (which == 15)
+                    return a.im(&sparse, lower, itself ? nullptr : &dense) && a.sbs() == 4 &&
+                           (itself || dense == dense_of(whole()));
                 ma.remove_zeros();
-                if (dice(0, 2) == 0) return a.im(&from, lower, nullptr);
-                return a.im(&from, lower, symmetric) && a.sbs() == 4 &&
-                       *symmetric == dense_of(full_of(ma));
+                if (input.in(0, 2) == 0) return a.im(&from, lower, nullptr);
+                return a.im(&from, lower, itself ? &from : &dense) && a.sbs() == 4 &&
+                       (itself ? from : dense) == dense_of(whole());
             }
             case 17: {
                 nequar::MatrixSymmetric<Real> packed;
-                nequar::Matrix<Real> dense = dense_of(full_of(ma));
+                nequar::Matrix<Real> dense = dense_of(whole());
                 packed.i_Import(&dense);
                 ma.remove_zeros();
-                return a.im(&packed, itself ? nullptr : &dense) && dense == dense_of(full_of(ma));
+                return a.im(&packed, itself ? nullptr : &dense) && dense == dense_of(whole());
             }
             case 18:
                 std::swap(ma, mb);
                 std::swap(a, b);
-                return a.mbs(dice(0, 3)) && (a = a * Real(2) / Real(2), true) &&
+                return a.mbs(input.in(0, 3)) && (a = a * Real(2) / Real(2), true) &&
                        a == symmetric_of(ma);
             case 10:
                 renew(b, mb, n);
@@ -127,42 +126,33 @@ struct Symmetrics : Operands<nequar::SparseSymmetricMatrix<Real>, Real> {
     }
 
     // What is said of the whole matrix, against a walk over all its elements.
-    std::string fault_of_statistics() {
-        const Mirror<Real> full = full_of(ma);
+    void check_statistics() {
+        const Mirror<Real> full = full_of(ma), full_b = full_of(mb);
         const int n = ma.height;
         Real sum = 0, squares = 0, distance = 0, largest = full.at(0, 0), least = largest;
         bool has_zero = false;
-        for (int x = 0; x < n; ++x)
-            for (int y = 0; y < n; ++y) {
-                const Real v = full.at(x, y);
-                const Real gap = v - full_of(mb).at(x, y);
-                sum += v;
-                squares += v * v;
-                distance += gap * gap;
-                largest = std::max(largest, v);
-                least = std::min(least, v);
-                has_zero = has_zero || v == Real(0);
-            }
-        const Real count = Real(n * n);
-        const Real mean = sum / count;
-        const Real variance = squares / count - mean * mean;
-        Real deviation = -1;
-        if (a.m() != mean || a.mst(deviation) != mean) return "mean";
-        if (!(std::abs(deviation * deviation - variance) <= Real(1e-4) * (squares / count)))
-            return "deviation";
-        if (!(std::abs(a.nf() - std::sqrt(squares)) <= Real(1e-6) * std::sqrt(squares)))
-            return "norm";
-        if (mb.height == n && a.mse(&b) != distance / count) return "distance";
-        int x = -1, y = -1;
-        if (a.itze() != has_zero || a.fize(x, y) != has_zero) return "zero elements";
-        if (has_zero && full.at(x, y) != Real(0)) return "place of a zero element";
-        int xs[2] = {-1, -1}, ys[2] = {-1, -1};
-        Real minimum = -1;
-        if (a.maxmin(minimum, &xs[0], &ys[0], &xs[1], &ys[1]) != largest || minimum != least ||
-            a.max() != largest || a.min() != least)
-            return "extrema";
-        if (full.at(xs[0], ys[0]) != largest || full.at(xs[1], ys[1]) != least) return "places";
-        return "";
+        for (int k = 0; k < n * n; ++k) {
+            const Real v = full.at(k / n, k % n), gap = v - full_b.at(k / n, k % n);
+            sum += v;
+            squares += v * v;
+            distance += gap * gap;
+            largest = std::max(largest, v);
+            least = std::min(least, v);
+            has_zero = has_zero || v == Real(0);
+        }
+        const Real count = Real(n * n), mean = sum / count;
+        Real deviation = -1, minimum = -1;
+        int x = -1, y = -1, low_x = -1, low_y = -1;
+        NEQUAR_REQUIRE(a.m() == mean && a.mst(deviation) == mean);
+        const Real variance_error = deviation * deviation + mean * mean - squares / count;
+        NEQUAR_REQUIRE(std::abs(variance_error) <= Real(1e-4) * (squares / count));
+        NEQUAR_REQUIRE(std::abs(a.nf() - std::sqrt(squares)) <= Real(1e-6) * std::sqrt(squares));
+        NEQUAR_REQUIRE(mb.height != n || a.mse(&b) == distance / count);
+        NEQUAR_REQUIRE(a.itze() == has_zero && a.fize(x, y) == has_zero);
+        NEQUAR_REQUIRE(!has_zero || full.at(x, y) == Real(0));
+        NEQUAR_REQUIRE(a.max() == largest && a.min() == least);
+        NEQUAR_REQUIRE(a.maxmin(minimum, &x, &y, &low_x, &low_y) == largest && minimum == least);
+        NEQUAR_REQUIRE(full.at(x, y) == largest && full.at(low_x, low_y) == least);
     }
 };
 

@@ -1,10 +1,9 @@
-// What the tests of packed matrices share: the two twins as type parameters, the failures of a call
-// as text, and a plain enumeration of the stored elements to hold every index rule against.
+// The packed classes as type parameters: what they differ in, and where their elements are stored.
 #pragma once
 
 #include <string>
+#include <tuple>
 #include <type_traits>
-#include <vector>
 
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/structured.h"
@@ -21,126 +20,102 @@ std::string failures_of(Object& object) {
     return text;
 }
 
-inline const std::string kRefused = "zivs_Initialize_and_Vector_Size: 1\nc_Create: 1";
-
-// The packed classes as type parameters.
-struct AnyDiagonal {
-    static constexpr const char* element_failure = "ge_Get_Element: 1";
-    static constexpr const char* setting_failure = "se_Set_Element: 2";
-    static constexpr const char* getting_band_failure = "gb_Get_Band: 2";
-    static constexpr const char* setting_band_failure = "sb_Set_Band: 2";
-};
-struct AnyPacked {
-    static constexpr const char* element_failure = "fi_Find_Index_of_element: 2";
-    static constexpr const char* setting_failure = "fi_Find_Index_of_element: 2";
-    static constexpr const char* getting_band_failure = "fib_Find_Index_range_of_a_Band: 2";
-    static constexpr const char* setting_band_failure = "fib_Find_Index_range_of_a_Band: 2";
+// Elements are stored where -q <= y - x <= p; of symmetric ones those of either half are one.
+struct Shape {
+    int height = 1, width = 1, p = 0, q = 0;
+    bool has(int x, int y) const { return y - x <= p && x - y <= q; }
 };
 
-#define NEQUAR_PACKED_KIND(Kind, Base, Number, Class) \
-    struct Kind : Base {                              \
-        using Real = Number;                          \
-        using Packed = Class;                         \
-        static constexpr const char* name = #Class;   \
-    };
-NEQUAR_PACKED_KIND(Diagonal, AnyDiagonal, double, CNqMatrix_Diagonal)
-NEQUAR_PACKED_KIND(DiagonalFloat, AnyDiagonal, float, CNqMatrixFloat_Diagonal)
-NEQUAR_PACKED_KIND(Symmetric, AnyPacked, double, CNqMatrix_Symmetric)
-NEQUAR_PACKED_KIND(SymmetricFloat, AnyPacked, float, CNqMatrixFloat_Symmetric)
-NEQUAR_PACKED_KIND(Lower, AnyPacked, double, CNqMatrix_TriangularLower)
-NEQUAR_PACKED_KIND(LowerFloat, AnyPacked, float, CNqMatrixFloat_TriangularLower)
-NEQUAR_PACKED_KIND(Upper, AnyPacked, double, CNqMatrix_TriangularUpper)
-NEQUAR_PACKED_KIND(UpperFloat, AnyPacked, float, CNqMatrixFloat_TriangularUpper)
-#undef NEQUAR_PACKED_KIND
-template <class Number>
-struct Band {
+enum class Form { diagonal, symmetric, lower, upper, band, band_symmetric };
+
+template <class Number, Form kForm>
+struct Kind {
     using Real = Number;
-    using Packed = nequar::MatrixBand<Number>;
-};
-template <class Number>
-struct BandSymmetric {
-    using Real = Number;
-    using Packed = nequar::MatrixBandSymmetric<Number>;
-};
+    using Packed = std::tuple_element_t<
+        std::size_t(kForm),
+        std::tuple<nequar::MatrixDiagonal<Number>, nequar::MatrixSymmetric<Number>,
+                   nequar::MatrixTriangular<Number, nequar::TriangleSide::lower>,
+                   nequar::MatrixTriangular<Number, nequar::TriangleSide::upper>,
+                   nequar::MatrixBand<Number>, nequar::MatrixBandSymmetric<Number>>>;
+    static constexpr bool is_diagonal = kForm == Form::diagonal;
+    static constexpr bool is_symmetric = kForm == Form::symmetric;
+    static constexpr bool is_lower = kForm == Form::lower;
+    static constexpr bool is_upper = kForm == Form::upper;
+    static constexpr bool is_band = kForm == Form::band;
+    static constexpr bool is_band_symmetric = kForm == Form::band_symmetric;
+    static constexpr bool is_triangle = is_lower || is_upper;
+    static constexpr bool is_mirrored = is_symmetric || is_band_symmetric;
 
-template <class Kind>
-inline constexpr bool is_lower = std::is_same_v<Kind, Lower> || std::is_same_v<Kind, LowerFloat>;
-template <class Kind>
-inline constexpr bool is_diagonal = std::is_base_of_v<AnyDiagonal, Kind>;
-template <class Kind>
-inline constexpr bool is_symmetric =
-    std::is_same_v<Kind, Symmetric> || std::is_same_v<Kind, SymmetricFloat>;
-
-template <class Kind>
-inline constexpr bool is_band_symmetric =
-    std::is_same_v<typename Kind::Packed, nequar::MatrixBandSymmetric<typename Kind::Real>>;
-template <class Kind>
-inline constexpr bool is_band =
-    is_band_symmetric<Kind> ||
-    std::is_same_v<typename Kind::Packed, nequar::MatrixBand<typename Kind::Real>>;
-template <class Kind>  // an element stands for its mirror, too
-inline constexpr bool is_mirrored = is_symmetric<Kind> || is_band_symmetric<Kind>;
-
-// The forms of import and export that differ in their arguments.
-template <class Kind>
-void import_square(typename Kind::Packed& packed, int n, const typename Kind::Real* elements) {
-    if constexpr (is_symmetric<Kind>) {
-        packed.i_Import(true, n, elements);
-    } else {
-        packed.i_Import(true, n, n, elements);
+    static std::string name() {
+        constexpr const char* names[] = {"Diagonal",        "Symmetric", "TriangularLower",
+                                         "TriangularUpper", "Band",      "Band_Symmetric"};
+        const std::string twin = std::is_same_v<Number, double> ? "" : "Float";
+        return "CNqMatrix" + twin + "_" + names[int(kForm)];
     }
-}
-template <class Kind>
-void export_to(const typename Kind::Packed& packed, nequar::Matrix<typename Kind::Real>& dense) {
-    if constexpr (is_symmetric<Kind>) {
-        packed.e_Export(&dense);
-    } else {
-        packed.e_Export(&dense, true);
-    }
-}
 
-struct Position {
-    int x;
-    int y;
+    static bool is_legal(const Shape& s) {
+        if (s.height < 1 || (!is_band_symmetric && s.width < 1)) return false;
+        if (is_symmetric) return s.height == s.width;
+        if (is_band && (s.q < 0 || s.q >= s.width)) return false;
+        return !(is_band || is_band_symmetric) || (s.p >= 0 && s.p < s.height);
+    }
+    static std::string refusal(const Shape& s) {
+        const bool is_flat = is_diagonal && s.height < s.width;
+        return std::string("zivs_Initialize_and_Vector_Size: ") + (is_flat ? "2" : "1") +
+               "\nc_Create: 1";
+    }
+    // With the bandwidths that the class has.
+    static Shape limited(const Shape& s) {
+        if (is_diagonal) return {s.height, s.width, 0, 0};
+        if (is_triangle)
+            return {s.height, s.width, is_lower ? s.height : 0, is_lower ? 0 : s.width};
+        if (is_symmetric) return {s.height, s.height, s.height, s.height};
+        return is_band ? s : Shape{s.height, s.height, s.p, s.p};
+    }
+
+    // call(p, q), call(b) or call(): operations end with the bandwidths.
+    template <class Call>
+    static void with_bands(const Shape& s, const Call& call) {
+        if constexpr (is_band)
+            call(s.p, s.q);
+        else if constexpr (is_band_symmetric)
+            call(s.p);
+        else
+            call();
+    }
+    template <class... Value>
+    static void create(Packed& m, const Shape& s, Value... value) {
+        with_bands(s, [&](auto... bands) {
+            if constexpr (is_band_symmetric)
+                m.c_Create(s.height, bands..., value...);
+            else
+                m.c_Create(s.height, s.width, bands..., value...);
+        });
+    }
+    // From a dense array by rows, of symmetric matrices the average of both halves.
+    static void import(Packed& m, const Shape& s, const Number* elements) {
+        with_bands(s, [&](auto... bands) {
+            if constexpr (is_mirrored)
+                m.i_Import(true, s.height, elements, bands...);
+            else
+                m.i_Import(true, s.height, s.width, elements, bands...);
+        });
+    }
+    static nequar::Matrix<Number> exported(const Packed& m) {
+        nequar::Matrix<Number> dense;
+        if constexpr (is_symmetric)
+            m.e_Export(&dense);
+        else
+            m.e_Export(&dense, true);
+        return dense;
+    }
 };
 
-// Every position inside height x width at distance d below (above) the diagonal, d = 0, 1, ...,
-// running down within each d.
-inline std::vector<Position> stored_positions(bool lower, int height, int width) {
-    std::vector<Position> positions;
-    for (int d = 0; d < (lower ? height : width); ++d) {
-        for (int p = 0;; ++p) {
-            const Position at = lower ? Position{p, p + d} : Position{p + d, p};
-            if (at.x >= width || at.y >= height) break;
-            positions.push_back(at);
-        }
-    }
-    return positions;
-}
-
-// A dense height x width matrix of different numbers, row by row.
-template <class Real>
-std::vector<Real> numbered(int height, int width) {
-    std::vector<Real> elements;
-    for (int i = 0; i < height * width; ++i) elements.push_back(Real(1 + i));
-    return elements;
-}
-
-template <class Real>
-nequar::Matrix<Real> dense_of(int height, int width, const std::vector<Real>& elements) {
-    nequar::Matrix<Real> matrix;
-    matrix.c_Create(height, width);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) matrix[y][x] = elements[std::size_t(y * width + x)];
-    return matrix;
-}
-
-template <class Real>
-std::vector<Real> transposed(int height, int width, const std::vector<Real>& elements) {
-    std::vector<Real> result;
-    for (int x = 0; x < width; ++x)
-        for (int y = 0; y < height; ++y) result.push_back(elements[std::size_t(y * width + x)]);
-    return result;
-}
+using AllKinds =
+    testing::Types<Kind<double, Form::diagonal>, Kind<float, Form::diagonal>,
+                   Kind<double, Form::symmetric>, Kind<float, Form::symmetric>,
+                   Kind<double, Form::lower>, Kind<float, Form::lower>, Kind<double, Form::upper>,
+                   Kind<float, Form::upper>, Kind<double, Form::band>, Kind<float, Form::band>,
+                   Kind<double, Form::band_symmetric>, Kind<float, Form::band_symmetric>>;
 
 }  // namespace packed_test

@@ -3,7 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "support/residual.h"
+#include "structured/generated_support.h"
+#include "support/chain.h"
 #include "support/twins.h"
 
 namespace {
@@ -24,18 +25,11 @@ TWIN_TEST(VandermondeTest, InterpolatesAndSolves) {
 
     for (const int n : {1, 2, 3, 5, 8, 13, 16}) {
         SCOPED_TRACE(n);
-        Vector<Real> nodes;
-        Vector<Real> data;
-        nodes.c_Create(n);
-        data.c_Create(n);
-        for (int i = 0; i < n; ++i) {
-            nodes[i] = Real(-1 + 2.0 * (i + 0.5) / n);
-            data[i] = Real(std::cos(2.0 * i));
-        }
+        const auto nodes = generated_vector<Real>(n, [n](int i) { return (2 * i + 1.0) / n - 1; });
+        const auto data = generated_vector<Real>(n, [](int i) { return std::cos(2.0 * i); });
         MatrixVandermonde<Real> v;
         ASSERT_TRUE(v.im_Import(nodes));
-        Matrix<Real> matrix;
-        Matrix<Real> transposed;
+        Matrix<Real> matrix, transposed;
         v.ex_Export(&matrix, &transposed, nullptr);
         auto x = data;
         ASSERT_TRUE(v.sle_Solve_Linear_Equation(x));
@@ -58,36 +52,32 @@ TWIN_TEST(VandermondeTest, InterpolatesAndSolves) {
 }
 
 TWIN_TEST(VandermondeTest, RefusesEqualNodesAndOtherSizes) {
-    constexpr const char* kEqual = "All the elements should be different !!!";
+    const std::string equal = "All the elements should be different !!!";
+    const std::string coefficients = "u_fcp_Find_Coefficients_of_Polynomial: ";
     const MatrixVandermonde<Real> any;
     const auto data = vector_of<Real>({1, 2, 3});
-    struct Row {
-        Vector<Real> nodes;
+    auto f = data;
+    const struct {
+        std::initializer_list<double> nodes;
         bool test;
-        const char* detail;
-    };
-    const Row rows[] = {{vector_of<Real>({1, 1, 2}), true, kEqual},
-                        {vector_of<Real>({0, 5, -0.0}), true, kEqual},
-                        {vector_of<Real>({1, 2}), true, "1"},
-                        {vector_of<Real>({1, 1}), false, "1"},
-                        {vector_of<Real>({1, 2, 3, 3}), true, kEqual}};
-    const std::string name = any.gcn_Get_Class_Name().c_str();
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.nodes);
-        auto f = data;
-        EXPECT_FALSE(any.u_fcp_Find_Coefficients_of_Polynomial(row.nodes, f, row.test));
-        EXPECT_EQ(any.gft_Get_Failure_Trace().c_str(),
-                  name + "::u_fcp_Find_Coefficients_of_Polynomial: " + row.detail);
-        EXPECT_FALSE(any.u_sle_Solve_Linear_Equation(row.nodes, f, row.test));
-        EXPECT_EQ(any.gft_Get_Failure_Trace().c_str(),
-                  name + "::u_sle_Solve_Linear_Equation: " + row.detail);
+        std::string detail;
+    } rows[] = {{{1, 1, 2}, true, equal},
+                {{0, 5, -0.0}, true, equal},
+                {{1, 2}, true, "1"},
+                {{1, 1}, false, "1"},
+                {{1, 2, 3, 3}, true, equal}};
+    for (const auto& row : rows) {
+        const auto nodes = vector_of<Real>(row.nodes);
+        SCOPED_TRACE(testing::Message() << nodes);
+        EXPECT_TRUE(fails_as(any, coefficients + row.detail,
+                             any.u_fcp_Find_Coefficients_of_Polynomial(nodes, f, row.test)));
+        EXPECT_TRUE(fails_as(any, "u_sle_Solve_Linear_Equation: " + row.detail,
+                             any.u_sle_Solve_Linear_Equation(nodes, f, row.test)));
         EXPECT_TRUE(f == data);
     }
     MatrixVandermonde<Real> v;
-    EXPECT_FALSE(v.im_Import(rows[0].nodes));
-    EXPECT_EQ(v.gft_Get_Failure_Trace().c_str(), name + "::im_Import: " + kEqual);
+    EXPECT_TRUE(fails_as(v, "im_Import: " + equal, v.im_Import(vector_of<Real>({1, 1, 2}))));
     EXPECT_EQ(v.ge_Get_Element(2, 1), Real(2));
-    auto f = data;
     EXPECT_FALSE(v.fcp_Find_Coefficients_of_Polynomial(f));
     // Without the test equal or endless nodes never give plausible numbers.
     constexpr double inf = std::numeric_limits<double>::infinity();
@@ -101,42 +91,23 @@ TWIN_TEST(VandermondeTest, RefusesEqualNodesAndOtherSizes) {
 }
 
 TWIN_TEST(VandermondeTest, ElementsRowsAndExportsAgree) {
-    MatrixVandermonde<Real> v;
+    MatrixVandermonde<Real> v, other;
     EXPECT_EQ(v.ge_Get_Element(3, 7), Real(1));
     const int n = 9;
-    Vector<Real> nodes;
-    nodes.c_Create(n);
-    for (int i = 0; i < n; ++i) nodes[i] = Real(i) / 3 - 1;
-    ASSERT_TRUE(v.im_Import(nodes));
-    Matrix<Real> matrix;
-    Matrix<Real> transposed;
     Vector<Real> same;
+    const auto nodes = generated_vector<Real>(n, [](int i) { return Real(i) / 3 - 1; });
+    ASSERT_TRUE(v.im_Import(nodes));
+    Matrix<Real> matrix, transposed;
     v.ex_Export(&matrix, &transposed, &same);
     EXPECT_TRUE(same == nodes);
     EXPECT_TRUE(transposed == test::transposed(matrix));
-    Real rows[n * n];
-    Real columns[n * n];
-    int order = 0;
-    v.ex_Export(true, rows, &order);
-    v.ex_Export(false, columns, &order);
-    EXPECT_EQ(order, n);
-    for (int y = 0; y < n; ++y) {
-        Vector<Real> row;
-        Real column[n];
-        v.gr_Get_Row(y - n, &row);
-        v.gc_Get_Column(y + n, column);
+    for (int y = 0; y < n; ++y)
         for (int x = 0; x < n; ++x) {
             const double expected = std::pow(double(nodes[x]), y);
             EXPECT_LE(std::abs(double(matrix[y][x]) - expected),
                       8 * kEpsilon<Real> * std::abs(expected));
-            EXPECT_EQ(v.ge_Get_Element(x - n, y + 2 * n), matrix[y][x]);
-            EXPECT_EQ(row[x], matrix[y][x]);
-            EXPECT_EQ(column[x], matrix[x][y]);
-            EXPECT_EQ(rows[y * n + x], matrix[y][x]);
-            EXPECT_EQ(columns[x * n + y], matrix[y][x]);
         }
-    }
-    MatrixVandermonde<Real> other;
+    expect_elements(v, matrix);
     EXPECT_TRUE(other != v);
     other.cp_Copy(&v);
     EXPECT_TRUE(other == v);

@@ -89,7 +89,10 @@ void jacobi_classical(View<Real> a, Real* d, const View<Real>* vt, std::int64_t 
         }
         if (std::sqrt(sum) <= tolerance) return;
         const Real apq = a(p, q);
-        if (!(std::abs(apq) > 0)) continue;
+        if (!(std::abs(apq) > 0)) {  // NaN alone is left, and stays
+            counts.sweeps = max_rotations;
+            return;
+        }
         const Angle<Real> angle = annihilate(apq, d[p], d[q]);
         rotate_upper([&a](Size i, Size j) -> Real& { return a(i, j); }, n, p, q, angle);
         a(p, q) = 0;
@@ -229,11 +232,17 @@ Outcome jacobi(JacobiMode mode, View<Real> a, Real* d, const View<Real>* vt,
         Real threshold = 0;
         if (mode == JacobiMode::threshold && counts.sweeps < 3)
             threshold = Real(0.2) * off / (Real(n) * Real(n)) / unit;
+        const std::int64_t before = counts.annihilated;
         for (Size p = 0; p + 1 < n; p += kRows) {
             const Size count = n - 1 - p < kRows ? n - 1 - p : kRows;
             for (Size i = 0; i < count; ++i)
                 rotate_row(a, d, p + i, threshold, pairs + i * 2 * n, lines, counts.annihilated);
             if (vt != nullptr) rotate_vectors(*vt, p, count, pairs, 2 * n);
+        }
+        if (threshold == 0 && counts.annihilated == before) {
+            // NaN alone is left: the sweeps that remain would change nothing.
+            counts.sweeps = max_sweeps;
+            break;
         }
         finish_sweep(a);
         off = 2 * sum_above_diagonal(reading(a));
