@@ -8,10 +8,8 @@
 #include "support/stated_schemes.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 using kernel::Triangle;
 
@@ -90,4 +88,4 @@ TWIN_TEST(CholeskyAlgorithm, SymmetryIsExact) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -11,10 +11,8 @@
 #include "support/stated_schemes.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 // What a factorization leaves, in the form of the stated one.
 template <class Real, class Factor>
@@ -236,4 +234,4 @@ TWIN_TEST(LuAlgorithm, PartialPivotingOfSmallMatricesHasTheBitsOfThePanel) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -8,10 +8,8 @@
 #include "support/residual.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 enum class Form { qr, ql, rq, lq };
 constexpr Form kForms[] = {Form::qr, Form::ql, Form::rq, Form::lq};
@@ -301,4 +299,4 @@ TWIN_TEST(OrthogonalFactorizations, HessenbergForms) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -5,10 +5,8 @@
 #include "factorization/orthogonal_checks.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 struct Pivoted {
@@ -152,4 +150,4 @@ TWIN_TEST(PivotedQr, CompleteOrthogonalDecompositionRebuildsTheMatrix) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -8,10 +8,8 @@
 #include "support/residual.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 TWINS(RotationSweepsTest);
 
@@ -54,4 +52,4 @@ TWIN_TEST(RotationSweepsTest, BatchesOfSweepsOverChangingRanges) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -8,10 +8,8 @@
 #include "support/residual.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 class SingularValues : public testing::Test {
@@ -303,4 +301,4 @@ TWIN_TEST(SingularValues, SubspaceRefusals) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

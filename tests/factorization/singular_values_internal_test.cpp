@@ -8,10 +8,8 @@
 #include "factorization/orthogonal_checks.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 TWINS(SingularValueAlgorithms);
 
@@ -156,4 +154,4 @@ TWIN_TEST(SingularValueAlgorithms, MatricesOfAllShapesAndRanges) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

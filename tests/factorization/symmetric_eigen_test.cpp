@@ -12,10 +12,8 @@
 #include "support/residual.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 constexpr int kByQr = 9;  // beside the Jacobi modes 0, 1, 2
 
@@ -383,4 +381,4 @@ TWIN_TEST(SymmetricEigen, RefusalsAndPositiveDefiniteness) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -9,10 +9,8 @@
 #include "support/stated_schemes.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 class TriangularFactorizations : public testing::Test {
@@ -273,4 +271,4 @@ TWIN_TEST(TriangularFactorizations, ConditionNumber) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

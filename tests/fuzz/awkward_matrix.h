@@ -3,13 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 #include "fuzz/input.h"
 #include "support/matrix_gallery.h"
 #include "support/residual.h"
 
 namespace nequar::fuzz {
+
+using test::Wide;
 
 // A size of at most `largest`; now and then one that reaches the blocked algorithms.
 inline int some_order(Input& input, int largest = 6) {
@@ -47,60 +48,14 @@ bool has_nan(const Matrix<Real>& a) {
     return std::isnan(test::largest_of(a));
 }
 
-// Products in long double, which has the range and the digits for them.
-struct Wide {
-    int height = 0;
-    int width = 0;
-    std::vector<long double> elements;
-
-    Wide(int h, int w) : height(h), width(w), elements(std::size_t(h) * std::size_t(w)) {}
-    template <class Real>
-    Wide(const Matrix<Real>& a) : Wide(a.mh(), a.mw()) {
-        for (int i = 0; i < height; ++i)
-            for (int j = 0; j < width; ++j) at(i, j) = a[i][j];
-    }
-    long double& at(int i, int j) { return elements[std::size_t(i * width + j)]; }
-    long double at(int i, int j) const { return elements[std::size_t(i * width + j)]; }
-    long double largest() const {
-        long double most = 0;
-        for (const long double e : elements)
-            most = std::isnan(e) || !(std::abs(e) <= most) ? std::abs(e) : most;
-        return most;
-    }
-    Wide magnitudes() const {
-        Wide m = *this;
-        for (long double& e : m.elements) e = std::abs(e);
-        return m;
-    }
-    Wide transposed() const {
-        Wide t(width, height);
-        for (int i = 0; i < height; ++i)
-            for (int j = 0; j < width; ++j) t.at(j, i) = at(i, j);
-        return t;
-    }
-};
-
-inline Wide operator*(const Wide& a, const Wide& b) {
-    NEQUAR_REQUIRE(a.width == b.height);
-    Wide c(a.height, b.width);
-    for (int i = 0; i < a.height; ++i)
-        for (int k = 0; k < a.width; ++k)
-            for (int j = 0; j < b.width; ++j) c.at(i, j) += a.at(i, k) * b.at(k, j);
-    return c;
-}
-
 // Whether |A - B| <= kBound n eps scale, subnormal roundings allowed for; NaN says no.
 inline constexpr long double kBound = 30;
 
 template <class Real>
 bool agree(const Wide& a, const Wide& b, long double scale) {
-    if (a.height != b.height || a.width != b.width) return false;
     using L = std::numeric_limits<Real>;
     const long double n = std::max(a.height, a.width);
-    const long double bound = kBound * n * (scale * L::epsilon() + L::denorm_min());
-    for (std::size_t k = 0; k < a.elements.size(); ++k)
-        if (!(std::abs(a.elements[k] - b.elements[k]) <= bound)) return false;
-    return true;
+    return (a - b).largest() <= kBound * n * (scale * L::epsilon() + L::denorm_min());
 }
 
 template <class Real>

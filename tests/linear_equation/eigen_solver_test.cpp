@@ -10,10 +10,8 @@
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 TWINS(EigenSolves);
 
@@ -44,12 +42,14 @@ TWIN_TEST(EigenSolves, SolvesAndInverses) {
         const auto solve = [&](auto... to) {
             return f.u_sev_Solve_based_on_EVD(&v, &values, none, to...);
         };
-        expect_solves(a, 3, 30, [&](auto*, auto* b, auto* x) { return solve(b, x); });
-        expect_solves_arrays(a, 3, 30, solve);
+        const auto invert = [&](auto* out) {
+            return f.u_iev_Inverse_matrix_based_on_EVD(&v, &values, none, out);
+        };
+        expect_factors_solve(a, 3, 30, solve, invert);
         ASSERT_TRUE(f.iev_Inverse_matrix_based_on_EVD(&s, tolerance, &inverse));
         ASSERT_TRUE(f.piev_Pseudo_Inverse_matrix_based_on_EVD(&s, tolerance, &pseudo));
         EXPECT_TRUE(pseudo == inverse);
-        ASSERT_TRUE(f.u_iev_Inverse_matrix_based_on_EVD(&v, &values, Real(0), &v));
+        ASSERT_TRUE(invert(&v));
         EXPECT_TRUE(v == inverse);
     }
 }
@@ -79,6 +79,12 @@ TWIN_TEST(EigenSolves, PseudoInverseOfDeficientRank) {
     Matrix<Real> x;
     ASSERT_TRUE(f.piev_Pseudo_Inverse_matrix_based_on_EVD(&zero, Real(0), &x));
     EXPECT_EQ(largest_of(x), 0.0);
+    // one vector alone, which takes the inverse
+    auto v = matrix_of<Real>(3, 1, {1, 0, 0});
+    MatrixDiagonal<Real> d;
+    d.c_Create(1, 1, Real(2));
+    ASSERT_TRUE(f.u_piev_Pseudo_Inverse_matrix_based_on_EVD(&v, &d, Real(0), &v));
+    EXPECT_TRUE(v == matrix_of<Real>(3, 3, {0.5, 0, 0, 0, 0, 0, 0, 0, 0}));
 }
 
 // The rank by eigenvalues and by singular values, or the detail.
@@ -180,4 +186,4 @@ TWIN_TEST(EigenSolves, BandProducts) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

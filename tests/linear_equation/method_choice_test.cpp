@@ -7,10 +7,8 @@
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 class MethodChoice : public testing::Test {
@@ -165,4 +163,4 @@ TWIN_TEST(MethodChoice, HomogeneousUnderAConstraint) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

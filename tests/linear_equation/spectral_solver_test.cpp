@@ -8,10 +8,8 @@
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 class SpectralSolvers : public testing::Test {
@@ -177,4 +175,4 @@ TWIN_TEST(SpectralSolvers, SingularValuesThatOverflowGiveNoRank) {
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

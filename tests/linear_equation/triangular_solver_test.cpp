@@ -9,10 +9,8 @@
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
-namespace nequar {
+namespace nequar::test {
 namespace {
-
-using namespace test;
 
 template <class Real>
 class TriangularSolvers : public testing::Test {
@@ -99,22 +97,15 @@ TWIN_TEST(TriangularSolvers, FactorsSolveInEveryLayout) {
         this->prepare(n, k);
         ASSERT_TRUE(this->factor());
         const Matrix<Real>& matrix = this->a;
-        const auto check = [&](const auto& solve, const auto& invert) {
-            expect_solves(matrix, k, 3, [&](auto*, auto* in, auto* x) { return solve(in, x); });
-            expect_inverts(matrix, 3, [&](auto*, auto* x) { return invert(x); });
-        };
-        const auto lower = [&](auto... args) {
-            return f.u_sll_Solve_based_on_LLD(&this->ll, args...);
-        };
-        const auto upper = [&](auto... args) {
-            return f.u_suu_Solve_based_on_UUD(&this->uu, args...);
-        };
-        check(lower, [&](auto* x) { return f.u_ill_Inverse_matrix_based_on_LLD(&this->ll, x); });
-        check(upper, [&](auto* x) { return f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, x); });
-        expect_solves_arrays(matrix, k, 3, lower);
-        expect_solves_arrays(matrix, k, 3, upper);
-        check([&](auto* in, auto* x) { return this->solve_with_lu(in, x); },
-              [&](auto* x) { return this->invert_with_lu(x); });
+        expect_factors_solve(
+            matrix, k, 3, [&](auto... to) { return f.u_sll_Solve_based_on_LLD(&this->ll, to...); },
+            [&](auto* x) { return f.u_ill_Inverse_matrix_based_on_LLD(&this->ll, x); });
+        expect_factors_solve(
+            matrix, k, 3, [&](auto... to) { return f.u_suu_Solve_based_on_UUD(&this->uu, to...); },
+            [&](auto* x) { return f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, x); });
+        expect_solves(matrix, k, 3,
+                      [&](auto*, auto* in, auto* x) { return this->solve_with_lu(in, x); });
+        expect_inverts(matrix, 3, [&](auto*, auto* x) { return this->invert_with_lu(x); });
 
         // With LU and without row_major: read row by row, written column by column.
         Matrix<Real> x, rows = this->b, columns = this->b;
@@ -206,43 +197,41 @@ TWIN_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
     ASSERT_TRUE(this->factor());
     Matrix<Real> x = random_matrix<Real>(1, 2);
     const Matrix<Real> kept = x;
+    const std::string lu = "u_slu_Solve_based_on_LUD: ", lower = "u_sll_Solve_based_on_LLD: ",
+                      upper = "u_suu_Solve_based_on_UUD: ";
+    Real data[8] = {};
     const auto solve = [&] { return this->solve_with_lu(&this->b, &x); };
     for (const int entry :
          {-1, 4, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
         const int good = this->perm[2];
         this->perm[2] = entry;
-        this->expect_refused(solve(), {"u_slu_Solve_based_on_LUD: 1"});
-        Real data[8] = {};
+        this->expect_refused(solve(), {lu + "1"});
         EXPECT_FALSE(this->solve_with_lu(data, false, 2, 4));
-        this->expect_refused(this->invert_with_lu(&x), {"u_slu_Solve_based_on_LUD: 1",
-                                                        "u_ilu_Inverse_matrix_based_on_LUD: 2"});
+        this->expect_refused(this->invert_with_lu(&x),
+                             {lu + "1", "u_ilu_Inverse_matrix_based_on_LUD: 2"});
         this->perm[2] = good;
     }
-    Real data[8] = {};
     for (const auto& [k, n] : {std::pair{0, 4}, {-2, 4}, {2, 3}, {2, -4}, {2, 5}})
         EXPECT_FALSE(this->solve_with_lu(data, true, k, n));
     EXPECT_FALSE(f.u_sll_Solve_based_on_LLD(&this->ll, data, true, 2, 3));
-    this->expect_refused(f.u_suu_Solve_based_on_UUD(&this->uu, data, true, 2, -4),
-                         {"u_suu_Solve_based_on_UUD: 1"});
+    this->expect_refused(f.u_suu_Solve_based_on_UUD(&this->uu, data, true, 2, -4), {upper + "1"});
     EXPECT_TRUE(f.u_sll_Solve_based_on_LLD(&this->ll, data, true, -3, 4));  // k is not checked
     EXPECT_TRUE(f.u_suu_Solve_based_on_UUD(&this->uu, data, false, 0, 4));
 
     // Exact zeros on a diagonal, NaN passes.
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     this->u.se_Set_Element(3, 3, 0);
-    this->expect_refused(solve(), {"u_slu_Solve_based_on_LUD: 2"});
+    this->expect_refused(solve(), {lu + "2"});
     this->u.se_Set_Element(3, 3, nan);
-    EXPECT_TRUE(solve());
-    EXPECT_TRUE(std::isnan(x[0][0]));
+    EXPECT_TRUE(solve() && std::isnan(x[0][0]));
     x = kept;
     this->l.se_Set_Element(0, 0, Real(-0.0));
     EXPECT_FALSE(solve());
     this->ll.se_Set_Element(1, 1, 0);
     this->uu.se_Set_Element(1, 1, 0);
-    this->expect_refused(f.u_sll_Solve_based_on_LLD(&this->ll, &this->b, &x),
-                         {"u_sll_Solve_based_on_LLD: 2"});
+    this->expect_refused(f.u_sll_Solve_based_on_LLD(&this->ll, &this->b, &x), {lower + "2"});
     this->expect_refused(f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, &x),
-                         {"u_suu_Solve_based_on_UUD: 2", "u_iuu_Inverse_matrix_based_on_UUD: 2"});
+                         {upper + "2", "u_iuu_Inverse_matrix_based_on_UUD: 2"});
 
     // Trapezoids, and a vector that was resized under its matrix.
     this->l.c_Create(6, 4, Real(1));
@@ -259,24 +248,23 @@ TWIN_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
 
 TWIN_TEST(TriangularSolvers, GaussJordan) {
     const auto& f = this->solver;
+    const std::string raw = "u_sgj_Solve_based_on_GJE: ", solve = "sgj_Solve_based_on_GJE: ";
     const auto of = [](Real value) { return constant_matrix<Real>(1, 1, value); };
     const Matrix<Real> negative = of(-2), four = of(4), zero = of(0);
     Matrix<Real> x;
     ASSERT_TRUE(f.sgj_Solve_based_on_GJE(&negative, &four, &x));
     EXPECT_EQ(x, of(2));  // the magnitude scales, not the pivot
-    this->expect_refused(f.sgj_Solve_based_on_GJE(&zero, &four, &x),
-                         {"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 3"});
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&zero, &four, &x), {raw + "1", solve + "3"});
     auto v = vector_of<Real>({4});
-    this->expect_refused(f.sgj_Solve_based_on_GJE(&zero, &v, &v),
-                         {"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 2"});
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&zero, &v, &v), {raw + "1", solve + "2"});
     this->expect_refused(f.igj_Inverse_matrix_based_on_GJE(&zero, &x),
-                         {"u_sgj_Solve_based_on_GJE: 1", "igj_Inverse_matrix_based_on_GJE: 2"});
+                         {raw + "1", "igj_Inverse_matrix_based_on_GJE: 2"});
     const Matrix<Real> wide = random_matrix<Real>(1, 2), tall = random_matrix<Real>(2, 1), empty;
-    this->expect_refused(f.sgj_Solve_based_on_GJE(&wide, &four, &x), {"sgj_Solve_based_on_GJE: 1"});
-    this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &tall, &x), {"sgj_Solve_based_on_GJE: 2"});
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&wide, &four, &x), {solve + "1"});
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &tall, &x), {solve + "2"});
     EXPECT_FALSE(f.igj_Inverse_matrix_based_on_GJE(&wide, &x));
     v.c_Create(2, Real(1));
-    this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &v, &v), {"sgj_Solve_based_on_GJE: 1"});
+    this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &v, &v), {solve + "1"});
     EXPECT_TRUE(f.igj_Inverse_matrix_based_on_GJE(&empty, &x));
     EXPECT_EQ(x.mh(), 0);
 
@@ -294,11 +282,9 @@ TWIN_TEST(TriangularSolvers, GaussJordan) {
     Real nothing = 0;
     EXPECT_TRUE(f.u_sgj_Solve_based_on_GJE(true, 0, 0, &nothing, &nothing));
     EXPECT_FALSE(f.u_sgj_Solve_based_on_GJE(true, -1, 1, &nothing, &nothing));
-    this->expect_refused(f.u_sgj_Solve_based_on_GJE(false, 1, -1, &nothing, &nothing),
-                         {"u_sgj_Solve_based_on_GJE: 2"});
-    this->expect_refused(f.u_sgj_Solve_based_on_GJE(false, 1, 1, &nothing, &nothing),
-                         {"u_sgj_Solve_based_on_GJE: 2"});
+    this->expect_refused(f.u_sgj_Solve_based_on_GJE(false, 1, -1, &nothing, &nothing), {raw + "2"});
+    this->expect_refused(f.u_sgj_Solve_based_on_GJE(false, 1, 1, &nothing, &nothing), {raw + "2"});
 }
 
 }  // namespace
-}  // namespace nequar
+}  // namespace nequar::test

@@ -18,20 +18,21 @@ std::string records_of(const Object& object) {
     return text;
 }
 
+inline ::testing::AssertionResult has_failed(bool done, const std::string& left,
+                                             const std::string& expected) {
+    if (!done && left == expected) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "done: " << done << ", \"" << left << "\" is left";
+}
+
 // Whether a call that answered `done` failed, and left this detail (these records) on the object.
 template <class Object>
 ::testing::AssertionResult fails_with(const Object& object, const std::string& detail, bool done) {
-    const std::string found = object.ged_Get_Error_Detail().c_str();
-    if (!done && found == detail) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "done: " << done << ", \"" << found << "\" is left";
+    return has_failed(done, object.ged_Get_Error_Detail().c_str(), detail);
 }
 template <class Object>
 ::testing::AssertionResult fails_as(const Object& object, const std::string& records, bool done) {
-    const std::string found = records_of(object);
-    if (!done && found == records) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "done: " << done << ", \"" << found << "\" is left";
+    return has_failed(done, records_of(object), records);
 }
-
 template <class Object>
 ::testing::AssertionResult fails_as(const Object& object,
                                     std::initializer_list<std::string> records, bool done) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "nequar_algebra/structured.h"
+#include "support/wide.h"
 
 namespace nequar::test {
 
@@ -59,6 +60,11 @@ Matrix<Real> matrix_of(int height, int width, std::initializer_list<double> valu
 }
 
 template <class Real>
+Matrix<Real> identity_of(int n) {
+    return matrix_of<Real>(n, n, [](int i, int j) { return i == j; });
+}
+
+template <class Real>
 Matrix<Real> constant_matrix(int height, int width, Real value = 0) {
     Matrix<Real> a;
     a.c_Create(height, width, value);
@@ -87,11 +93,8 @@ auto unpacked(const Packed& packed) {
 // Summed in long double.
 template <class Real>
 Matrix<Real> product(const Matrix<Real>& p, const Matrix<Real>& q) {
-    return matrix_of<Real>(p.mh(), q.mw(), [&](int i, int j) {
-        long double sum = 0;
-        for (int k = 0; k < p.mw(); ++k) sum += static_cast<long double>(p[i][k]) * q[k][j];
-        return double(sum);
-    });
+    const Wide wide = Wide(p) * Wide(q);
+    return matrix_of<Real>(p.mh(), q.mw(), [&](int i, int j) { return wide.at(i, j); });
 }
 
 template <class Real>
@@ -149,13 +152,8 @@ Matrix<Real> graded_matrix(int n, double decades, std::uint64_t seed = 1) {
 // The product of a height x rank and a rank x width matrix of small integers: exact.
 template <class Real>
 Matrix<Real> rank_deficient_matrix(int height, int width, int rank, std::uint64_t seed = 1) {
-    const Matrix<Real> left = integer_matrix<Real>(height, rank, 4, seed);
-    const Matrix<Real> right = integer_matrix<Real>(rank, width, 4, seed + 1);
-    return matrix_of<Real>(height, width, [&](int i, int j) {
-        double sum = 0;
-        for (int k = 0; k < rank; ++k) sum += double(left[i][k]) * double(right[k][j]);
-        return sum;
-    });
+    return product(integer_matrix<Real>(height, rank, 4, seed),
+                   integer_matrix<Real>(rank, width, 4, seed + 1));
 }
 
 // Plain ones, ties and lost rank in any shape; square ones with trouble of every kind.
@@ -168,7 +166,7 @@ std::vector<Matrix<Real>> hard_matrices(int m, int n) {
     all.push_back(kahan_matrix<Real>(n));
     all.push_back(growing_matrix<Real>(n));
     all.push_back(graded_matrix<Real>(n, sizeof(Real) == 4 ? 12 : 60));
-    all.push_back(matrix_of<Real>(n, n, [](int i, int j) { return i == j; }));
+    all.push_back(identity_of<Real>(n));
     return all;
 }
 

@@ -79,4 +79,13 @@ void expect_solves_arrays(const Matrix<Real>& a, int k, double bound, const Solv
     }
 }
 
+// solve(b, x), solve(data, row_major, k, n) and invert(x), which hold factors of A.
+template <class Real, class Solve, class Invert>
+void expect_factors_solve(const Matrix<Real>& a, int k, double bound, const Solve& solve,
+                          const Invert& invert) {
+    expect_solves(a, k, bound, [&](auto*, auto* b, auto* x) { return solve(b, x); });
+    expect_solves_arrays(a, k, bound, solve);
+    expect_inverts(a, bound, [&](auto*, auto* x) { return invert(x); });
+}
+
 }  // namespace nequar::test
