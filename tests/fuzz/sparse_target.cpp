@@ -1,4 +1,6 @@
-// Random operations on the sparse types: legal ones beside mirrors, and any ones.
+// Random operations on the sparse types: legal ones beside mirrors, after each of which the storage
+// has to be in order and hold exactly what the mirror says, explicit zeros included; and any ones.
+// Values beside mirrors are small integers, so nothing is rounded.
 #include "sparse/any_calls.h"
 #include "sparse/matrix_steps.h"
 #include "sparse/symmetric_steps.h"

@@ -48,6 +48,8 @@ TWIN_TEST(SparseTest, ImportedArraysAndHandedOutStorage) {
     EXPECT_TRUE(*pointers == ints({0, 2, 2, 4}));
     b.se(2, 1, Real(9));
     EXPECT_EQ((*pointers)[3], 5);
+    b.czm(3, 3, 0);
+    EXPECT_TRUE(*pointers == ints({0, 0, 0, 0}));
 }
 
 TWIN_TEST(SparseTest, ZeroElementsAndExtrema) {
