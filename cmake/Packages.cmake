@@ -28,6 +28,7 @@ on which it runs.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libnequar-algebra-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${NEQUAR_LIBRARY_PACKAGE} (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "g++, pkg-config, cmake")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "What building programs with the library takes: the headers, in which each
 operation is documented, and what CMake and pkg-config need to find it.")

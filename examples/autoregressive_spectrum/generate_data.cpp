@@ -8,19 +8,7 @@
 #include <numbers>
 #include <random>
 
-namespace {
-
-// The standard fixes the bits of std::mt19937, but not what the distributions make of them.
-double uniform(std::mt19937& bits) {
-    return (static_cast<double>(bits()) + 0.5) / 4294967296.0;
-}
-
-double gaussian(std::mt19937& bits) {
-    const double radius = std::sqrt(-2 * std::log(uniform(bits)));
-    return radius * std::cos(2 * std::numbers::pi * uniform(bits));
-}
-
-}  // namespace
+#include "support/random_numbers.h"
 
 int main() {
     std::puts("# sin(2 pi 0.10 t) + 0.7 sin(2 pi 0.13 t + 1) + 0.6 e_t, written by generate_data");

@@ -117,11 +117,16 @@ bool draw(const char* path, const std::vector<double>& spectrum,
 }  // namespace
 
 int main(int count, char** arguments) {
+    if (count < 2) {
+        std::fputs("autoregressive_spectrum signal.txt...   (a sample ends each line)\n", stderr);
+        return 2;
+    }
     for (int file = 1; file < count; ++file) {
         std::vector<double> signal;
         if (!read(arguments[file], signal)) {
-            std::fprintf(stderr, "%s: no signal of more than %d samples\n", arguments[file],
-                         kLargestOrder);
+            std::fprintf(stderr,
+                         "%s: cannot be read as a signal of more than %d samples, one a line\n",
+                         arguments[file], kLargestOrder);
             return 2;
         }
         Model model, candidate;

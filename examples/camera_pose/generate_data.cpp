@@ -13,6 +13,8 @@
 #include <numbers>
 #include <random>
 
+#include "support/random_numbers.h"
+
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;
@@ -20,16 +22,6 @@ constexpr double kCalibration[3][3] = {{1200, 2, 640}, {0, 1180, 480}, {0, 0, 1}
 constexpr double kAngles[3] = {-112, 25, 8};        // about x, then y, then z
 constexpr double kTranslation[3] = {0.3, -0.2, 9};  // the world's origin, seen from the camera
 constexpr int kPoints = 40;
-
-// The standard fixes the bits of std::mt19937, but not what the distributions make of them.
-double uniform(std::mt19937& bits) {
-    return (static_cast<double>(bits()) + 0.5) / 4294967296.0;
-}
-
-double gaussian(std::mt19937& bits) {
-    const double radius = std::sqrt(-2 * std::log(uniform(bits)));
-    return radius * std::cos(2 * std::numbers::pi * uniform(bits));
-}
 
 void multiply(const double (&a)[3][3], const double (&b)[3][3], double (&out)[3][3]) {
     for (int i = 0; i < 3; ++i)

@@ -160,12 +160,22 @@ double mean_pixel_error(const std::vector<Point>& points, const CNqMatrix& P) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    if (count < 2) {
+        std::fputs(
+            "camera_pose points.txt...   (a camera and its points, as in points_exact.txt)\n",
+            stderr);
+        return 2;
+    }
     for (int k = 1; k < count; ++k) {
         double known[11], found[11];
         std::vector<Point> points;
         CNqMatrix P;
         if (!read(arguments[k], known, points)) {
-            std::fprintf(stderr, "%s: no camera and six points or more\n", arguments[k]);
+            std::fprintf(
+                stderr,
+                "%s: cannot be read as `camera` with eleven numbers, and at least six lines "
+                "`point X Y Z u v`\n",
+                arguments[k]);
             return 2;
         }
         if (!find_projection(points, P) || !find_camera(P, found)) return 1;

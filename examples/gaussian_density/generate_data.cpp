@@ -7,20 +7,11 @@
 //   point   x y   number of its cloud
 #include <cmath>
 #include <cstdio>
-#include <numbers>
 #include <random>
 
+#include "support/random_numbers.h"
+
 namespace {
-
-// The standard fixes the bits of std::mt19937, but not what the distributions make of them.
-double uniform(std::mt19937& bits) {
-    return (static_cast<double>(bits()) + 0.5) / 4294967296.0;
-}
-
-double gaussian(std::mt19937& bits) {
-    const double radius = std::sqrt(-2 * std::log(uniform(bits)));
-    return radius * std::cos(2 * std::numbers::pi * uniform(bits));
-}
 
 struct Cloud {
     int points;

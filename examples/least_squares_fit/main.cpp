@@ -108,10 +108,16 @@ void print(const char* name, double certified, double found) {
 }  // namespace
 
 int main(int count, char** arguments) {
+    if (count < 2) {
+        std::fputs("least_squares_fit data.csv...   (with certified values, as in norris.csv)\n",
+                   stderr);
+        return 2;
+    }
     for (int k = 1; k < count; ++k) {
         DataSet data;
         if (!read(arguments[k], data)) {
-            std::fprintf(stderr, "%s: no data set with certified coefficients\n", arguments[k]);
+            std::fprintf(stderr, "%s: cannot be read as a data set with certified coefficients\n",
+                         arguments[k]);
             return 2;
         }
         CNqVector b, deviation;

@@ -150,10 +150,17 @@ bool draw(const char* path, const Truss& truss, const CNqMatrix& modes, int mode
 }  // namespace
 
 int main(int count, char** arguments) {
+    if (count < 2) {
+        std::fputs("truss_vibration truss.txt...   (material, joints and bars, as in rod.txt)\n",
+                   stderr);
+        return 2;
+    }
     for (int k = 1; k < count; ++k) {
         Truss truss;
         if (!read(arguments[k], truss)) {
-            std::fprintf(stderr, "%s: no truss\n", arguments[k]);
+            std::fprintf(
+                stderr, "%s: cannot be read as a truss: material, joints, bars and what is fixed\n",
+                arguments[k]);
             return 2;
         }
         CNqMatrix_Symmetric K, M;

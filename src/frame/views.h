@@ -7,13 +7,16 @@
 
 namespace nequar {
 
+// Where there are no elements, no columns lie beside each other: nothing is added to a null pointer.
 template <class Real>
 View<Real> view_of(Matrix<Real>* matrix) {
-    return {matrix->p()[0], matrix->mh(), matrix->mw(), matrix->mw()};
+    Real* const elements = matrix->p()[0];
+    return {elements, matrix->mh(), matrix->mw(), matrix->mw(), Size(elements != nullptr)};
 }
 template <class Real>
 View<const Real> view_of(const Matrix<Real>* matrix) {
-    return {matrix->p()[0], matrix->mh(), matrix->mw(), matrix->mw()};
+    const Real* const elements = matrix->p()[0];
+    return {elements, matrix->mh(), matrix->mw(), matrix->mw(), Size(elements != nullptr)};
 }
 template <class Real>
 Strided<Real> view_of(Vector<Real>* vector) {

@@ -154,10 +154,11 @@ bool CompressedColumns<Real>::mbs(int n) {
 template <class Real>
 bool CompressedColumns<Real>::z_cne(int n) {
     zet_xm();
+    constexpr const char* kName = "z_cne_Change_Number_of_Elements";
+    if (n > 0 && mw() == 0) return this->fail("1", kName);  // there are no columns to hold them
     settle();
     const Stored outcome = change_count(values_, rows_, n);
-    return outcome == Stored::done ||
-           this->fail(code_of(outcome), "z_cne_Change_Number_of_Elements");
+    return outcome == Stored::done || this->fail(code_of(outcome), kName);
 }
 
 template <class Real>
@@ -375,7 +376,7 @@ template <class Real>
 bool CompressedColumns<Real>::add(const CompressedColumns& b, Real factor, const char* method) {
     zet_xm();
     if (b.mh() != mh() || b.mw() != mw()) return this->fail("different dimensions", method);
-    if (b.nee() == 0 || mw() == 0) return true;  // a moved-from matrix has no start pointers
+    if (b.nee() == 0) return true;
     const Stored outcome = SparseInside<Real>::add(*this, b, AddRule<Real>{factor});
     return outcome == Stored::done || this->fail(insertion_code(outcome), method);
 }

@@ -35,10 +35,13 @@ struct SparseInside {
     using Matrix = CompressedColumns<Real>;
     using Vector = SparseVector<Real>;
 
-    // For reading; holds until the object is changed.
+    // For reading; holds until the object is changed. A matrix that was moved from has no columns,
+    // and no start pointers of its own.
     static Columns<Real> columns(const Matrix& a) {
+        static constexpr int kStartOfNone = 0;
         a.settle();
-        return {a.mh(), a.mw(), a.nee(), a.start_.p(), a.rows_.p(), a.values_.p()};
+        const int* const start = a.mw() > 0 ? a.start_.p() : &kStartOfNone;
+        return {a.mh(), a.mw(), a.nee(), start, a.rows_.p(), a.values_.p()};
     }
     static Run<Real> run(const Vector& v) { return {v.indices_.p(), v.values_.p(), v.nee()}; }
 
@@ -71,6 +74,7 @@ struct SparseInside {
     template <class Rule, class PartOf, class SourceOf>
     static Stored merge(Matrix& a, const Rule& rule, Size first, Size last, const PartOf& part_of,
                         const SourceOf& source_of, Size shift) {
+        if (first == last) return Stored::done;
         put_in_order(a);
         const Size count = a.nee();
         const Size absent = count_absent(rule, columns(a), first, last, part_of, source_of, shift);

@@ -1,249 +1,169 @@
-// Rows and columns: operations, interchanges, relocations. What is checked on columns is checked on
-// the rows of the transpose.
+// Rows and columns: operations, interchanges, relocations. What is checked on columns is done to
+// the rows of the transpose as well.
 #include <algorithm>
-#include <limits>
 #include <numeric>
 #include <random>
 
 #include "algebra/plain.h"
 
+namespace nequar::test {
 namespace {
 
-using namespace plain;
-
-// The column operations of one matrix, or the row operations of its transpose.
 template <class Real>
-class Lines {
-public:
-    using Al = nequar::AlgebraForMatrix<Real>;
-    using M = nequar::Matrix<Real>;
-
-    Lines(const Al& algebra, bool rows) : al_(algebra), rows_(rows) {}
-
-    template <class Columns, class Rows>
-    void apply(M* A, Columns columns, Rows rows) const {
-        if (!rows_) return columns(A);
-        al_.tpm_Transpose_Matrix(A, A);
-        rows(A);
-        al_.tpm_Transpose_Matrix(A, A);
-    }
-#define LINE_OPERATION(name, columns, rows)                           \
-    template <class... Arguments>                                     \
-    void name(M* A, const Arguments&... arguments) const {            \
-        apply(                                                        \
-            A, [&](M* m) { al_.columns(m, argument(arguments)...); }, \
-            [&](M* m) { al_.rows(m, argument(arguments)...); });      \
-    }
-    LINE_OPERATION(add, oac_Add_Columns, oar_Add_Rows)
-    LINE_OPERATION(add_weighted, oacw_Add_Columns_with_Weight, oarw_Add_Rows_with_Weight)
-    LINE_OPERATION(subtract, osc_Subtract_Columns, osr_Subtract_Rows)
-    LINE_OPERATION(multiply, omcc_Multiply_Column_with_Constant, omrc_Multiply_Row_with_Constant)
-    LINE_OPERATION(relocate, orc_Relocate_Column, orr_Relocate_Row)
-    LINE_OPERATION(permute, opc_Permute_Columns, opr_Permute_Rows)
-    LINE_OPERATION(permute_back, opci_Permute_Columns_Inverse, opri_Permute_Rows_Inverse)
-    LINE_OPERATION(relocate_all, orc_Relocate_Columns, orr_Relocate_Rows)
-    LINE_OPERATION(relocate_back, orci_Relocate_Columns_Inverse, orri_Relocate_Rows_Inverse)
-#undef LINE_OPERATION
-    void relocate(const M& A, const CNqVectorInt& r, M* out) const {
-        if (!rows_) return al_.orc_Relocate_Columns(&A, &r, out);
-        M transposed;
-        al_.tpm_Transpose_Matrix(&A, &transposed);
-        al_.tpm_Transpose_Matrix(out, out);
-        al_.orr_Relocate_Rows(&transposed, &r, out);
-        al_.tpm_Transpose_Matrix(out, out);
-    }
-
-private:
-    template <class Scalar>
-    static Scalar argument(Scalar x) {
-        return x;
-    }
-    static const CNqVectorInt* argument(const CNqVectorInt& list) {
-        return &list;
-    }
-    static const CNqMatrixInt* argument(const CNqMatrixInt& list) {
-        return &list;
-    }
-
-    const Al& al_;
-    bool rows_;
-};
-
-template <class Real>
-class MatrixLinesTest : public ::testing::Test {
+class MatrixLines : public testing::Test {
 protected:
-    const nequar::AlgebraForMatrix<Real> algebra;
-    const Lines<Real> lines[2] = {{algebra, false}, {algebra, true}};
+    using Al = AlgebraForMatrix<Real>;
+    using M = Matrix<Real>;
+
+    // What becomes of the columns of A, and of the rows of its transpose.
+    template <class... Arguments>
+    M both(void (Al::*columns)(M*, Arguments...) const, void (Al::*rows)(M*, Arguments...) const,
+           const M& A, Arguments... arguments) const {
+        M B = A, C = transposed(A);
+        (algebra.*columns)(&B, arguments...);
+        (algebra.*rows)(&C, arguments...);
+        EXPECT_TRUE(C == transposed(B));
+        return B;
+    }
+    template <class... Places>
+    M permute(const M& A, Places... places) const {
+        return both(&Al::opc_Permute_Columns, &Al::opr_Permute_Rows, A, places...);
+    }
+    template <class List>
+    M permute_back(const M& A, const List* list) const {
+        return both(&Al::opci_Permute_Columns_Inverse, &Al::opri_Permute_Rows_Inverse, A, list);
+    }
+
+    Al algebra;
 };
 
-TWIN_TEST(MatrixLinesTest, OperationsOnTwoLinesIntoAny) {
-    constexpr int h = 21, w = 5;
-    const auto A = random_matrix<Real>(h, w, 1);
-    const auto at = [&](int y, int x) { return double(A[y][((x % w) + w) % w]); };
-    for (const auto& line : this->lines)
+TWIN_TEST(MatrixLines, OperationsOnTwoLinesIntoAny) {
+    using A = AlgebraForMatrix<Real>;
+    for (const auto& [h, w] : {std::pair(21, 5), {0, 0}, {0, 3}, {3, 0}})
         for (const int i : {0, 3, -1, 1003})
-            for (const int j : {3, 4, -w})
+            for (const int j : {3, 4, -5})
                 for (const int k : {0, 1, 3, -1, std::numeric_limits<int>::min() + 2}) {
-                    const auto check = [&](auto run, int target, auto value) {
-                        auto B = A;
-                        run(&B);
-                        const int column = ((target % w) + w) % w;
-                        EXPECT_LT(largest_difference(B, h, w,
-                                                     [&](int y, int x) {
-                                                         return x == column ? value(y) : at(y, x);
-                                                     }),
-                                  bound<Real>(4))
-                            << i << ' ' << j << ' ' << k;
+                    SCOPED_TRACE(testing::Message() << i << ' ' << j << ' ' << k);
+                    const auto m = random_matrix<Real>(h, w, 1);
+                    const auto place = [width = w](int x) { return (x % width + width) % width; };
+                    // Column k becomes a column i + b column j.
+                    const auto check = [&](auto columns, auto rows, Real a, Real b,
+                                           auto... arguments) {
+                        const auto expected = matrix_of<Real>(m.mh(), m.mw(), [&](int y, int x) {
+                            return x == place(k) ? a * m[y][place(i)] + b * m[y][place(j)]
+                                                 : m[y][x];
+                        });
+                        EXPECT_TRUE(this->both(columns, rows, m, arguments...) == expected);
                     };
-                    check([&](auto* B) { line.add(B, i, j, k); }, k,
-                          [&](int y) { return at(y, i) + at(y, j); });
-                    check([&](auto* B) { line.add_weighted(B, i, j, k, Real(2), Real(-3)); }, k,
-                          [&](int y) { return 2 * at(y, i) - 3 * at(y, j); });
-                    check([&](auto* B) { line.subtract(B, i, j, k); }, k,
-                          [&](int y) { return at(y, i) - at(y, j); });
-                    check([&](auto* B) { line.multiply(B, i, k, Real(-2)); }, k,
-                          [&](int y) { return -2 * at(y, i); });
-                    check([&](auto* B) { line.relocate(B, i, k); }, k,
-                          [&](int y) { return at(y, i); });
-                    auto B = A;
-                    line.permute(&B, i, k);
-                    line.permute(&B, k, i);
-                    EXPECT_TRUE(B == A);
-                    line.permute(&B, i, j);
-                    const int from = ((i % w) + w) % w, to = ((j % w) + w) % w;
-                    EXPECT_EQ(
-                        largest_difference(B, h, w,
-                                           [&](int y, int x) {
-                                               return at(y, x == from ? to : x == to ? from : x);
-                                           }),
-                        0);
+                    check(&A::oac_Add_Columns, &A::oar_Add_Rows, 1, 1, i, j, k);
+                    check(&A::osc_Subtract_Columns, &A::osr_Subtract_Rows, 1, -1, i, j, k);
+                    check(&A::oacw_Add_Columns_with_Weight, &A::oarw_Add_Rows_with_Weight, 2, -4, i,
+                          j, k, Real(2), Real(-4));
+                    check(&A::omcc_Multiply_Column_with_Constant,
+                          &A::omrc_Multiply_Row_with_Constant, -3, 0, i, k, Real(-3));
+                    check(&A::orc_Relocate_Column, &A::orr_Relocate_Row, 1, 0, i, k);
+                    EXPECT_TRUE(this->permute(this->permute(m, i, k), k, i) == m);
+                    EXPECT_TRUE(this->permute(m, i, j) == matrix_of<Real>(h, w, [&](int y, int x) {
+                                    const int from = place(i), to = place(j);
+                                    return m[y][x == from ? to : x == to ? from : x];
+                                }));
                 }
     EXPECT_TRUE(never_failed(this->algebra));
 }
 
-TWIN_TEST(MatrixLinesTest, NothingHappensToAnEmptyMatrix) {
-    CNqMatrixInt P;
-    P.c_Create(2, 3, 7);
-    for (const auto& shape : {std::array{0, 0}, {0, 3}, {3, 0}})
-        for (const auto& line : this->lines) {
-            const int h = shape[0], w = shape[1];
-            nequar::Matrix<Real> A;
-            A.c_Create(h, w);
-            line.add(&A, 1, -2, 3);
-            line.add_weighted(&A, 1, 2, 3, Real(4), Real(5));
-            line.subtract(&A, 1, 2, 3);
-            line.multiply(&A, 1, 2, Real(3));
-            line.relocate(&A, 1, 2);
-            line.permute(&A, 1, 2);
-            line.permute(&A, indices({1, 2}));
-            line.permute_back(&A, P);
-            EXPECT_TRUE(A.mh() == h && A.mw() == w);
-        }
-    EXPECT_TRUE(never_failed(this->algebra));
-}
-
-TWIN_TEST(MatrixLinesTest, InterchangesInOrderAndBack) {
-    const auto A = random_matrix<Real>(19, 4, 1);
+TWIN_TEST(MatrixLines, InterchangesInOrderAndBack) {
+    const auto kept = random_matrix<Real>(19, 4, 1);
     // 0 1 2 3 -> swap 0,2: 2 1 0 3 -> swap 1,2: 2 0 1 3 -> (2,2) -> swap 3,0: 3 0 1 2
     const int order[] = {3, 0, 1, 2};
-    const auto expected = [&](int y, int x) { return double(A[y][order[x]]); };
-    CNqMatrixInt P;
-    P.c_Create(2, 4);
-    for (int k = 0; k < 4; ++k) {
-        P[0][k] = k - 4;
-        P[1][k] = k < 3 ? 2 : 4;
-    }
-    for (const auto& line : this->lines) {
-        auto B = A;
-        line.permute(&B, indices({2, 2, 2, 0}));
-        EXPECT_EQ(largest_difference(B, 19, 4, expected), 0);
-        line.permute_back(&B, indices({2, 2, 2, 0}));
-        EXPECT_TRUE(B == A);
-        line.permute(&B, P);
-        EXPECT_EQ(largest_difference(B, 19, 4, expected), 0);
-        line.permute_back(&B, P);
-        EXPECT_TRUE(B == A);
-        // Longer than the matrix is wide, with indices of any size, repeated ones too.
-        const auto wild = indices({std::numeric_limits<int>::min(), 5, -7, 3, 2, 1,
-                                   std::numeric_limits<int>::max(), 0, 0});
-        line.permute(&B, wild);
-        EXPECT_FALSE(B == A);
-        line.permute_back(&B, wild);
-        EXPECT_TRUE(B == A);
-    }
+    const auto expected = matrix_of<Real>(19, 4, [&](int y, int x) { return kept[y][order[x]]; });
+    const auto p = vector_of<int>({2, 2, 2, 0});
+    CNqMatrixInt pairs;
+    pairs.c_Create(2, 4, 2);
+    for (int k = 0; k < 4; ++k) pairs[0][k] = k - 4;
+    pairs[1][3] = 4;
+    const CNqMatrixInt* const P = &pairs;
+    EXPECT_TRUE(this->permute(kept, &p) == expected && this->permute(kept, P) == expected);
+    EXPECT_TRUE(this->permute_back(expected, &p) == kept &&
+                this->permute_back(expected, P) == kept);
+    // Longer than the matrix is wide, with indices of any size, repeated ones too.
+    const auto wild = vector_of<int>({-0x80000000p0, 5, -7, 3, 2, 1, 0x7fffffffp0, 0, 0});
+    for (const auto& empty : {zeros<Real>(0, 0), zeros<Real>(0, 3), zeros<Real>(3, 0)})
+        EXPECT_TRUE(this->permute(empty, &wild) == empty && this->permute_back(empty, P) == empty);
+    const auto permuted = this->permute(kept, &wild);
+    EXPECT_FALSE(permuted == kept);
+    EXPECT_TRUE(this->permute_back(permuted, &wild) == kept);
     EXPECT_TRUE(never_failed(this->algebra));
 
     const CNqMatrixInt flat;
-    auto B = A;
-    const auto& al = this->algebra;
-    auto& out = B;
-    const auto& kept = A;
-    EXPECT_REFUSED(opc_Permute_Columns, &B, &flat);
-    EXPECT_REFUSED(opci_Permute_Columns_Inverse, &B, &flat);
-    EXPECT_REFUSED(opr_Permute_Rows, &B, &flat);
-    EXPECT_REFUSED(opri_Permute_Rows_Inverse, &B, &flat);
+    auto& al = this->algebra;
+    auto out = kept;
+    EXPECT_REFUSED(opc_Permute_Columns, &out, &flat);
+    EXPECT_REFUSED(opci_Permute_Columns_Inverse, &out, &flat);
+    EXPECT_REFUSED(opr_Permute_Rows, &out, &flat);
+    EXPECT_REFUSED(opri_Permute_Rows_Inverse, &out, &flat);
 }
 
-TWIN_TEST(MatrixLinesTest, Relocations) {
+TWIN_TEST(MatrixLines, Relocations) {
+    using Algebra = AlgebraForMatrix<Real>;
+    const auto& al = this->algebra;
     for (const int w : {0, 1, 4, 200}) {
         const auto A = random_matrix<Real>(7, w, 1);
         CNqVectorInt r;
         r.c_Create(w);
         std::iota(r.p(), r.p() + w, 0);
-        std::mt19937 engine(5);
-        std::shuffle(r.p(), r.p() + w, engine);
+        std::shuffle(r.p(), r.p() + w, std::mt19937(5));
         if (w > 1) std::swap(r[0], *std::find(r.p(), r.p() + w, 0));  // a fixed line
-        for (const auto& line : this->lines) {
-            auto B = A;
-            line.relocate_all(&B, r);
-            EXPECT_EQ(B.mw(), w);
-            for (int x = 0; x < w; ++x)
-                for (int y = 0; y < 7; ++y) EXPECT_EQ(B[y][r[x]], A[y][x]);
-            line.relocate_back(&B, r);
-            EXPECT_TRUE(B == A);
-            // Into a distinct matrix: fixed lines keep what was there.
-            nequar::Matrix<Real> C;
-            C.c_Create(7, w, 9);
-            line.relocate(A, r, &C);
-            for (int x = 0; x < w; ++x)
-                for (int y = 0; y < 7; ++y) EXPECT_EQ(C[y][r[x]], r[x] == x ? 9 : A[y][x]);
-            // The output is the input: fixed lines keep their values.
-            this->algebra.tpm_Transpose_Matrix(&A, &B);
-            this->algebra.orr_Relocate_Rows(&B, &r, &B);
-            for (int x = 0; x < w; ++x) EXPECT_EQ(B[r[x]][0], A[0][x]);
-        }
+        const CNqVectorInt* const places = &r;
+        auto expected = A, other = A;
+        for (int x = 0; x < w; ++x)
+            for (int y = 0; y < 7; ++y) {
+                expected[y][r[x]] = A[y][x];
+                other[y][r[x]] = r[x] == x ? 9 : A[y][x];
+            }
+        auto B = this->both(&Algebra::orc_Relocate_Columns, &Algebra::orr_Relocate_Rows, A, places);
+        EXPECT_TRUE(B == expected);
+        EXPECT_TRUE(al.orci_Relocate_Columns_Inverse(&B, places) && B == A);
+        B = transposed(expected);
+        al.orri_Relocate_Rows_Inverse(&B, places);
+        EXPECT_TRUE(B == transposed(A));
+        al.orr_Relocate_Rows(&B, places, &B);
+        EXPECT_TRUE(B == transposed(expected));
+        // Into a distinct matrix: fixed lines keep what was there.
+        Matrix<Real> C;
+        C.c_Create(7, w, 9);
+        al.orc_Relocate_Columns(&A, places, &C);
+        EXPECT_TRUE(C == other);
+        const auto turned = transposed(A);
+        C.c_Create(w, 7, 9);
+        al.orr_Relocate_Rows(&turned, places, &C);
+        EXPECT_TRUE(C == transposed(other));
     }
-    EXPECT_TRUE(never_failed(this->algebra));
+    EXPECT_TRUE(never_failed(al));
 }
 
-TWIN_TEST(MatrixLinesTest, RelocationsThatAreNoPermutation) {
-    const auto& al = this->algebra;
-    const struct {
-        CNqVectorInt r;
-        const char* detail;
-    } cases[] = {{indices({0, 1}), "1"},    {indices({0, 1, 2, 3}), "1"},
-                 {indices({0, 1, 3}), "2"}, {indices({-1, 1, 2}), "2"},
-                 {indices({1, 1, 9}), "2"},  // the range of all comes first
-                 {indices({2, 0, 2}), "3"}};
+TWIN_TEST(MatrixLines, RelocationsThatAreNoPermutation) {
+    auto& al = this->algebra;
+    const std::pair<CNqVectorInt, const char*> cases[] = {
+        {vector_of<int>({0, 1}), "1"},    {vector_of<int>({0, 1, 2, 3}), "1"},
+        {vector_of<int>({0, 1, 3}), "2"}, {vector_of<int>({-1, 1, 2}), "2"},
+        {vector_of<int>({1, 1, 9}), "2"},  // the range of all comes first
+        {vector_of<int>({2, 0, 2}), "3"}};
     const auto kept = random_matrix<Real>(3, 3, 1);
     for (const auto& [r, detail] : cases) {
         auto A = kept;
-        nequar::Matrix<Real> out;
+        Matrix<Real> out;
         EXPECT_FAILED(detail, orc_Relocate_Columns, &A, &r, &out);
         EXPECT_TRUE(out.mh() == 3 && out.mw() == 3);  // sized before the check
-        EXPECT_FAILED(detail, orc_Relocate_Columns, &A, &r);
-        EXPECT_FAILED(detail, orci_Relocate_Columns_Inverse, &A, &r);
-        EXPECT_FALSE(al.orci_Relocate_Columns_Inverse(&A, &r));
-        out.c_Create(1, 1);
-        EXPECT_FAILED(detail, orr_Relocate_Rows, &A, &r, &out);
+        EXPECT_FAILED(detail, orr_Relocate_Rows, &A, &r, &(out = zeros<Real>(1, 1)));
         EXPECT_TRUE(out.mh() == 3 && out.mw() == 3);
+        EXPECT_FAILED(detail, orc_Relocate_Columns, &A, &r);
         EXPECT_FAILED(detail, orr_Relocate_Rows, &A, &r);
         EXPECT_FAILED(detail, orri_Relocate_Rows_Inverse, &A, &r);
+        EXPECT_FAILED(detail, orci_Relocate_Columns_Inverse, &A, &r);
+        EXPECT_FALSE(al.orci_Relocate_Columns_Inverse(&A, &r));
         EXPECT_TRUE(A == kept);
     }
-    auto A = kept;
-    const auto r = indices({2, 0, 1});
-    EXPECT_TRUE(al.orci_Relocate_Columns_Inverse(&A, &r));
 }
 
 }  // namespace
+}  // namespace nequar::test

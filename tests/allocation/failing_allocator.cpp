@@ -32,14 +32,14 @@ void* counted(void* block) {
     return block;
 }
 
-void* take(std::size_t size, std::size_t alignment) {
+void* take(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) {
     if (refuses()) return nullptr;
     const std::size_t room = (size + alignment) / alignment * alignment;
     return counted(std::aligned_alloc(alignment, room));
 }
 
-void* take_or_throw(std::size_t size, std::size_t alignment) {
-    void* const block = take(size, alignment);
+void* take_or_throw(std::size_t size) {
+    void* const block = take(size);
     if (block == nullptr) throw std::bad_alloc();
     return block;
 }
@@ -52,9 +52,9 @@ void give_back(void* block) {
 
 }  // namespace
 
-void refuse_request(long k, Refusal refusal) {
+void refuse_request(long k, bool and_all_later) {
     requests_left = k;
-    refuses_all = refusal == Refusal::all_from_there;
+    refuses_all = and_all_later;
     has_refused = false;
 }
 
@@ -82,22 +82,18 @@ void __wrap_free(void* block) {
     give_back(block);
 }
 
-constexpr std::size_t kPlain = alignof(std::max_align_t);
-
+// The forms of new and delete that the library and the tests use.
 void* operator new(std::size_t size) {
-    return take_or_throw(size, kPlain);
+    return take_or_throw(size);
 }
 void* operator new[](std::size_t size) {
-    return take_or_throw(size, kPlain);
-}
-void* operator new(std::size_t size, std::align_val_t alignment) {
-    return take_or_throw(size, static_cast<std::size_t>(alignment));
+    return take_or_throw(size);
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return take(size, kPlain);
+    return take(size);
 }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return take(size, kPlain);
+    return take(size);
 }
 void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
     return take(size, static_cast<std::size_t>(alignment));
@@ -117,15 +113,6 @@ void operator delete[](void* block, std::size_t) noexcept {
 void operator delete(void* block, std::align_val_t) noexcept {
     give_back(block);
 }
-void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
-    give_back(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    give_back(block);
-}
 void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    give_back(block);
-}
-void operator delete(void* block, std::align_val_t, const std::nothrow_t&) noexcept {
     give_back(block);
 }

@@ -4,11 +4,8 @@
 
 namespace nequar::test {
 
-enum class Refusal { one, all_from_there };
-
-// From now on the k-th request (counted from 1) is refused, and with all_from_there all that
-// follow.
-void refuse_request(long k, Refusal refusal);
+// From now on the k-th request (counted from 1) is refused, or it and all that follow.
+void refuse_request(long k, bool and_all_later);
 // Ends that; whether a request was refused.
 bool end_refusals();
 // Blocks that are held now.

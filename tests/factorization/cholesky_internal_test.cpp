@@ -17,12 +17,6 @@ using kernel::Triangle;
 
 TWINS(CholeskyAlgorithm);
 
-template <class Real>
-Matrix<Real> lower_of(const Matrix<Real>& a) {
-    return matrix_of<Real>(a.mh(), a.mh(),
-                           [&](int i, int j) { return i >= j ? a[i][j] : Real(0); });
-}
-
 // The reversed matrix: element (i, j) becomes (n-1-i, n-1-j).
 template <class Real>
 Matrix<Real> reversed(const Matrix<Real>& a) {
@@ -34,33 +28,32 @@ Matrix<Real> reversed(const Matrix<Real>& a) {
 TWIN_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {0, 1, 2, 3, 7, 16, 31, 32, 33, 64, 65, 100, 130}) {
+        const Matrix<Real> a = positive_definite_matrix<Real>(n, 1e3, 3);
+        Matrix<Real> stated = a;
+        ASSERT_EQ(stated_cholesky(stated), -1);
         for (const Size base : {1, 3, 16, 32, 64}) {
-            const Matrix<Real> a = positive_definite_matrix<Real>(n, 1e3, 3);
-            Matrix<Real> f = a;
-            for (int i = 0; i < n; ++i)
-                for (int j = 0; j < i; ++j) f[i][j] = nan;
+            SCOPED_TRACE(testing::Message() << "n = " << n << ", base " << base);
+            Matrix<Real> f =
+                matrix_of<Real>(n, n, [&](int i, int j) { return i <= j ? a[i][j] : nan; });
             Matrix<Real> g = reversed(f);
             ASSERT_TRUE(cholesky_from_opposite(Triangle::lower, view_of(&f), {base, base}));
             ASSERT_TRUE(cholesky_from_opposite(Triangle::upper, view_of(&g), {base, base}));
-            const Matrix<Real> l = lower_of(f);
-            EXPECT_LT(componentwise_product_error(a, l, transposed(l)), 1.0)
-                << "n = " << n << ", base " << base;
+            const auto l =
+                matrix_of<Real>(n, n, [&](int i, int j) { return i >= j ? f[i][j] : Real(0); });
+            EXPECT_LT(componentwise_product_error(a, l, transposed(l)), 1.0);
             EXPECT_LT(largest_difference(reversed(g), f), 1e3 * n * kEpsilon<Real> + 1e-300);
             for (int i = 0; i < n; ++i)
                 for (int j = i + 1; j < n; ++j) EXPECT_EQ(f[i][j], a[i][j]);
-            if (n > base) continue;
-            Matrix<Real> stated = a;
-            ASSERT_EQ(stated_cholesky(stated), -1);
-            EXPECT_EQ(stated, f) << "n = " << n;
+            EXPECT_TRUE(n > base || f == stated);
         }
     }
 }
 
 TWIN_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
-    for (const int n : {1, 5, 33, 100}) {
-        for (const int at : {0, n / 2, n - 1}) {
-            for (const Real bad : {Real(-1), Real(0), nan}) {
+    for (const int n : {1, 5, 33, 100})
+        for (const int at : {0, n / 2, n - 1})
+            for (const Real bad : {Real(-1), Real(0), nan})
                 for (const Size base : {2, 32}) {
                     Matrix<Real> a = dominant_matrix<Real>(n, 3);
                     for (int i = 0; i < n; ++i) {
@@ -77,29 +70,23 @@ TWIN_TEST(CholeskyAlgorithm, StopsAtThePivotThatIsNotAboveZero) {
                         for (int j = i; j < n; ++j)
                             EXPECT_TRUE(a[i][j] == input[i][j] || (i == at && j == at));
                 }
-            }
-        }
-    }
 }
 
 TWIN_TEST(CholeskyAlgorithm, SymmetryIsExact) {
+    const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {0, 1, 2, 31, 32, 33, 70}) {
-        const Matrix<Real> a = positive_definite_matrix<Real>(n, 10, 3);
-        EXPECT_TRUE(is_symmetric(view_of(&a)));
+        Matrix<Real> a = positive_definite_matrix<Real>(n, 10, 3);
+        for (int i = 0; i < n; ++i) a[i][i] = nan;
+        EXPECT_TRUE(is_symmetric(reading(view_of(&a))));
         for (int i = 0; i < n; ++i)
             for (int j = 0; j < i; ++j) {
                 Matrix<Real> b = a;
                 b[i][j] = std::nextafter(b[i][j], Real(9));
                 ASSERT_FALSE(is_symmetric(reading(view_of(&b)))) << i << ' ' << j;
-                b[i][j] = b[j][i] = std::numeric_limits<Real>::quiet_NaN();
+                b[i][j] = b[j][i] = nan;
                 ASSERT_FALSE(is_symmetric(reading(view_of(&b))));
             }
-        Matrix<Real> c = a;
-        for (int i = 0; i < n; ++i) c[i][i] = std::numeric_limits<Real>::quiet_NaN();
-        EXPECT_TRUE(is_symmetric(reading(view_of(&c))));
     }
-    const Matrix<Real> tall = random_matrix<Real>(3, 2);
-    EXPECT_FALSE(is_symmetric(view_of(&tall)));
 }
 
 }  // namespace

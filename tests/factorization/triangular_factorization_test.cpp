@@ -14,33 +14,27 @@ namespace {
 
 using namespace test;
 
-using testing::Types;
-
 template <class Real>
 class TriangularFactorizations : public testing::Test {
 protected:
-    using Dense = Matrix<Real>;
-    using Lower = MatrixTriangularLower<Real>;
-    using Upper = MatrixTriangularUpper<Real>;
-
-    static Dense dense(std::initializer_list<std::initializer_list<double>> rows) {
-        Dense a;
-        a.c_Create(static_cast<int>(rows.size()), static_cast<int>(rows.begin()->size()));
-        Real* element = a.p()[0];
-        for (const auto& row : rows)
-            for (const double x : row) *element++ = static_cast<Real>(x);
-        return a;
+    bool crout(const Matrix<Real>& a) {
+        return factorization.dluc_Decompose_into_LU_matrices_by_Crout(&a, &l, &u, &perm,
+                                                                      interchanges);
     }
-    static MatrixSymmetric<Real> symmetric(const Dense& a) {
-        MatrixSymmetric<Real> s;
-        s.i_Import(&a);
-        return s;
+    bool crout_with_diagonal(const Matrix<Real>& a) {
+        return factorization.dluc_Decompose_into_LU_matrices_by_Crout(&a, &l, &d, &u, &perm,
+                                                                      interchanges);
     }
-    template <class Packed>
-    static Dense exported(const Packed& packed) {
-        Dense a;
-        packed.e_Export(&a, true);
-        return a;
+    bool crout_in_place(Matrix<Real>& a) {
+        return factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&a, &perm, interchanges);
+    }
+    bool partial(const Matrix<Real>& a) {
+        return factorization.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
+            &a, &l, &u, &perm, interchanges);
+    }
+    bool partial_in_place(Matrix<Real>& a) {
+        return factorization.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&a, &perm,
+                                                                                     interchanges);
     }
 
     void expect_refused(bool done, std::initializer_list<std::string> records) const {
@@ -50,8 +44,8 @@ protected:
     MatrixFactorization<Real> factorization;
     CNqVectorInt perm;
     int interchanges = -1;
-    Lower l;
-    Upper u;
+    MatrixTriangularLower<Real> l;
+    MatrixTriangularUpper<Real> u;
     MatrixDiagonal<Real> d;
 };
 
@@ -59,41 +53,31 @@ protected:
 #define PARTIAL "dlup_Decompose_into_LU_matrices_with_Partial_pivoting: "
 #define CHOLESKY "dch_Decompose_matrix_by_Cholesky_algorithm: "
 
-TWIN_TEST(TriangularFactorizations, NamesOfTheTwins) {
+TWIN_TEST(TriangularFactorizations, CroutOnTextbookMatrices) {
+    auto swap = matrix_of<Real>(2, 2, {0, 1, 1, 0});
+    ASSERT_TRUE(this->crout_in_place(swap));
+    EXPECT_TRUE(this->interchanges == 1 && this->perm[0] == 1 && this->perm[1] == 0);
+    EXPECT_EQ(swap, identity_of<Real>(2));
+    auto ties = matrix_of<Real>(3, 3, {1, 2, 0, -1, 1, 1, 1, 0, 5});
+    ASSERT_TRUE(this->crout_in_place(ties));
+    EXPECT_EQ(this->perm[0], 2);  // the last of equals
+    Matrix<Real> empty;
     EXPECT_EQ(this->factorization.gcn_Get_Class_Name(),
               (std::is_same_v<Real, float> ? "LCNqUtility_for_MatrixFloat_Factorization"
                                            : "LCNqUtility_for_Matrix_Factorization"));
-}
-
-TWIN_TEST(TriangularFactorizations, CroutOnTextbookMatrices) {
-    const auto factor = [&](Matrix<Real>& a) {
-        return this->factorization.u_dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->perm,
-                                                                              this->interchanges);
-    };
-    auto swap = this->dense({{0, 1}, {1, 0}});
-    ASSERT_TRUE(factor(swap));
-    EXPECT_TRUE(this->interchanges == 1 && this->perm[0] == 1 && this->perm[1] == 0);
-    EXPECT_EQ(swap, identity_of<Real>(2));
-    auto ties = this->dense({{1, 2, 0}, {-1, 1, 1}, {1, 0, 5}});
-    ASSERT_TRUE(factor(ties));
-    EXPECT_EQ(this->perm[0], 2);  // the last of equals
-    Matrix<Real> empty;
-    ASSERT_TRUE(factor(empty));
+    ASSERT_TRUE(this->crout_in_place(empty));
     EXPECT_TRUE(this->perm.vs() == 0 && this->interchanges == 0);
 }
 
 // The stated rule refuses a regular matrix that partial pivoting factors.
 TWIN_TEST(TriangularFactorizations, CroutRefusesWhatPartialPivotingSolves) {
-    const auto regular = this->dense({{4, 4, 1}, {2, 1, 1}, {2, 2, 3}});
+    const auto regular = matrix_of<Real>(3, 3, {4, 4, 1, 2, 1, 1, 2, 2, 3});
     const auto& f = this->factorization;
-    this->expect_refused(f.dluc_Decompose_into_LU_matrices_by_Crout(
-                             &regular, &this->l, &this->u, &this->perm, this->interchanges),
-                         {"u_" CROUT "singular", CROUT "1"});
+    this->expect_refused(this->crout(regular), {"u_" CROUT "singular", CROUT "1"});
     EXPECT_EQ(f.ged_Get_Error_Detail(), "1");
-    ASSERT_TRUE(f.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
-        &regular, &this->l, &this->u, &this->perm, this->interchanges));
-    EXPECT_LT(componentwise_product_error(with_rows(regular, this->perm.p()),
-                                          this->exported(this->l), this->exported(this->u)),
+    ASSERT_TRUE(this->partial(regular));
+    EXPECT_LT(componentwise_product_error(with_rows(regular, this->perm.p()), unpacked(this->l),
+                                          unpacked(this->u)),
               1.0);
 }
 
@@ -101,27 +85,21 @@ TWIN_TEST(TriangularFactorizations, PackedFactorsReproduceTheInput) {
     for (const int n : {1, 2, 9, 32, 33, 70}) {
         const Matrix<Real> a = dominant_matrix<Real>(n, 3);
         const Matrix<Real> kept = a;
-        const auto& f = this->factorization;
-        ASSERT_TRUE(f.dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->l, &this->u, &this->perm,
-                                                               this->interchanges));
+        ASSERT_TRUE(this->crout(a));
         EXPECT_EQ(a, kept);
-        const Matrix<Real> permuted = with_rows(a, this->perm.p());
-        const Matrix<Real> dense_l = this->exported(this->l);
-        const Matrix<Real> dense_u = this->exported(this->u);
-        EXPECT_LT(componentwise_product_error(permuted, dense_l, dense_u), 1.0);
+        const Matrix<Real> dense_l = unpacked(this->l), dense_u = unpacked(this->u);
+        EXPECT_LT(componentwise_product_error(with_rows(a, this->perm.p()), dense_l, dense_u), 1.0);
         Matrix<Real> packed = a;
-        ASSERT_TRUE(
-            f.u_dluc_Decompose_into_LU_matrices_by_Crout(&packed, &this->perm, this->interchanges));
+        ASSERT_TRUE(this->crout_in_place(packed));
         for (int i = 0; i < n; ++i) {
             EXPECT_EQ(dense_l[i][i], Real(1));
             for (int j = 0; j < n; ++j)
                 EXPECT_EQ(i > j ? dense_l[i][j] : dense_u[i][j], packed[i][j]);
         }
 
-        ASSERT_TRUE(f.dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->l, &this->d, &this->u,
-                                                               &this->perm, this->interchanges));
-        const Matrix<Real> unit = this->exported(this->u);
-        EXPECT_EQ(this->exported(this->l), dense_l);
+        ASSERT_TRUE(this->crout_with_diagonal(a));
+        const Matrix<Real> unit = unpacked(this->u);
+        EXPECT_EQ(unpacked(this->l), dense_l);
         for (int i = 0; i < n; ++i) {
             EXPECT_EQ(this->d[i], dense_u[i][i]);
             EXPECT_EQ(unit[i][i], Real(1));
@@ -135,92 +113,65 @@ TWIN_TEST(TriangularFactorizations, RefusedShapesTouchNothing) {
     const Matrix<Real> kept = wide;
     this->perm.c_Create(7, 5);
     const auto& f = this->factorization;
-    this->expect_refused(
-        f.u_dluc_Decompose_into_LU_matrices_by_Crout(&wide, &this->perm, this->interchanges),
-        {"u_" CROUT "non-square"});
-    this->expect_refused(f.dluc_Decompose_into_LU_matrices_by_Crout(
-                             &wide, &this->l, &this->u, &this->perm, this->interchanges),
-                         {"u_" CROUT "non-square", CROUT "1"});
-    this->expect_refused(f.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
-                             &wide, &this->l, &this->u, &this->perm, this->interchanges),
-                         {"u_" PARTIAL "non-square", PARTIAL "1"});
-    EXPECT_FALSE(f.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&wide, &this->perm,
-                                                                           this->interchanges));
+    this->expect_refused(this->crout_in_place(wide), {"u_" CROUT "non-square"});
+    this->expect_refused(this->crout(wide), {"u_" CROUT "non-square", CROUT "1"});
+    this->expect_refused(this->partial(wide), {"u_" PARTIAL "non-square", PARTIAL "1"});
+    EXPECT_FALSE(this->partial_in_place(wide));
     this->expect_refused(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &wide),
                          {"u_" CHOLESKY "non-square matrix"});
-    Real determinant = 7;
-    Real condition = 8;
+    Real determinant = 7, condition = 8;
     this->expect_refused(f.d_Determinant(&wide, determinant), {"d_Determinant: not square"});
     this->expect_refused(f.ecn_Estimate_Condition_Number(&wide, condition),
                          {"u_" PARTIAL "non-square", "ecn_Estimate_Condition_Number: 1"});
-    EXPECT_EQ(determinant, Real(7));
-    EXPECT_EQ(condition, Real(8));
-    EXPECT_EQ(wide, kept);
-    EXPECT_EQ(this->interchanges, -1);
-    EXPECT_EQ(this->perm.vs(), 7);
-    EXPECT_EQ(this->l.mh(), 1);
+    EXPECT_TRUE(determinant == 7 && condition == 8 && wide == kept);
+    EXPECT_TRUE(this->interchanges == -1 && this->perm.vs() == 7 && this->l.mh() == 1);
 
     // Packed factors of an empty matrix cannot be had; nothing else is refused.
     const Matrix<Real> empty;
-    this->expect_refused(f.dluc_Decompose_into_LU_matrices_by_Crout(
-                             &empty, &this->l, &this->u, &this->perm, this->interchanges),
-                         {CROUT "cannot size the output"});
-    EXPECT_TRUE(f.d_Determinant(&empty, determinant));
-    EXPECT_EQ(determinant, Real(1));
-    EXPECT_TRUE(f.ecn_Estimate_Condition_Number(&empty, condition));
-    EXPECT_EQ(condition, Real(1));
+    this->expect_refused(this->crout(empty), {CROUT "cannot size the output"});
+    EXPECT_TRUE(f.d_Determinant(&empty, determinant) && determinant == 1);
+    EXPECT_TRUE(f.ecn_Estimate_Condition_Number(&empty, condition) && condition == 1);
 }
 
 // What a zero pivot leaves, in place and beside the packed outputs.
 TWIN_TEST(TriangularFactorizations, SingularState) {
     const Matrix<Real> input =
-        this->dense({{2, 4, 1, 7}, {4, 8, 3, 1}, {1, 2, 5, 9}, {0, 0, 1, 2}});
+        matrix_of<Real>(4, 4, {2, 4, 1, 7, 4, 8, 3, 1, 1, 2, 5, 9, 0, 0, 1, 2});
     const StatedLu<Real> stated = stated_crout(input);
     ASSERT_EQ(stated.zero_pivot, 1);
-    const auto& f = this->factorization;
     Matrix<Real> a = input;
-    this->expect_refused(
-        f.u_dluc_Decompose_into_LU_matrices_by_Crout(&a, &this->perm, this->interchanges),
-        {"u_" CROUT "singular"});
+    this->expect_refused(this->crout_in_place(a), {"u_" CROUT "singular"});
     EXPECT_EQ(a, stated.a);
     this->perm.c_Create(1);
     this->interchanges = -1;
     this->l.c_Create(2, 2, Real(6));
-    EXPECT_FALSE(f.dluc_Decompose_into_LU_matrices_by_Crout(&input, &this->l, &this->d, &this->u,
-                                                            &this->perm, this->interchanges));
+    EXPECT_FALSE(this->crout_with_diagonal(input));
     EXPECT_EQ(this->interchanges, stated.interchanges);
     ASSERT_EQ(this->perm.vs(), 4);
     for (int i = 0; i < 4; ++i) EXPECT_EQ(this->perm[i], stated.perm[static_cast<std::size_t>(i)]);
-    EXPECT_EQ(this->l.mh(), 2);
-    EXPECT_EQ(this->l[0], Real(6));
-    EXPECT_EQ(this->d.mh(), 1);
+    EXPECT_TRUE(this->l.mh() == 2 && this->l[0] == 6 && this->d.mh() == 1);
 
     // Partial pivoting finishes: P A = L U with a zero on the diagonal of U.
     a = input;
-    this->expect_refused(f.u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting(
-                             &a, &this->perm, this->interchanges),
-                         {"u_" PARTIAL "singular"});
+    this->expect_refused(this->partial_in_place(a), {"u_" PARTIAL "singular"});
     EXPECT_EQ(a[1][1], Real(0));
 }
 
 TWIN_TEST(TriangularFactorizations, CholeskyBothForms) {
     const auto& f = this->factorization;
-    const auto a = this->dense({{4, 2}, {2, 3}});
-    Matrix<Real> lower = a;
+    const auto a = matrix_of<Real>(2, 2, {4, 2, 2, 3});
+    Matrix<Real> lower = a, upper = a;
     ASSERT_TRUE(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &lower));
-    EXPECT_EQ(lower, (this->dense({{2, 2}, {1, std::sqrt(2.0)}})));
-    Matrix<Real> upper = a;
+    EXPECT_EQ(lower, matrix_of<Real>(2, 2, {2, 2, 1, std::sqrt(2.0)}));
     ASSERT_TRUE(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(false, &upper));
-    EXPECT_EQ(upper[1][1], std::sqrt(Real(3)));
-    EXPECT_EQ(upper[1][0], Real(2));
+    EXPECT_TRUE(upper[1][1] == std::sqrt(Real(3)) && upper[1][0] == 2);
 
     for (const int n : {1, 2, 7, 32, 33, 64, 65, 100}) {
         const Matrix<Real> spd = positive_definite_matrix<Real>(n, 500, 9);
-        const auto packed = this->symmetric(spd);
+        const auto packed = packed_of(spd);
         ASSERT_TRUE(f.dch_Decompose_matrix_by_Cholesky_algorithm(&packed, &this->l));
         ASSERT_TRUE(f.dch_Decompose_matrix_by_Cholesky_algorithm(&packed, &this->u));
-        const Matrix<Real> dense_l = this->exported(this->l);
-        const Matrix<Real> dense_u = this->exported(this->u);
+        const Matrix<Real> dense_l = unpacked(this->l), dense_u = unpacked(this->u);
         EXPECT_LT(componentwise_product_error(spd, dense_l, transposed(dense_l)), 1.0) << n;
         EXPECT_LT(componentwise_product_error(spd, dense_u, transposed(dense_u)), 1.0) << n;
         EXPECT_TRUE(f.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&packed));
@@ -237,8 +188,8 @@ TWIN_TEST(TriangularFactorizations, CholeskyBothForms) {
 
 TWIN_TEST(TriangularFactorizations, CholeskyRefusals) {
     const auto& f = this->factorization;
-    const auto indefinite = this->symmetric(this->dense({{1, 2}, {2, 1}}));
-    const auto semidefinite = this->symmetric(this->dense({{1, 1}, {1, 1}}));
+    const auto indefinite = packed_of(matrix_of<Real>(2, 2, {1, 2, 2, 1}));
+    const auto semidefinite = packed_of(matrix_of<Real>(2, 2, {1, 1, 1, 1}));
     this->l.c_Create(3, 3, Real(5));
     for (const auto* a : {&indefinite, &semidefinite}) {
         this->expect_refused(f.dch_Decompose_matrix_by_Cholesky_algorithm(a, &this->l),
@@ -249,7 +200,7 @@ TWIN_TEST(TriangularFactorizations, CholeskyRefusals) {
     MatrixFactorization<Real> silent;
     EXPECT_FALSE(
         silent.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&semidefinite));
-    auto nan = this->symmetric(identity_of<Real>(3));
+    auto nan = packed_of(identity_of<Real>(3));
     nan.se_Set_Element(1, 1, std::numeric_limits<Real>::quiet_NaN());
     EXPECT_FALSE(silent.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&nan));
     const auto tall = random_matrix<Real>(3, 2);
@@ -260,7 +211,7 @@ TWIN_TEST(TriangularFactorizations, CholeskyRefusals) {
     EXPECT_EQ(silent.ged_Get_Error_Detail(), "");
 
     // Someone resized the vector under the matrix: its elements are not read.
-    auto broken = this->symmetric(identity_of<Real>(4));
+    auto broken = packed_of(identity_of<Real>(4));
     static_cast<Vector<Real>&>(broken).c_Create(3);
     this->expect_refused(f.dch_Decompose_matrix_by_Cholesky_algorithm(&broken, &this->l),
                          {CHOLESKY "bad input"});
@@ -271,14 +222,13 @@ TWIN_TEST(TriangularFactorizations, CholeskyRefusals) {
 
 TWIN_TEST(TriangularFactorizations, Determinants) {
     const auto& f = this->factorization;
-    const auto a = this->dense({{0, 1}, {1, 0}});
-    const auto s = this->symmetric(a);
+    const auto a = matrix_of<Real>(2, 2, {0, 1, 1, 0});
+    const auto s = packed_of(a);
     Real determinant = 0;
-    ASSERT_TRUE(f.d_Determinant(&a, determinant));
-    EXPECT_EQ(determinant, Real(-1));
+    EXPECT_TRUE(f.d_Determinant(&a, determinant) && determinant == -1);
     EXPECT_EQ(f.d_Determinant(&a), Real(-1));
     EXPECT_EQ(f.d_Determinant(&s), Real(-1));
-    const auto known = this->dense({{2, -1, 0}, {-1, 2, -1}, {0, -1, 2}});
+    const auto known = matrix_of<Real>(3, 3, {2, -1, 0, -1, 2, -1, 0, -1, 2});
     EXPECT_NEAR(f.d_Determinant(&known), 4, 20 * kEpsilon<Real>);
     for (const int n : {33, 70}) {  // the product of the diagonal, found through the blocked form
         Matrix<Real> triangular = identity_of<Real>(n);
@@ -288,8 +238,8 @@ TWIN_TEST(TriangularFactorizations, Determinants) {
         EXPECT_EQ(f.d_Determinant(&triangular), Real(n % 2 == 0 ? -1 : -2));
     }
 
-    const auto singular = this->dense({{1, 2}, {2, 4}});
-    const auto packed = this->symmetric(singular);
+    const auto singular = matrix_of<Real>(2, 2, {1, 2, 2, 4});
+    const auto packed = packed_of(singular);
     determinant = 5;
     this->expect_refused(f.d_Determinant(&singular, determinant),
                          {"u_" CROUT "singular", "d_Determinant: 1"});
@@ -306,14 +256,14 @@ TWIN_TEST(TriangularFactorizations, Determinants) {
 TWIN_TEST(TriangularFactorizations, ConditionNumber) {
     const auto& f = this->factorization;
     Real condition = 0;
-    const auto diagonal = this->dense({{4, 0, 0}, {0, 0.5, 0}, {0, 0, 1}});
+    const auto diagonal = matrix_of<Real>(3, 3, {4, 0, 0, 0, 0.5, 0, 0, 0, 1});
     ASSERT_TRUE(f.ecn_Estimate_Condition_Number(&diagonal, condition));
     EXPECT_EQ(condition, Real(8));
     const auto hilbert = hilbert_matrix<Real>(4);
     ASSERT_TRUE(f.ecn_Estimate_Condition_Number(&hilbert, condition));
     EXPECT_NEAR(condition, 28375, 28375 * 1e5 * kEpsilon<Real>);
     condition = 3;
-    const auto singular = this->dense({{1, 2}, {2, 4}});
+    const auto singular = matrix_of<Real>(2, 2, {1, 2, 2, 4});
     this->expect_refused(f.ecn_Estimate_Condition_Number(&singular, condition),
                          {"u_" PARTIAL "singular", "ecn_Estimate_Condition_Number: 1"});
     EXPECT_EQ(condition, Real(3));

@@ -2,12 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "nequar_algebra/frame/message.h"
 
@@ -56,20 +53,16 @@ TEST(Class, RecordsNameDetailAndMethod) {
 }
 
 TEST(Class, ChainsTheRecordsOfOneCallInnermostFirst) {
-    Probe probe;
+    const std::string inner = "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2";
+    Probe probe, user("User");
     probe.reports();
     EXPECT_FALSE(probe.outer());
-    EXPECT_EQ(probe.gft_Get_Failure_Trace(),
-              "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2");
+    EXPECT_EQ(probe.gft_Get_Failure_Trace(), inner.c_str());
     EXPECT_EQ(probe.grm_Get_Recorded_Message(), "Probe::outer_Calls_fails: 2");
-
-    Probe user("User");
     user.reports();
     for (int again = 0; again < 2; ++again) {
         EXPECT_FALSE(user.around(probe));
-        EXPECT_EQ(user.gft_Get_Failure_Trace(),
-                  "Probe::fails_By_zsm: singular\nProbe::outer_Calls_fails: 2\n"
-                  "User::around_Calls_inner: 3");
+        EXPECT_EQ(user.gft_Get_Failure_Trace(), (inner + "\nUser::around_Calls_inner: 3").c_str());
     }
     // The next call starts a chain of its own.
     user.reports();
@@ -80,16 +73,14 @@ TEST(Class, CopiesNameDetailAndFlagButNotTheRecord) {
     Probe source("Source");
     source.fails();
     source.zet_s(true);
-    const Probe copy = source;
-    Probe assigned;
-    assigned = source;
-    Probe through_pointer;
-    through_pointer.cp_Copy(&source);
-    for (const Probe* p : {&copy, &std::as_const(assigned), &std::as_const(through_pointer)}) {
-        EXPECT_EQ(p->gcn_Get_Class_Name(), "Source");
-        EXPECT_EQ(p->ged_Get_Error_Detail(), "singular");
-        EXPECT_TRUE(p->get_Get_Error_Trace_mode());
-        EXPECT_EQ(p->grm_Get_Recorded_Message(), "");
+    Probe copies[] = {source, Probe(), Probe()};
+    copies[1] = source;
+    copies[2].cp_Copy(&source);
+    for (const Probe& p : copies) {
+        EXPECT_EQ(p.gcn_Get_Class_Name(), "Source");
+        EXPECT_EQ(p.ged_Get_Error_Detail(), "singular");
+        EXPECT_TRUE(p.get_Get_Error_Trace_mode());
+        EXPECT_EQ(p.grm_Get_Recorded_Message(), "");
     }
     EXPECT_EQ(source.grm_Get_Recorded_Message(), "Source::fails_By_zsm: singular");
 }
@@ -122,31 +113,24 @@ TEST(ClassDeathTest, TheFatalFormPrintsAndEndsWithStatusZero) {
 
 TEST(Message, TheLastMessageIsWholeUnderConcurrentUse) {
     // Long enough for a message to be read while it is half written.
-    const std::string as(20000, 'a');
-    const std::string bs(20000, 'b');
-    const std::vector<const char*> names = {as.c_str(), bs.c_str()};
-    Probe(names[0]).fails();
+    const std::string as(20000, 'a'), bs(20000, 'b'), rest = "::fails_By_zsm: singular";
+    Probe(as.c_str()).fails();
     std::atomic<bool> all_read = false;
-    std::vector<std::thread> threads;
-    for (const char* const name : names)
-        threads.emplace_back([name, &all_read] {
-            Probe probe(name);
-            while (!all_read) probe.fails();
-        });
+    std::thread writer([&] {
+        while (!all_read)
+            for (const std::string* name : {&as, &bs}) Probe(name->c_str()).fails();
+    });
     int torn = 0;
     for (int i = 0; i < 2000; ++i) {
-        const CNqString message = Nq_Last_Message();
-        torn += std::none_of(names.begin(), names.end(), [&message](const char* name) {
-            return message == (std::string(name) + "::fails_By_zsm: singular").c_str();
-        });
+        const std::string message = Nq_Last_Message().c_str();
+        torn += message != as + rest && message != bs + rest;
     }
     all_read = true;
-    for (std::thread& thread : threads) thread.join();
+    writer.join();
     EXPECT_EQ(torn, 0);
     testing::internal::CaptureStderr();
     EXPECT_TRUE(Nq_Print_Message());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              Nq_Last_Message().c_str() + std::string("\n"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), bs + rest + '\n');
 }
 
 }  // namespace

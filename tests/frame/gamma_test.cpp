@@ -23,20 +23,16 @@ TEST(GammaLog, HasFourteenDigitsForEveryPositiveArgument) {
     for (const double seam : {0.5, 1.0, 1.5, 2.0, 2.5, 3.5, 10.0})
         for (double d = 1e-16; d < 0.1; d *= 3)
             for (const double x : {seam - d, seam + d})
-                if (x != 1.0 && x != 2.0) {
-                    ASSERT_LT(relative_error(x), 3e-15) << x;
-                }
+                EXPECT_TRUE(x == 1.0 || x == 2.0 || relative_error(x) < 3e-15) << x;
     EXPECT_EQ(Nq_Gamma_Log(1.0), 0.0);
     EXPECT_EQ(Nq_Gamma_Log(2.0), 0.0);
 }
 
 TEST(GammaLog, ReflectsNegativeArguments) {
     for (double x = -1e-300; x > -150.0; x = x * 1.0101 - (x < -1e-2 ? 1e-3 : 0.0)) {
-        const long double exact = std::lgamma(static_cast<long double>(x));
-        ASSERT_LT(std::fabs(static_cast<double>(Nq_Gamma_Log(x) - exact)),
-                  3e-15 * (1.0 + std::fabs(x) * std::log(1.0 - x)) +
-                      3e-15 * static_cast<double>(std::fabs(exact)))
-            << x;
+        const double exact = double(std::lgamma(static_cast<long double>(x)));
+        const double size = 1.0 + std::fabs(x) * std::log(1.0 - x);
+        ASSERT_NEAR(Nq_Gamma_Log(x), exact, 3e-15 * (size + std::fabs(exact))) << x;
     }
     EXPECT_NEAR(Nq_Gamma_Log(-0.5), std::log(2.0 * std::sqrt(3.141592653589793)), 1e-15);
 }

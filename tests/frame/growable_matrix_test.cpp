@@ -4,50 +4,39 @@
 
 #include <climits>
 #include <random>
-#include <type_traits>
-#include <utility>
-#include <vector>
 
+#include "support/residual.h"
+
+namespace nequar::test {
 namespace {
 
 template <class Container>
-class GrowableMatrixOf : public testing::Test {
-public:
-    static constexpr bool columns =
-        std::is_same_v<Container, CNqXCmatrix> || std::is_same_v<Container, CNqXCmatrixFloat>;
-    using Real = std::conditional_t<std::is_same_v<Container, CNqXCmatrix> ||
-                                        std::is_same_v<Container, CNqXRmatrix>,
-                                    double, float>;
-    using Dense = nequar::Matrix<Real>;
+class GrowableMatrixOf;
+template <class Real, Growth growth>
+class GrowableMatrixOf<GrowableMatrix<Real, growth>> : public testing::Test {
+protected:
+    using Number = Real;
 
     // Vectors of the given size; element i of vector k is 10 (first + k) + i.
-    static Dense vectors(int size, int count, int first) {
-        Dense m;
-        m.c_Create(columns ? size : count, columns ? count : size);
-        for (int k = 0; k < count; ++k)
-            for (int i = 0; i < size; ++i)
-                (columns ? m[i][k] : m[k][i]) = static_cast<Real>(10 * (first + k) + i);
-        return m;
+    static Matrix<Number> vectors(int size, int count, int first) {
+        const auto rows =
+            matrix_of<Number>(count, size, [first](int k, int i) { return 10 * (first + k) + i; });
+        return growth == Growth::columns ? transposed(rows) : rows;
     }
-
     // The first elements of the stored vectors, after every other one has been checked.
-    static std::vector<int> stored(const Container& x) {
-        const Real* const* rows = nullptr;
-        int count = 0;
-        int width = 0;
-        int height = 0;
-        int blank = 0;
-        x.z_gii(nullptr, &rows, &width, &height, &count, &blank);
+    static std::vector<int> stored(const GrowableMatrix<Number, growth>& x) {
+        const Number* const* own = nullptr;
+        int count = 0, width = 0, height = 0, blank = 0;
+        x.z_gii(nullptr, &own, &width, &height, &count, &blank);
+        const bool columns = growth == Growth::columns;
         EXPECT_EQ(columns ? width : height, count + blank);
         EXPECT_EQ(columns ? height : width, x.vs());
-        EXPECT_EQ(count, x.nee());
-        EXPECT_EQ(blank, x.sbs());
+        EXPECT_TRUE(count == x.nee() && blank == x.sbs());
         std::vector<int> firsts;
         for (int k = 0; k < count; ++k) {
-            const Real first = columns ? rows[0][k] : rows[k][0];
+            const Number first = columns ? own[0][k] : own[k][0];
             for (int i = 1; i < x.vs(); ++i)
-                EXPECT_EQ(columns ? rows[i][k] : rows[k][i],
-                          first == 0 ? 0 : first + static_cast<Real>(i));
+                EXPECT_EQ(columns ? own[i][k] : own[k][i], first == 0 ? 0 : first + Number(i));
             firsts.push_back(static_cast<int>(first));
         }
         return firsts;
@@ -58,28 +47,25 @@ TYPED_TEST_SUITE(GrowableMatrixOf, Containers);
 
 // Random operations beside the same on the first elements.
 TYPED_TEST(GrowableMatrixOf, DoesWhatTheModelDoes) {
-    using Number = typename TestFixture::Real;
+    using Real = typename TestFixture::Number;
     std::mt19937 random(5);
     TypeParam x;
     ASSERT_TRUE(x.in_Initialize(3, 2));
     EXPECT_EQ(x.sbs(), 2);
     std::vector<int> model;
+    Matrix<Real>* own = nullptr;
     for (int step = 1; step < 2000; ++step) {
         const int n = static_cast<int>(random() % 4);
-        nequar::Vector<Number> vector;
+        const auto source = this->vectors(3, 3, step);
+        const auto vector = vector_of<Real>({10.0 * step, 10.0 * step + 1, 10.0 * step + 2});
         switch (random() % 8) {
             case 0:  // its own matrix
-                if (model.size() < 100) {
-                    typename TestFixture::Dense* own = nullptr;
-                    x.z_gii(&own);
-                    ASSERT_TRUE(x.ap_Append(own, x.nee()));
-                    const auto before = model;
-                    model.insert(model.end(), before.begin(), before.end());
-                }
+                if (model.size() >= 100) break;
+                x.z_gii(&own);
+                ASSERT_TRUE(x.ap_Append(own, x.nee()));
+                for (std::size_t k = model.size(), i = 0; i < k; ++i) model.push_back(model[i]);
                 break;
             case 1:
-                vector.c_Create(3);
-                for (int i = 0; i < 3; ++i) vector[i] = static_cast<Number>(10 * step + i);
                 ASSERT_TRUE(x.ap_Append(&vector));
                 model.push_back(10 * step);
                 break;
@@ -109,22 +95,20 @@ TYPED_TEST(GrowableMatrixOf, DoesWhatTheModelDoes) {
                 if (model.empty()) x.in_Initialize(3, n);
                 break;
             default:
-                const auto source = this->vectors(3, 3, step);
                 ASSERT_TRUE(x.ap_Append(&source, n));
                 for (int k = 0; k < n; ++k) model.push_back(10 * (step + k));
         }
         ASSERT_EQ(this->stored(x), model) << step;
     }
     // Appending moves what is stored only so often.
+    const auto source = this->vectors(3, 1, 1);
     int moves = 0;
     for (int k = 0; k < 500; ++k) {
-        const auto source = this->vectors(3, 1, k);
         moves += x.sbs() == 0;
         ASSERT_TRUE(x.ap_Append(&source, 1));
     }
     EXPECT_LT(moves, 12);
     // Someone reshapes the matrix that was handed out.
-    typename TestFixture::Dense* own = nullptr;
     x.z_gii(&own);
     own->c_Create(1, 1, 30);
     EXPECT_EQ(this->stored(x), (std::vector<int>{30}));
@@ -132,11 +116,9 @@ TYPED_TEST(GrowableMatrixOf, DoesWhatTheModelDoes) {
 
 TYPED_TEST(GrowableMatrixOf, RefusesWithNothingChanged) {
     TypeParam x;
-    const auto other_size = this->vectors(3, 3, 0);
+    const auto other_size = this->vectors(3, 3, 0), source = this->vectors(2, 2, 1);
     EXPECT_FALSE(x.ap_Append(&other_size, 1));
-    x.in_Initialize(2, 2);
-    const auto source = this->vectors(2, 2, 1);
-    x.ap_Append(&source, 2);
+    ASSERT_TRUE(x.in_Initialize(2, 2) && x.ap_Append(&source, 2));
     const TypeParam before = x;
     EXPECT_FALSE(x.ap_Append(&other_size, 0) || x.is_Initialize_Space(5, 50));
     EXPECT_EQ(x.ged_Get_Error_Detail(), "3");
@@ -145,8 +127,7 @@ TYPED_TEST(GrowableMatrixOf, RefusesWithNothingChanged) {
     EXPECT_EQ(x.ged_Get_Error_Detail(), "1");
     EXPECT_FALSE(x.mbs(INT_MAX) || x.in_Initialize(INT_MAX, INT_MAX));
     EXPECT_EQ(x.ged_Get_Error_Detail(), "2");
-    EXPECT_TRUE(x == before);
-    EXPECT_EQ(x.sbs(), before.sbs());
+    EXPECT_TRUE(x == before && x.sbs() == before.sbs());
 }
 
 TEST(GrowableMatrix, ChainsTheRefusalOfItsMatrix) {
@@ -157,3 +138,4 @@ TEST(GrowableMatrix, ChainsTheRefusalOfItsMatrix) {
 }
 
 }  // namespace
+}  // namespace nequar::test

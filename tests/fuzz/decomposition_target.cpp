@@ -9,11 +9,7 @@ namespace {
 using namespace nequar;
 using namespace nequar::fuzz;
 
-template <class Packed, class Real>
-Matrix<Real> dense_of(const Packed& packed, Matrix<Real> dense = {}) {
-    packed.e_Export(&dense, true);
-    return dense;
-}
+using test::unpacked;
 
 template <class Real>
 struct Decompositions {
@@ -32,10 +28,12 @@ struct Decompositions {
                   double(std::numeric_limits<Real>::max()) / (4.0 * height * width);
     }
     // Whether the factors may be held against the matrix.
-    bool has_factors(const Matrix<Real>& factor) {
-        if (is_tame) NEQUAR_REQUIRE(is_finite(factor));
-        if (has_nan(a)) NEQUAR_REQUIRE(!is_finite(factor));
-        return is_finite(a) && is_finite(factor);
+    template <class... Matrices>
+    bool has_factors(const Matrices&... factors) {
+        const bool are_finite = (is_finite(factors) && ...);
+        if (is_tame) NEQUAR_REQUIRE(are_finite);
+        if (has_nan(a)) NEQUAR_REQUIRE(!are_finite);
+        return is_finite(a) && are_finite;
     }
 
     void lu(bool partial) {
@@ -48,10 +46,10 @@ struct Decompositions {
                                                                                  count)
                     : tool.dluc_Decompose_into_LU_matrices_by_Crout(&a, &l, &u, &perm, count);
         if (!done) return;
-        l.e_Export(&q, true);
-        u.e_Export(&r, true);
-        if (has_nan(a)) NEQUAR_REQUIRE(!is_finite(q) || !is_finite(r));
-        if (!is_finite(a) || !is_finite(q) || !is_finite(r)) return;
+        q = unpacked(l);
+        r = unpacked(u);
+        is_tame = false;  // a tiny pivot lets the factors overflow
+        if (!has_factors(q, r)) return;
         const Wide size = Wide(q).magnitudes() * Wide(r).magnitudes();
         // A multiplier may round as a subnormal number does.
         const long double lost = std::numeric_limits<Real>::denorm_min() /
@@ -68,8 +66,7 @@ struct Decompositions {
         take(n, n, true);
         if (input.coin())
             for (int i = 0; i < n; ++i) a[i][i] = std::abs(a[i][i]) * 16;
-        MatrixSymmetric<Real> s;
-        s.iu_Import_Upper_part_of(&a);
+        const MatrixSymmetric<Real> s = test::packed_of(a);
         MatrixTriangularLower<Real> l;
         MatrixTriangularUpper<Real> u;
         if (!(lower ? tool.dch_Decompose_matrix_by_Cholesky_algorithm(&s, &l)
@@ -77,10 +74,7 @@ struct Decompositions {
             return;
         NEQUAR_REQUIRE(tool.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&s) ||
                        !lower);
-        if (lower)
-            l.e_Export(&q, true);
-        else
-            u.e_Export(&q, true);
+        q = lower ? unpacked(l) : unpacked(u);
         if (is_finite(a) && is_finite(q)) NEQUAR_REQUIRE(agree(a, Wide(q) * Wide(q).transposed()));
     }
 
@@ -90,26 +84,16 @@ struct Decompositions {
         take(is_tall ? k + extra : k, is_tall ? k : k + extra);
         MatrixTriangularUpper<Real> u;
         MatrixTriangularLower<Real> l;
-        if (form == 0) {
-            NEQUAR_REQUIRE(tool.dqrh_Decompose_into_QR_matrices_based_on_Householder(&a, &q, &u));
-        } else if (form == 1) {
-            NEQUAR_REQUIRE(tool.dqlh_Decompose_into_QL_matrices_based_on_Householder(&a, &q, &l));
-        } else if (form == 2) {
-            NEQUAR_REQUIRE(tool.drqh_Decompose_into_RQ_matrices_based_on_Householder(&a, &u, &q));
-        } else {
-            NEQUAR_REQUIRE(tool.dlqh_Decompose_into_LQ_matrices_based_on_Householder(&a, &l, &q));
-        }
-        if (form == 0 || form == 2)
-            u.e_Export(&r, true);
-        else
-            l.e_Export(&r, true);
-        if (has_nan(a)) NEQUAR_REQUIRE(!is_finite(r) || !is_finite(q));
-        if (is_tame) NEQUAR_REQUIRE(is_finite(r) && is_finite(q));
+        NEQUAR_REQUIRE(
+            form == 0   ? tool.dqrh_Decompose_into_QR_matrices_based_on_Householder(&a, &q, &u)
+            : form == 1 ? tool.dqlh_Decompose_into_QL_matrices_based_on_Householder(&a, &q, &l)
+            : form == 2 ? tool.drqh_Decompose_into_RQ_matrices_based_on_Householder(&a, &u, &q)
+                        : tool.dlqh_Decompose_into_LQ_matrices_based_on_Householder(&a, &l, &q));
+        r = form == 0 || form == 2 ? unpacked(u) : unpacked(l);
         // A trapezoid of QL (RQ) that ends in the corner is not one that packed factors hold.
-        if (!is_finite(a) || !is_finite(q) || !is_finite(r)) return;
+        if (!has_factors(r, q)) return;
         NEQUAR_REQUIRE(is_orthogonal(q));
-        const Wide rebuilt = form < 2 ? Wide(q) * Wide(r) : Wide(r) * Wide(q);
-        NEQUAR_REQUIRE(agree(a, rebuilt));
+        NEQUAR_REQUIRE(agree(a, form < 2 ? Wide(q) * Wide(r) : Wide(r) * Wide(q)));
     }
 
     void pivoted(bool complete) {
@@ -136,17 +120,16 @@ struct Decompositions {
             NEQUAR_REQUIRE(agree(a, rebuilt * Wide(z).transposed()));
             return;
         }
-        Wide chosen(a);
-        for (int j = 0; j < n; ++j)
-            for (int i = 0; i < a.mh(); ++i) chosen.at(i, j) = a[i][perm[j]];
-        NEQUAR_REQUIRE(agree<Real>(chosen, rebuilt, Wide(a).largest()));
+        const auto chosen =
+            test::matrix_of<Real>(a.mh(), n, [&](int i, int j) { return a[i][perm[j]]; });
+        NEQUAR_REQUIRE(agree(chosen, rebuilt));
     }
 
     void hessenberg() {
         const int n = some_order(input);
         take(n, n);
         NEQUAR_REQUIRE(tool.dhr_Do_Hessenberg_Reduction(&a, &r, &q));
-        if (!has_factors(r) || !is_finite(q)) return;
+        if (!has_factors(r) || !has_factors(q)) return;
         NEQUAR_REQUIRE(is_orthogonal(q));
         NEQUAR_REQUIRE(agree(a, Wide(q) * Wide(r) * Wide(q).transposed()));
     }
@@ -161,7 +144,7 @@ struct Decompositions {
         if (!only_bidiagonal) {
             NEQUAR_REQUIRE(done == is_finite(a));
             if (done) NEQUAR_REQUIRE(steps < 100000);
-            if (done) d.e_Export(&r, true);
+            if (done) r = unpacked(d);
         }
         if (!done || !is_finite(a)) return;
         if (is_tame) NEQUAR_REQUIRE(is_finite(r));
@@ -175,8 +158,7 @@ struct Decompositions {
     void eigenvalues(int mode) {
         const int n = some_order(input);
         take(n, n, true);
-        MatrixSymmetric<Real> s;
-        s.iu_Import_Upper_part_of(&a);
+        const MatrixSymmetric<Real> s = test::packed_of(a);
         if (mode == 4) {
             NEQUAR_REQUIRE(tool.tdm_Tridiagonalize_Matrix(&s, &q, &r));
         } else {
@@ -185,7 +167,7 @@ struct Decompositions {
                                      mode, &s, &q, &d, 100, Real(0), steps, count)
                                : tool.devt_Decompose_to_find_Eigen_Values_via_Tridiagonalization(
                                      &s, &q, &d, 100000, steps));
-            d.e_Export(&r, true);
+            r = unpacked(d);
         }
         if (!is_finite(a)) NEQUAR_REQUIRE(!is_finite(r));
         if (!has_factors(r)) return;
@@ -204,15 +186,14 @@ struct Decompositions {
         if (found) {
             NEQUAR_REQUIRE(is_finite(a) && tolerance >= 0 && tolerance < 1);
             NEQUAR_REQUIRE(count >= 0 && count <= std::min(a.mh(), a.mw()));
-            if (count < a.mw()) {
-                NEQUAR_REQUIRE(q.mh() == a.mw() && q.mw() == a.mw() - count && is_orthogonal(q));
-                const long double norm =
-                    Wide(a).largest() * std::sqrt(static_cast<long double>(a.mh() * a.mw()));
-                const Wide image = Wide(a) * Wide(q);
-                NEQUAR_REQUIRE(
-                    agree<Real>(image, Wide(image.height, image.width),
-                                norm * (1 + tolerance / std::numeric_limits<Real>::epsilon())));
-            }
+        }
+        if (found && count < a.mw()) {
+            NEQUAR_REQUIRE(q.mh() == a.mw() && q.mw() == a.mw() - count && is_orthogonal(q));
+            const long double norm = Wide(a).largest() * std::sqrt(1.0L * a.mh() * a.mw());
+            const Wide image = Wide(a) * Wide(q);
+            NEQUAR_REQUIRE(
+                agree<Real>(image, Wide(image.height, image.width),
+                            norm * (1 + tolerance / std::numeric_limits<Real>::epsilon())));
         }
         tool.fid_Find_Input_Domain_vector_space(&a, tolerance, count, &q, nullptr, nullptr,
                                                 nullptr);
@@ -228,12 +209,11 @@ struct Decompositions {
 
     void generalized() {
         const int n = some_order(input, 13);
-        MatrixSymmetric<Real> s, t;
         take(n, n, true);
-        s.iu_Import_Upper_part_of(&a);
+        const MatrixSymmetric<Real> s = test::packed_of(a);
         take(n, n, true);
         for (int i = 0; i < n; ++i) a[i][i] = std::abs(a[i][i]) * 16 + 1;
-        t.iu_Import_Upper_part_of(&a);
+        const MatrixSymmetric<Real> t = test::packed_of(a);
         tool.dgea_Do_Generalized_Eigen_Analysis(&s, &t, &q, &d);
     }
 

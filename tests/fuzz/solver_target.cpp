@@ -65,8 +65,7 @@ void run(Input input) {
     make_symmetric(a);
     if (input.coin())
         for (int i = 0; i < n; ++i) a[i][i] = std::abs(a[i][i]) * 16;
-    MatrixSymmetric<Real> s;
-    s.iu_Import_Upper_part_of(&a);
+    const MatrixSymmetric<Real> s = test::packed_of(a);
     for (int code = -1; code <= 10; ++code) {
         if (tool.sle_Solve_Linear_Equation(code, &s, &b, &x)) check(a, b, x, is_stable(code, true));
         if (tool.im_Inverse_Matrix(code, &s, &x)) check(a, one, x, is_stable(code, true), true);
@@ -76,9 +75,8 @@ void run(Input input) {
 
     // The structured systems of the same first row.
     Vector<Real> row, f;
-    row.c_Create(n);
-    f.c_Create(n);
-    for (int i = 0; i < n; ++i) row[i] = a[0][i], f[i] = b[i][0];
+    a.gr_Get_Row(0, 0, n, &row);
+    b.gc_Get_Column(0, 0, n, &f);
     MatrixToeplitzSymmetric<Real> t;
     if (t.im_Import(n, row)) {
         t.fimt_Find_Inverse_Matrix_by_Trench(&x, nullptr);

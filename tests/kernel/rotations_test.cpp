@@ -20,78 +20,43 @@ std::vector<Real> rotations(Size count, unsigned seed) {
     return pairs;
 }
 
-TWIN_TEST(Rotations, PairsOfTheReferenceAreRotations) {
-    const Real phi = Real(2.1);
-    const Real pair[2] = {std::tan(phi / 2), std::sin(phi)};
-    Real rows[2] = {3, -2};
-    plain<Real>().rotate_rows(1, 1, 1, pair, 2, rows, 1);
-    EXPECT_NEAR(rows[0], 3 * std::cos(phi) + 2 * std::sin(phi), 8 * kEps<Real>);
-    EXPECT_NEAR(rows[1], 3 * std::sin(phi) - 2 * std::cos(phi), 8 * kEps<Real>);
-}
-
 TWIN_TEST(Rotations, SweepsOverRows) {
-    for (const auto* table : variants<Real>())
-        for (const Size sweeps : {1, 2, 3, 4, 5, 9})
-            for (const Size count : {0, 1, 2, 3, 4, 5, 6, 11, 23})
-                for (const Size n : {1, 3, 8, 16, 17, 33, 66, 150}) {
-                    SCOPED_TRACE(::testing::Message() << table->name << ' ' << sweeps << " sweeps "
-                                                      << count << " x " << n);
-                    Operand<Real> a(count + 1, n, Layout::rows);
-                    Operand<Real> b(count + 1, n, Layout::rows);
-                    a.randomize(5);
-                    b.randomize(5);
-                    const Size stride = 2 * count + 4;
-                    const auto pairs = rotations<Real>(sweeps * (count + 2), 7);
-                    table->rotate_rows(sweeps, count, n, pairs.data(), stride, a.view().data,
-                                       a.view().row_stride);
-                    plain<Real>().rotate_rows(sweeps, count, n, pairs.data(), stride, b.view().data,
-                                              b.view().row_stride);
-                    EXPECT_LE(largest_difference(a, b), Real(4) * Real(sweeps + 1) * kEps<Real>);
-                    EXPECT_TRUE(a.guards_stand());
-                }
+    const auto compare = [](auto* table, Size sweeps, Size count, Size n) {
+        const auto pairs = rotations<Real>(sweeps * (count + 2), 7);
+        const Operand<Real> a(count + 1, n, Layout::rows, 5);
+        expect_agreement(table, a, Real(4 * (sweeps + 1)) * kEps<Real>, [&](auto& t, auto& out) {
+            t.rotate_rows(sweeps, count, n, pairs.data(), 2 * count + 4, out.data(),
+                          out.row_stride());
+        });
+    };
+    with_each(compare, variants<Real>(), Sizes{1, 2, 3, 4, 5, 9},
+              Sizes{0, 1, 2, 3, 4, 5, 6, 11, 23}, Sizes{1, 3, 8, 16, 17, 33, 66, 150});
 }
 
 TWIN_TEST(Rotations, OneRowWithMany) {
-    for (const auto* table : variants<Real>())
-        for (const Size count : {0, 1, 4, 9})
-            for (const Size n : {1, 7, 16, 65, 140}) {
-                SCOPED_TRACE(::testing::Message() << table->name << ' ' << count << " x " << n);
-                Operand<Real> a(count + 1, n, Layout::rows);
-                Operand<Real> b(count + 1, n, Layout::rows);
-                a.randomize(3);
-                b.randomize(3);
-                auto pairs = rotations<Real>(count, 11);
-                for (Size q = 0; q < count; ++q)  // s, tau = s / (1 + c)
-                    std::swap(pairs[std::size_t(2 * q)], pairs[std::size_t(2 * q + 1)]);
-                for (auto* const operand : {&a, &b}) {
-                    const View<Real> v = operand->view();
-                    (operand == &a ? table : &plain<Real>())
-                        ->rotate_with_rows(count, n, v.data, v.data + v.row_stride, v.row_stride,
-                                           pairs.data());
-                }
-                EXPECT_LE(largest_difference(a, b), Real(20) * kEps<Real>);
-                EXPECT_TRUE(a.guards_stand());
-            }
+    const auto compare = [](auto* table, Size count, Size n) {
+        auto pairs = rotations<Real>(count, 11);
+        for (std::size_t q = 0; q < pairs.size(); q += 2)  // s, tau = s / (1 + c)
+            std::swap(pairs[q], pairs[q + 1]);
+        const Operand<Real> a(count + 1, n, Layout::rows, 3);
+        expect_agreement(table, a, Real(20) * kEps<Real>, [&](auto& t, auto& out) {
+            const Size row = out.row_stride();
+            t.rotate_with_rows(count, n, out.data(), out.data() + row, row, pairs.data());
+        });
+    };
+    with_each(compare, variants<Real>(), Sizes{0, 1, 4, 9}, Sizes{1, 7, 16, 65, 140});
 }
 
 TWIN_TEST(Rotations, SymmetricProductReadsTheUpperTriangle) {
-    for (const auto* table : variants<Real>())
-        for (const Size n : {0, 1, 2, 3, 4, 5, 8, 13, 16, 31, 37, 70, 133}) {
-            SCOPED_TRACE(::testing::Message() << table->name << ' ' << n);
-            Operand<Real> a(n, n, Layout::rows);
-            Operand<Real> x(1, n, Layout::rows);
-            Operand<Real> y(1, n, Layout::rows);
-            Operand<Real> z(1, n, Layout::rows);
-            a.randomize(1);
-            x.randomize(2);
-            for (Size i = 0; i < n; ++i)
-                for (Size j = 0; j < i; ++j) a(i, j) = kNaN<Real>;
-            const auto block = a.reading();
-            table->symv_upper(n, block.data, block.row_stride, x.view().data, y.view().data);
-            plain<Real>().symv_upper(n, block.data, block.row_stride, x.view().data, z.view().data);
-            EXPECT_LE(largest_difference(y, z), Real(n) * kEps<Real>);
-            EXPECT_TRUE(y.guards_stand());
-        }
+    const auto compare = [](auto* table, Size n) {
+        Operand<Real> a(n, n, Layout::rows, 1), x(1, n, Layout::rows, 2);
+        a.assign([&](Size i, Size j) { return j < i ? kNaN<Real> : a(i, j); });
+        expect_agreement(table, Operand<Real>(1, n, Layout::rows), Real(n) * kEps<Real>,
+                         [&](auto& t, auto& out) {
+                             t.symv_upper(n, a.data(), a.row_stride(), x.data(), out.data());
+                         });
+    };
+    with_each(compare, variants<Real>(), Sizes{0, 1, 2, 3, 4, 5, 8, 13, 16, 31, 37, 70, 133});
 }
 
 }  // namespace

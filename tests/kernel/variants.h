@@ -16,6 +16,11 @@
 
 namespace nequar::kernel {
 
+template <class Real>
+void PrintTo(const Table<Real>* table, std::ostream* out) {
+    *out << table->name;
+}
+
 // The same kernels at 64 bytes a vector in plain compiler vectors: the tiles and masks of AVX-512
 // on any machine.
 namespace wide {
@@ -52,27 +57,13 @@ inline constexpr Real kNaN = std::numeric_limits<Real>::quiet_NaN();
 template <class Real>
 inline constexpr Real kInfinity = std::numeric_limits<Real>::infinity();
 
-// How the elements of an operand lie in memory.
+// How the elements of an operand lie in memory; and how that, and the table in use, are shown.
 enum class Layout { rows, columns, rows_reversed, columns_reversed, spread };
+inline void PrintTo(Layout layout, std::ostream* out) {
+    *out << "layout " << int(layout);
+}
 inline constexpr Layout kLayouts[] = {Layout::rows, Layout::columns, Layout::rows_reversed,
                                       Layout::columns_reversed, Layout::spread};
-
-inline std::string described(Layout layout) {
-    return "layout " + std::to_string(int(layout));
-}
-inline std::string described(Size number) {
-    return std::to_string(number);
-}
-template <class Real>
-std::string described(const Table<Real>* table) {
-    return table->name;
-}
-template <std::size_t rank>
-std::string described(const std::array<Size, rank>& shape) {
-    std::string text;
-    for (const Size size : shape) text += (text.empty() ? "" : "x") + std::to_string(size);
-    return text;
-}
 
 // Calls check with every combination of elements of the lists; failures name theirs.
 template <class Check, class... Lists>
@@ -82,7 +73,7 @@ void with_each(const Check& check, const Lists&... lists) {
     } else {
         const auto first = [&check](const auto& list, const auto&... others) {
             for (const auto& item : list) {
-                SCOPED_TRACE(described(item));
+                SCOPED_TRACE(::testing::PrintToString(item));
                 with_each([&](const auto&... rest) { check(item, rest...); }, others...);
             }
         };
@@ -94,88 +85,108 @@ inline constexpr bool kBoth[] = {false, true};
 
 // A height x width operand whose neighbours, before, between and after its elements, are guard
 // cells. A guard is NaN, so that a kernel that uses one spoils its result; and none may be written.
+// The elements are NaN too, or random with a seed.
 template <class Real>
 class Operand {
 public:
-    Operand(Size height, Size width, Layout layout, Size gap = 3) : height_(height), width_(width) {
-        Size row = 0;
-        Size column = 0;
-        if (layout == Layout::rows || layout == Layout::rows_reversed) {
-            row = width + gap;
-            column = 1;
-        } else if (layout == Layout::spread) {
-            row = 2 * width + gap;
-            column = 2;
-        } else {
-            row = 1;
-            column = height + gap;
+    Operand(Size height, Size width, Layout layout, unsigned seed = 0, Size gap = 3)
+        : height_(height), width_(width) {
+        column_ = layout == Layout::spread ? 2 : 1;
+        row_ = column_ * width + gap;
+        if (layout == Layout::columns || layout == Layout::columns_reversed) {
+            row_ = 1;
+            column_ = height + gap;
         }
-        const Size extent = height * row + width * column;
-        cells_.assign(static_cast<std::size_t>(extent + 2 * kMargin), kNaN<Real>);
-        start_ = kMargin;
-        row_ = row;
-        column_ = column;
-        const bool both = layout == Layout::columns_reversed;  // both dimensions turned round
-        if (both || layout == Layout::rows_reversed) {         // the last row comes first
-            start_ += std::max<Size>(height - 1, 0) * row;
-            row_ = -row;
+        const Size extent = height * row_ + width * column_ + 2 * kMargin;
+        cells_.assign(static_cast<std::size_t>(extent), kNaN<Real>);
+        if (layout == Layout::rows_reversed || layout == Layout::columns_reversed) {
+            start_ += std::max<Size>(height - 1, 0) * row_;
+            row_ = -row_;
         }
-        if (both) {
-            start_ += std::max<Size>(width - 1, 0) * column;
-            column_ = -column;
+        if (layout == Layout::columns_reversed) {  // both dimensions turned round
+            start_ += std::max<Size>(width - 1, 0) * column_;
+            column_ = -column_;
         }
+        if (seed > 0) randomize(seed);
     }
 
-    View<Real> view() { return {cells_.data() + start_, height_, width_, row_, column_}; }
-    Block<Real> block() { return {cells_.data() + start_, row_, column_}; }
-    Block<const Real> reading() { return {cells_.data() + start_, row_, column_}; }
+    Real* data() { return cells_.data() + start_; }
+    Size row_stride() const { return row_; }
+    Size column_stride() const { return column_; }
+    View<Real> view() { return {data(), height_, width_, row_, column_}; }
+    Block<Real> block() { return {data(), row_, column_}; }
+    Block<const Real> reading() { return {data(), row_, column_}; }
     Real& operator()(Size i, Size j) { return view()(i, j); }
-    Size height() const { return height_; }
-    Size width() const { return width_; }
 
+    template <class Element>
+    Operand& assign(const Element& element) {
+        for (Size i = 0; i < height_; ++i)
+            for (Size j = 0; j < width_; ++j) (*this)(i, j) = element(i, j);
+        return *this;
+    }
     Operand& randomize(unsigned seed) {
         std::mt19937 generator(seed);
         std::uniform_real_distribution<Real> uniform(Real(-1), Real(1));
-        for (Size i = 0; i < height_; ++i)
-            for (Size j = 0; j < width_; ++j) (*this)(i, j) = uniform(generator);
-        return *this;
+        return assign([&](Size, Size) { return uniform(generator); });
     }
-
-    // Whether all that is not an element is as it was.
-    bool guards_stand() {
-        std::vector<Real> copy = cells_;
-        const Real* base = cells_.data();
+    // How many places (i, j) are wrong(i, j).
+    template <class Wrong>
+    Size count(const Wrong& wrong) const {
+        Size sum = 0;
         for (Size i = 0; i < height_; ++i)
-            for (Size j = 0; j < width_; ++j)
-                copy[static_cast<std::size_t>(&(*this)(i, j) - base)] = kNaN<Real>;
-        return std::all_of(copy.begin(), copy.end(), [](Real cell) { return std::isnan(cell); });
+            for (Size j = 0; j < width_; ++j) sum += wrong(i, j);
+        return sum;
+    }
+    // Whether all that is not an element is as it was.
+    bool guards_stand() const {
+        Operand copy = *this;
+        copy.assign([](Size, Size) { return kNaN<Real>; });
+        return std::all_of(copy.cells_.begin(), copy.cells_.end(),
+                           [](Real cell) { return std::isnan(cell); });
+    }
+    // The largest |a - b|; NaN against NaN and equal infinities count as equal, NaN against a
+    // number as infinitely far.
+    friend Real largest_difference(Operand& a, Operand& b) {
+        Real largest = 0;
+        a.count([&](Size i, Size j) {
+            const Real x = a(i, j), y = b(i, j);
+            if (x == y || (std::isnan(x) && std::isnan(y))) return false;
+            const Real difference = std::abs(x - y);
+            largest = std::isnan(difference) ? kInfinity<Real> : std::max(largest, difference);
+            return true;
+        });
+        return largest;
     }
 
 private:
     static constexpr Size kMargin = 20;
     Size height_;
     Size width_;
-    Size start_ = 0;
+    Size start_ = kMargin;
     Size row_ = 0;
     Size column_ = 0;
     std::vector<Real> cells_;
 };
 
-// The largest |a - b|; NaN against NaN and equal infinities count as equal, NaN against a number as
-// infinitely far.
+// run(table, operand) leaves the same in the operand as with the plain table, and writes no guard.
+template <class Real, class Run>
+void expect_agreement(const Table<Real>* table, const Operand<Real>& before, Real bound,
+                      const Run& run) {
+    Operand<Real> expected = before, actual = before;
+    run(plain<Real>(), expected);
+    run(*table, actual);
+    EXPECT_LE(largest_difference(expected, actual), bound);
+    EXPECT_TRUE(actual.guards_stand());
+}
+
+// A random triangle near 2 I; NaN where it must not be read.
 template <class Real>
-Real largest_difference(Operand<Real>& a, Operand<Real>& b) {
-    Real largest = 0;
-    for (Size i = 0; i < a.height(); ++i)
-        for (Size j = 0; j < a.width(); ++j) {
-            const Real x = a(i, j);
-            const Real y = b(i, j);
-            if (x == y || (std::isnan(x) && std::isnan(y))) continue;
-            const Real difference = std::abs(x - y);
-            if (!(difference <= largest))
-                largest = std::isnan(difference) ? kInfinity<Real> : difference;
-        }
-    return largest;
+Operand<Real> triangle(Size n, Layout layout, bool lower, bool unit) {
+    Operand<Real> t(n, n, layout, 5);
+    return t.assign([&](Size i, Size j) {
+        if (i == j) return unit ? kNaN<Real> : 2 + t(i, i) / Real(n);
+        return (lower ? j > i : j < i) ? kNaN<Real> : t(i, j) / Real(n);
+    });
 }
 
 }  // namespace testing

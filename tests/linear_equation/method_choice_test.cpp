@@ -39,14 +39,9 @@ constexpr Row kTable[] = {{0, "sgj", "4", "sgj", "4"},   {1, "slu", "8", "slu", 
 TWIN_TEST(MethodChoice, EveryCodeSolvesAndInverts) {
     const int n = 12;
     const Matrix<Real> a = positive_definite_matrix<Real>(n, 20, 3);
-    Matrix<Real> skew = a;
-    for (int i = 0; i < n; ++i)
-        for (int j = 0; j < i; ++j) {
-            skew[i][j] += Real(0.03125);
-            skew[j][i] -= Real(0.03125);
-        }
-    MatrixSymmetric<Real> s;
-    s.i_Import(&a);
+    const auto skew = matrix_of<Real>(
+        n, n, [&](int i, int j) { return a[i][j] + Real(0.03125) * Real((i > j) - (i < j)); });
+    const MatrixSymmetric<Real> s = packed_of(a);
     const Matrix<Real> b = random_matrix<Real>(n, 2, 4), none;
     const auto& f = this->f_;
     Vector<Real> right, y;
@@ -83,116 +78,90 @@ TWIN_TEST(MethodChoice, EveryCodeSolvesAndInverts) {
 
 // The methods that are reached and the details, on a matrix that all of them refuse.
 TWIN_TEST(MethodChoice, TheWholeTableOfFailures) {
-    const Matrix<Real> b = random_matrix<Real>(3, 2);
-    Matrix<Real> zero;
-    zero.c_Create(3, 3, 0);
-    MatrixSymmetric<Real> s;
-    s.c_Create(3, 3, 0);
-    Vector<Real> right, y;
-    right.c_Create(3, 1);
+    const Matrix<Real> b = random_matrix<Real>(3, 2), tall = b, zero = constant_matrix<Real>(3, 3);
+    const MatrixSymmetric<Real> s = packed_of(zero);
+    MatrixSymmetric<Real> damaged = s;  // no longer there
+    static_cast<Vector<Real>&>(damaged).c_Create(2, 1);
+    const auto right = vector_of<Real>({1, 1, 1});
+    Vector<Real> y;
     const auto& f = this->f_;
     for (const Row& row : kTable) {
         SCOPED_TRACE(row.code);
         // The method is reached, and its failure is passed on under this name with this detail.
-        const auto expect = [&](bool done, const std::string& method, const char* detail,
+        const auto expect = [&](bool done, const std::string& method, const std::string& detail,
                                 const std::string& name) {
             EXPECT_TRUE(fails_with(f, detail, done));
             const std::string records = records_of(f);
             EXPECT_NE(records.find("\n" + method), std::string::npos) << records;
             EXPECT_NE(records.find(name + ": " + detail), std::string::npos) << records;
         };
-        const auto expect_all = [&](auto* matrix, const std::string& method, const char* detail) {
-            expect(f.sle_Solve_Linear_Equation(row.code, matrix, &b, &this->x_), method, detail,
-                   "sle_Solve_Linear_Equation");
-            expect(f.sle_Solve_Linear_Equation(row.code, matrix, &right, &y), method, detail,
-                   "sle_Solve_Linear_Equation");
-            expect(f.im_Inverse_Matrix(row.code, matrix, &this->x_), "i" + method.substr(1), detail,
-                   "im_Inverse_Matrix");
+        const auto solve = [&](auto* matrix, auto* rhs, auto* x) {
+            return f.sle_Solve_Linear_Equation(row.code, matrix, rhs, x);
         };
-        expect_all(&zero, row.solve, row.detail);
-        expect_all(&s, row.symmetric_solve, row.symmetric_detail);
-        // not square, and no longer there
-        const Matrix<Real> tall = random_matrix<Real>(3, 2);
-        EXPECT_TRUE(
-            fails_with(f, row.detail, f.sle_Solve_Linear_Equation(row.code, &tall, &b, &this->x_)));
-        EXPECT_TRUE(fails_with(f, row.detail, f.im_Inverse_Matrix(row.code, &tall, &this->x_)));
-        MatrixSymmetric<Real> damaged = s;
-        static_cast<Vector<Real>&>(damaged).c_Create(2, 1);
-        EXPECT_TRUE(fails_with(f, row.symmetric_detail,
-                               f.sle_Solve_Linear_Equation(row.code, &damaged, &b, &this->x_)));
-        EXPECT_TRUE(fails_with(f, row.symmetric_detail,
-                               f.im_Inverse_Matrix(row.code, &damaged, &this->x_)));
+        const auto invert = [&](auto* matrix) {
+            return f.im_Inverse_Matrix(row.code, matrix, &this->x_);
+        };
+        const auto expect_all = [&](auto* matrix, auto* unfit, const std::string& method,
+                                    const char* detail) {
+            expect(solve(matrix, &b, &this->x_), method, detail, "sle_Solve_Linear_Equation");
+            expect(solve(matrix, &right, &y), method, detail, "sle_Solve_Linear_Equation");
+            expect(invert(matrix), "i" + method.substr(1), detail, "im_Inverse_Matrix");
+            EXPECT_TRUE(fails_with(f, detail, solve(unfit, &b, &this->x_)));
+            EXPECT_TRUE(fails_with(f, detail, invert(unfit)));
+        };
+        expect_all(&zero, &tall, row.solve, row.detail);
+        expect_all(&s, &damaged, row.symmetric_solve, row.symmetric_detail);
     }
 }
 
 TWIN_TEST(MethodChoice, HomogeneousUnderAConstraint) {
+    const auto& f = this->f_;
+    const auto constrained = [&](const Matrix<Real>& a, const Matrix<Real>& c, double tolerance,
+                                 Vector<Real>* x) {
+        return f.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(&a, &c, Real(tolerance), x);
+    };
+    const auto in_range = [&](const Matrix<Real>& a, const Matrix<Real>& g, double tolerance,
+                              Vector<Real>* x, Vector<Real>* x_hat) {
+        return f.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(&a, &g, Real(tolerance),
+                                                                            x, x_hat);
+    };
+    Vector<Real> found, found_hat;
     for (const auto& [m, n] : {std::pair{9, 6}, {4, 6}, {40, 30}})
         for (const int p : {1, 3, 5}) {
             SCOPED_TRACE(testing::Message() << m << " x " << n << " constraints " << p);
             const Matrix<Real> a = random_matrix<Real>(m, n, 5);
             const Matrix<Real> c = rank_deficient_matrix<Real>(p + 1, n, p, 7);
-            Vector<Real> x, x_hat;
-            const auto norm_of = [](const Matrix<Real>& matrix, const Vector<Real>& v) {
-                double sum = 0;
-                for (int i = 0; i < matrix.mh(); ++i) {
-                    double row = 0;
-                    for (int j = 0; j < matrix.mw(); ++j)
-                        row += double(matrix[i][j]) * double(v[j]);
-                    sum += row * row;
-                }
-                return std::sqrt(sum);
-            };
-            ASSERT_TRUE(this->f_.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(
-                &a, &c, Real(1e-4), &x));
-            EXPECT_LT(norm_of(c, x), 300 * kEpsilon<Real>);
-            EXPECT_NEAR(norm_of(identity_of<Real>(n), x), 1, 100 * kEpsilon<Real>);
+            ASSERT_TRUE(constrained(a, c, 1e-4, &found));
+            const Matrix<Real> x = column_of(found);
+            const double least = norm_of(product(a, x));
+            EXPECT_LT(norm_of(product(c, x)), 300 * kEpsilon<Real>);
+            EXPECT_NEAR(norm_of(x), 1, 100 * kEpsilon<Real>);
             // no unit vector in a basis of the space does better
             Matrix<Real> space;
             int rank = 0;
-            ASSERT_TRUE(this->f_.fin_Find_Input_Null_vector_space(&c, Real(1e-4), rank, &space,
-                                                                  nullptr, nullptr, nullptr));
-            Uniform uniform(3);
-            for (int k = 0; k < 20; ++k) {
-                Vector<Real> other;
-                other.c_Create(n, 0);
-                double length = 0;
-                for (int j = 0; j < space.mw(); ++j) {
-                    const double weight = uniform();
-                    length += weight * weight;
-                    for (int i = 0; i < n; ++i) other[i] += Real(weight) * space[i][j];
-                }
-                EXPECT_LE(norm_of(a, x), norm_of(a, other) / std::sqrt(length) + 1e-4);
+            ASSERT_TRUE(f.fin_Find_Input_Null_vector_space(&c, Real(1e-4), rank, &space, nullptr,
+                                                           nullptr, nullptr));
+            for (unsigned k = 0; k < 20; ++k) {
+                const auto other = product(space, random_matrix<Real>(space.mw(), 1, k));
+                EXPECT_LE(least, norm_of(product(a, other)) / norm_of(other) + 1e-4);
             }
             // the same space as the range of its basis, twice over
-            const Matrix<Real> g = matrix_of<Real>(
-                n, 2 * space.mw(), [&](int i, int j) { return double(space[i][j / 2]) * (j + 1); });
-            Vector<Real> again;
-            ASSERT_TRUE(this->f_.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
-                &a, &g, Real(1e-4), &again, &x_hat));
-            EXPECT_EQ(x_hat.vs(), g.mw());
-            EXPECT_NEAR(norm_of(a, again), norm_of(a, x), 1e4 * kEpsilon<Real>);
-            EXPECT_LT(largest_difference(product(g, column_of(x_hat)), column_of(again)),
+            Matrix<Real> g;
+            g.c_Create(n, 2 * space.mw());
+            for (int i = 0; i < n; ++i)
+                for (int j = 0; j < g.mw(); ++j) g[i][j] = space[i][j / 2] * Real(j + 1);
+            ASSERT_TRUE(in_range(a, g, 1e-4, &found, &found_hat));
+            EXPECT_EQ(found_hat.vs(), g.mw());
+            EXPECT_NEAR(norm_of(product(a, column_of(found))), least, 1e4 * kEpsilon<Real>);
+            EXPECT_LT(largest_difference(product(g, column_of(found_hat)), column_of(found)),
                       1e3 * kEpsilon<Real>);
-            ASSERT_TRUE(this->f_.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(
-                &a, &g, Real(1e-4), &again, nullptr));
+            ASSERT_TRUE(in_range(a, g, 1e-4, &found, nullptr));
         }
     const Matrix<Real> a = random_matrix<Real>(4, 3), identity = identity_of<Real>(3);
-    Matrix<Real> zero;
-    zero.c_Create(3, 3, 0);
-    Vector<Real> x;
-    const auto& f = this->f_;
-    const auto constrained = [&](Real tolerance) {
-        return f.shle_c0_Solve_Homogeneous_Linear_Equation_with_Cx_is_0(&a, &identity, tolerance,
-                                                                        &x);
-    };
-    const auto in_range = [&](const Matrix<Real>& g, Vector<Real>* x_hat) {
-        return f.shle_gh_Solve_Homogeneous_Linear_Equation_with_x_is_Gx_hat(&a, &g, Real(0), &x,
-                                                                            x_hat);
-    };
-    EXPECT_TRUE(fails_with(f, "2", constrained(Real(0))));
-    EXPECT_TRUE(fails_with(f, "1", constrained(Real(2))));
-    EXPECT_TRUE(fails_with(f, "2", in_range(zero, nullptr)));
-    EXPECT_TRUE(fails_with(f, "1", in_range(identity, &x)));
+    EXPECT_TRUE(fails_with(f, "2", constrained(a, identity, 0, &found)));
+    EXPECT_TRUE(fails_with(f, "1", constrained(a, identity, 2, &found)));
+    EXPECT_TRUE(fails_with(f, "2", in_range(a, constant_matrix<Real>(3, 3), 0, &found, nullptr)));
+    EXPECT_TRUE(fails_with(f, "1", in_range(a, identity, 0, &found, &found)));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include "nequar_algebra/linear_equation.h"
 #include "support/chain.h"
-#include "support/data_files.h"
 #include "support/solver_checks.h"
 #include "support/twins.h"
 
@@ -72,16 +71,13 @@ TWIN_TEST(OrthogonalSolvers, SolveAndInvert) {
             this->factor(form, &a);
             const Matrix<Real> b = random_matrix<Real>(n, 3, 4), kept = this->q;
             Matrix<Real> x, inverse;
-            expect_solves(a, 3, 60, [&](auto*, auto* right, auto* y) {
-                return this->solve_with(form, right, y);
-            });
-            expect_solves_arrays(
-                a, 3, 60, [&](auto... arguments) { return this->solve_with(form, arguments...); });
+            const auto solve = [&](auto... to) { return this->solve_with(form, to...); };
+            expect_solves(a, 3, 60, [&](auto*, auto* right, auto* y) { return solve(right, y); });
+            expect_solves_arrays(a, 3, 60, solve);
             ASSERT_TRUE(this->invert_with(form, &inverse));
             EXPECT_LT(solution_residual(a, inverse, identity_of<Real>(n)), 60);
             // a factor may take the result
-            ASSERT_TRUE(this->solve_with(form, &b, &x));
-            ASSERT_TRUE(this->solve_with(form, &b, &this->q));
+            ASSERT_TRUE(solve(&b, &x) && solve(&b, &this->q));
             EXPECT_TRUE(this->q == x);
             this->q = kept;
             ASSERT_TRUE(this->invert_with(form, &this->q));
@@ -91,10 +87,8 @@ TWIN_TEST(OrthogonalSolvers, SolveAndInvert) {
 
 TWIN_TEST(OrthogonalSolvers, RefusalsAndTheirRecords) {
     const auto& s = this->s_;
-    const Matrix<Real> mark = random_matrix<Real>(2, 2, 9);
-    const Matrix<Real> tall = random_matrix<Real>(4, 3);
-    const Matrix<Real> square = random_matrix<Real>(3, 3);
-    const Matrix<Real> b = random_matrix<Real>(4, 1);
+    const Matrix<Real> mark = random_matrix<Real>(2, 2, 9), tall = random_matrix<Real>(4, 3),
+                       square = random_matrix<Real>(3, 3), b = random_matrix<Real>(4, 1);
     Matrix<Real> x = mark;
     EXPECT_TRUE(fails_as(s, "u_sqr_Solve_based_on_QRD: 1\nsqr_Solve_based_on_QRD: 2",
                          this->solve(0, &tall, &b, &x)));
@@ -143,40 +137,26 @@ TWIN_TEST(OrthogonalSolvers, RefusalsAndTheirRecords) {
 }
 
 TWIN_TEST(OrthogonalSolvers, NanInfinityAndTheEndsOfTheRange) {
+    using Limits = std::numeric_limits<Real>;
     const Real large = sizeof(Real) == 4 ? Real(1e25) : Real(1e200);
-    const Real bad[] = {std::numeric_limits<Real>::quiet_NaN(),
-                        std::numeric_limits<Real>::infinity()};
+    const Matrix<Real> plain = random_matrix<Real>(60, 60, 3), b = random_matrix<Real>(60, 1, 4);
+    Matrix<Real> x;
     for (int form = 0; form < 4; ++form) {
-        const Matrix<Real> b = random_matrix<Real>(60, 1, 4);
-        Matrix<Real> x;
-        for (const Real value : bad) {
-            Matrix<Real> a = random_matrix<Real>(60, 60, 3);
-            a[20][30] = value;
+        for (const Real bad : {Limits::quiet_NaN(), Limits::infinity()}) {
+            Matrix<Real> a = plain;
+            a[20][30] = bad;
             ASSERT_TRUE(this->solve(form, &a, &b, &x));
             EXPECT_TRUE(std::isnan(x[0][0]) || std::isnan(x[59][0]));
         }
         for (const Real scale : {large, 1 / large}) {
-            Matrix<Real> a = random_matrix<Real>(60, 60, 3), c = b;
-            for (int i = 0; i < 60; ++i)
-                for (int j = 0; j < 60; ++j) a[i][j] *= scale;
-            for (int i = 0; i < 60; ++i) c[i][0] *= scale;
+            const auto scaled = [scale](const Matrix<Real>& m) {
+                return matrix_of<Real>(m.mh(), m.mw(),
+                                       [&](int i, int j) { return m[i][j] * scale; });
+            };
+            const Matrix<Real> a = scaled(plain), c = scaled(b);
             ASSERT_TRUE(this->solve(form, &a, &c, &x));
             EXPECT_LT(solution_residual(a, x, c), 30) << form;
         }
-    }
-}
-
-TEST(OrthogonalSolversOnData, SolveRealSystems) {
-    for (const char* name : {"west0067", "gre_343", "steam3", "pores_1", "b1_ss"}) {
-        const std::string file = std::string(name) + ".mtx";
-        if (!std::filesystem::exists(data_file(file)))
-            GTEST_SKIP() << "there is no ../shared/data/" << file;
-        const Matrix<double> a = read_matrix_market<double>(file);
-        const Matrix<double> b = matrix_of<double>(a.mh(), 1, [](int, int) { return 1.0; });
-        LCNqUtility_for_Linear_Equation s;
-        Matrix<double> x;
-        ASSERT_TRUE(s.sqr_Solve_based_on_QRD(&a, &b, &x)) << name;
-        EXPECT_LT(solution_residual(a, x, b), 30) << name;
     }
 }
 

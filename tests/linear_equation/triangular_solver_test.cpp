@@ -46,7 +46,11 @@ protected:
     }
     static constexpr int kMethods = 5;
 
+    bool invert_with_lu(Matrix<Real>* out) const {
+        return solver.u_ilu_Inverse_matrix_based_on_LUD(&l, &u, &perm, out);
+    }
     bool factor() {
+        int interchanges = 0;
         return solver.dlup_Decompose_into_LU_matrices_with_Partial_pivoting(&a, &l, &u, &perm,
                                                                             interchanges) &&
                solver.dch_Decompose_matrix_by_Cholesky_algorithm(&s, &ll) &&
@@ -58,15 +62,11 @@ protected:
     }
 
     LinearEquation<Real> solver;
-    Matrix<Real> a;
+    Matrix<Real> a, b;
     MatrixSymmetric<Real> s;
-    Matrix<Real> b;
-    MatrixTriangularLower<Real> l;
-    MatrixTriangularUpper<Real> u;
+    MatrixTriangularLower<Real> l, ll;
+    MatrixTriangularUpper<Real> u, uu;
     CNqVectorInt perm;
-    int interchanges = 0;
-    MatrixTriangularLower<Real> ll;
-    MatrixTriangularUpper<Real> uu;
 };
 
 TWIN_TEST(TriangularSolvers, EveryMethodSolvesAndInverts) {
@@ -94,65 +94,53 @@ TWIN_TEST(TriangularSolvers, EveryMethodSolvesAndInverts) {
 
 TWIN_TEST(TriangularSolvers, FactorsSolveInEveryLayout) {
     const auto& f = this->solver;
+    const int k = 4;
     for (const int n : {1, 3, 33, 70}) {
-        const int k = 4;
         this->prepare(n, k);
         ASSERT_TRUE(this->factor());
         const Matrix<Real>& matrix = this->a;
-        expect_solves(matrix, k, 3,
-                      [&](auto*, auto* right, auto* x) { return this->solve_with_lu(right, x); });
-        expect_inverts(matrix, 3, [&](auto*, auto* x) {
-            return f.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, x);
-        });
-        Matrix<Real> x;
-        ASSERT_TRUE(this->solve_with_lu(&this->b, &x));
-        Matrix<Real> y = this->b;
-        ASSERT_TRUE(this->solve_with_lu(y.p()[0], true, k, n));
-        EXPECT_EQ(x, y);
-        // Without row_major: read row by row, written column by column.
-        y = this->b;
-        ASSERT_TRUE(this->solve_with_lu(y.p()[0], false, k, n));
-        const Real* const columns = y.p()[0];
-        EXPECT_EQ(x, matrix_of<Real>(n, k, [&](int i, int c) { return columns[c * n + i]; }));
-
         const auto check = [&](const auto& solve, const auto& invert) {
-            expect_solves(matrix, k, 3,
-                          [&](auto*, auto* right, auto* out) { return solve(right, out); });
-            expect_solves_arrays(matrix, k, 3, solve);
-            expect_inverts(matrix, 3, [&](auto*, auto* out) { return invert(out); });
+            expect_solves(matrix, k, 3, [&](auto*, auto* in, auto* x) { return solve(in, x); });
+            expect_inverts(matrix, 3, [&](auto*, auto* x) { return invert(x); });
         };
-        check([&](auto... args) { return f.u_sll_Solve_based_on_LLD(&this->ll, args...); },
-              [&](auto* out) { return f.u_ill_Inverse_matrix_based_on_LLD(&this->ll, out); });
-        check([&](auto... args) { return f.u_suu_Solve_based_on_UUD(&this->uu, args...); },
-              [&](auto* out) { return f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, out); });
+        const auto lower = [&](auto... args) {
+            return f.u_sll_Solve_based_on_LLD(&this->ll, args...);
+        };
+        const auto upper = [&](auto... args) {
+            return f.u_suu_Solve_based_on_UUD(&this->uu, args...);
+        };
+        check(lower, [&](auto* x) { return f.u_ill_Inverse_matrix_based_on_LLD(&this->ll, x); });
+        check(upper, [&](auto* x) { return f.u_iuu_Inverse_matrix_based_on_UUD(&this->uu, x); });
+        expect_solves_arrays(matrix, k, 3, lower);
+        expect_solves_arrays(matrix, k, 3, upper);
+        check([&](auto* in, auto* x) { return this->solve_with_lu(in, x); },
+              [&](auto* x) { return this->invert_with_lu(x); });
+
+        // With LU and without row_major: read row by row, written column by column.
+        Matrix<Real> x, rows = this->b, columns = this->b;
+        ASSERT_TRUE(this->solve_with_lu(&this->b, &x));
+        ASSERT_TRUE(this->solve_with_lu(rows.p()[0], true, k, n));
+        EXPECT_EQ(x, rows);
+        ASSERT_TRUE(this->solve_with_lu(columns.p()[0], false, k, n));
+        const Real* const y = columns.p()[0];
+        EXPECT_EQ(x, matrix_of<Real>(n, k, [&](int i, int c) { return y[c * n + i]; }));
     }
 }
 
 // L need not be unit, and the order need not be a permutation: y_i = b[perm[i]] is all it says.
 TWIN_TEST(TriangularSolvers, AnyTrianglesAndAnyOrder) {
-    const int n = 5;
+    const int n = 5, order[] = {2, 2, 0, 4, 1};
+    const Matrix<Real> values = dominant_matrix<Real>(n, 5), identity = identity_of<Real>(n);
     this->l.c_Create(n, n);
     this->u.c_Create(n, n);
-    const Matrix<Real> values = dominant_matrix<Real>(n, 5);
     this->l.i_Import(&values);
     this->u.i_Import(&values);
-    this->perm.c_Create(n);
-    const int order[] = {2, 2, 0, 4, 1};
-    for (int i = 0; i < n; ++i) this->perm[i] = order[i];
-    Matrix<Real> dense_l;
-    Matrix<Real> dense_u;
-    this->l.e_Export(&dense_l, true);
-    this->u.e_Export(&dense_u, true);
-    const auto product = test::product(dense_l, dense_u);
-    const Matrix<Real> gathered = with_rows(identity_of<Real>(n), order);
-    const Matrix<Real> identity = identity_of<Real>(n);
-    Matrix<Real> x;
-    Matrix<Real> inverse;
-    ASSERT_TRUE(this->solve_with_lu(&identity, &x));
-    ASSERT_TRUE(
-        this->solver.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, &inverse));
-    EXPECT_LT(solution_residual(product, x, gathered), 3.0);
-    EXPECT_LT(solution_residual(product, inverse, gathered), 3.0);
+    this->perm = vector_of<int>({2, 2, 0, 4, 1});
+    const Matrix<Real> lu = product(unpacked(this->l), unpacked(this->u));
+    Matrix<Real> x, inverse;
+    ASSERT_TRUE(this->solve_with_lu(&identity, &x) && this->invert_with_lu(&inverse));
+    for (const Matrix<Real>* found : {&x, &inverse})
+        EXPECT_LT(solution_residual(lu, *found, with_rows(identity, order)), 3.0);
 }
 
 TWIN_TEST(TriangularSolvers, ChainsOfRecords) {
@@ -160,66 +148,56 @@ TWIN_TEST(TriangularSolvers, ChainsOfRecords) {
     EXPECT_EQ(f.gcn_Get_Class_Name(),
               (std::is_same_v<Real, float> ? "LCNqUtility_for_Linear_Equation_Float"
                                            : "LCNqUtility_for_Linear_Equation"));
-    const std::string crout = "u_dluc_Decompose_into_LU_matrices_by_Crout: ";
-    const std::string partial = "u_dlup_Decompose_into_LU_matrices_with_Partial_pivoting: ";
-    const std::string cholesky = "u_dch_Decompose_matrix_by_Cholesky_algorithm: ";
     struct Case {
         int method;
-        std::string reduce, factor, solve, solver;
-        const char* singular;
+        std::string reduce, singular, apply, solve, invert;
     };
-    const Case cases[] = {
-        {0, crout, "dluc_Decompose_into_LU_matrices_by_Crout: 1", "u_slu_Solve_based_on_LUD: 1",
-         "slu_Solve_based_on_LUD: ", "singular"},
-        {1, partial, "dlup_Decompose_into_LU_matrices_with_Partial_pivoting: 1",
-         "u_slu_Solve_based_on_LUD: 1", "slup_Solve_based_on_LUP: ", "singular"},
-        {2, cholesky, "dch_Decompose_matrix_by_Cholesky_algorithm: 1",
-         "u_sll_Solve_based_on_LLD: 1", "sll_Solve_based_on_LLD: ", "non-positive definite"},
-        {3, cholesky, "dch_Decompose_matrix_by_Cholesky_algorithm: 1",
-         "u_suu_Solve_based_on_UUD: 1", "suu_Solve_based_on_UUD: ", "non-positive definite"}};
+    const std::string crout = "dluc_Decompose_into_LU_matrices_by_Crout: ",
+                      partial = "dlup_Decompose_into_LU_matrices_with_Partial_pivoting: ",
+                      cholesky = "dch_Decompose_matrix_by_Cholesky_algorithm: ",
+                      lu = "u_slu_Solve_based_on_LUD: 1";
+    const Case cases[] = {{0, crout, "singular", lu,
+                           "slu_Solve_based_on_LUD: ", "ilu_Inverse_matrix_based_on_LUD: 1"},
+                          {1, partial, "singular", lu,
+                           "slup_Solve_based_on_LUP: ", "ilup_Inverse_matrix_based_on_LUP: 1"},
+                          {2, cholesky, "non-positive definite", "u_sll_Solve_based_on_LLD: 1",
+                           "sll_Solve_based_on_LLD: ", "ill_Inverse_matrix_based_on_LLD: 1"},
+                          {3, cholesky, "non-positive definite", "u_suu_Solve_based_on_UUD: 1",
+                           "suu_Solve_based_on_UUD: ", "iuu_Inverse_matrix_based_on_UUD: 1"}};
+    Matrix<Real> x = random_matrix<Real>(1, 2);
+    const Matrix<Real> kept = x;
+    const Vector<Real> none;
+    auto y = vector_of<Real>({4, 4, 4});
     for (const int n : {2, 40})
         for (const Case& c : cases) {
-            Matrix<Real> x = random_matrix<Real>(1, 2);
-            const Matrix<Real> kept = x;
             // A column of zeros is singular for every method.
             this->prepare(n, 2);
             for (int i = 0; i < n; ++i) this->a[i][n - 1] = this->a[n - 1][i] = 0;
             this->s.i_Import(&this->a);
+            const std::string reduced = "u_" + c.reduce + c.singular, factored = c.reduce + "1";
             this->expect_refused(this->solve(c.method, &this->a, &this->b, &x),
-                                 {c.reduce + c.singular, c.factor, c.solver + "1"});
+                                 {reduced, factored, c.solve + "1"});
             EXPECT_EQ(f.ged_Get_Error_Detail(), "1");
+            this->expect_refused(this->invert(c.method, &this->a, &x),
+                                 {reduced, factored, c.invert});
             // Right-hand sides of the wrong size.
             this->prepare(n, 2);
             const Matrix<Real> longer = random_matrix<Real>(n + 1, 2);
-            const Vector<Real> none;
-            Vector<Real> y;
-            y.c_Create(3, Real(4));
             this->expect_refused(this->solve(c.method, &this->a, &longer, &x),
-                                 {c.solve, c.solver + "2"});
+                                 {c.apply, c.solve + "2"});
             this->expect_refused(this->solve(c.method, &this->a, &none, &y),
-                                 {c.solve, c.solver + "2"});
-            EXPECT_EQ(y.vs(), 3);
-            EXPECT_EQ(x, kept);
+                                 {c.apply, c.solve + "2"});
+            EXPECT_TRUE(y.vs() == 3 && x == kept);
             if (c.reduce == cholesky) continue;
             this->a = random_matrix<Real>(n, n + 1);
             this->expect_refused(this->solve(c.method, &this->a, &this->b, &x),
-                                 {c.reduce + "non-square", c.factor, c.solver + "1"});
+                                 {"u_" + c.reduce + "non-square", factored, c.solve + "1"});
         }
-    // Inverses, and no right-hand side at all.
-    Matrix<Real> x = random_matrix<Real>(1, 2);
+    // No right-hand side at all.
     this->prepare(3, 0);
-    this->expect_refused(this->solve(0, &this->a, &this->b, &x),
-                         {"u_slu_Solve_based_on_LUD: 1", "slu_Solve_based_on_LUD: 2"});
+    this->expect_refused(this->solve(0, &this->a, &this->b, &x), {lu, cases[0].solve + "2"});
     EXPECT_TRUE(this->solve(2, &this->a, &this->b, &x));
     EXPECT_EQ(x.mw(), 0);
-    this->a.c_Create(3, 3, Real(0));
-    this->s.i_Import(&this->a);
-    const char* const inverses[] = {
-        "ilu_Inverse_matrix_based_on_LUD: 1", "ilup_Inverse_matrix_based_on_LUP: 1",
-        "ill_Inverse_matrix_based_on_LLD: 1", "iuu_Inverse_matrix_based_on_UUD: 1"};
-    for (const Case& c : cases)
-        this->expect_refused(this->invert(c.method, &this->a, &x),
-                             {c.reduce + c.singular, c.factor, inverses[c.method]});
 }
 
 TWIN_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
@@ -236,9 +214,8 @@ TWIN_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
         this->expect_refused(solve(), {"u_slu_Solve_based_on_LUD: 1"});
         Real data[8] = {};
         EXPECT_FALSE(this->solve_with_lu(data, false, 2, 4));
-        this->expect_refused(
-            f.u_ilu_Inverse_matrix_based_on_LUD(&this->l, &this->u, &this->perm, &x),
-            {"u_slu_Solve_based_on_LUD: 1", "u_ilu_Inverse_matrix_based_on_LUD: 2"});
+        this->expect_refused(this->invert_with_lu(&x), {"u_slu_Solve_based_on_LUD: 1",
+                                                        "u_ilu_Inverse_matrix_based_on_LUD: 2"});
         this->perm[2] = good;
     }
     Real data[8] = {};
@@ -282,53 +259,38 @@ TWIN_TEST(TriangularSolvers, FactorsThatDoNotAgreeAreRefused) {
 
 TWIN_TEST(TriangularSolvers, GaussJordan) {
     const auto& f = this->solver;
-    const auto of = [](double value) {
-        return matrix_of<Real>(1, 1, [&](int, int) { return value; });
-    };
-    const Matrix<Real> negative = of(-2);
-    const Matrix<Real> four = of(4);
+    const auto of = [](Real value) { return constant_matrix<Real>(1, 1, value); };
+    const Matrix<Real> negative = of(-2), four = of(4), zero = of(0);
     Matrix<Real> x;
     ASSERT_TRUE(f.sgj_Solve_based_on_GJE(&negative, &four, &x));
     EXPECT_EQ(x, of(2));  // the magnitude scales, not the pivot
-    const Matrix<Real> zero = of(0);
     this->expect_refused(f.sgj_Solve_based_on_GJE(&zero, &four, &x),
                          {"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 3"});
-    Vector<Real> v;
-    v.c_Create(1, Real(4));
+    auto v = vector_of<Real>({4});
     this->expect_refused(f.sgj_Solve_based_on_GJE(&zero, &v, &v),
                          {"u_sgj_Solve_based_on_GJE: 1", "sgj_Solve_based_on_GJE: 2"});
     this->expect_refused(f.igj_Inverse_matrix_based_on_GJE(&zero, &x),
                          {"u_sgj_Solve_based_on_GJE: 1", "igj_Inverse_matrix_based_on_GJE: 2"});
-    const Matrix<Real> wide = random_matrix<Real>(1, 2);
-    const Matrix<Real> tall = random_matrix<Real>(2, 1);
+    const Matrix<Real> wide = random_matrix<Real>(1, 2), tall = random_matrix<Real>(2, 1), empty;
     this->expect_refused(f.sgj_Solve_based_on_GJE(&wide, &four, &x), {"sgj_Solve_based_on_GJE: 1"});
     this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &tall, &x), {"sgj_Solve_based_on_GJE: 2"});
     EXPECT_FALSE(f.igj_Inverse_matrix_based_on_GJE(&wide, &x));
     v.c_Create(2, Real(1));
     this->expect_refused(f.sgj_Solve_based_on_GJE(&four, &v, &v), {"sgj_Solve_based_on_GJE: 1"});
-    const Matrix<Real> empty;
     EXPECT_TRUE(f.igj_Inverse_matrix_based_on_GJE(&empty, &x));
     EXPECT_EQ(x.mh(), 0);
 
-    // Both layouts, k above and below n: what lies behind B stays.
-    for (const int n : {1, 4, 33}) {
+    // k above and below n
+    for (const int n : {1, 4, 33})
         for (const int k : {1, 2, n + 3}) {
             this->prepare(n, k);
-            for (const bool row_major : {true, false}) {
+            expect_solves_arrays(this->a, k, 3, [&](Real* data, bool row_major, int, int) {
                 Matrix<Real> left = this->a;  // symmetric: the same in both layouts
-                const Matrix<Real> laid = row_major ? this->b : transposed(this->b);
-                std::vector<Real> data(laid.p()[0], laid.p()[0] + n * k);
-                data.push_back(77);
-                ASSERT_TRUE(f.u_sgj_Solve_based_on_GJE(row_major, n, k, left.p()[0], data.data()));
-                EXPECT_EQ(data.back(), Real(77));
-                const auto x_of_array = matrix_of<Real>(n, k, [&](int i, int c) {
-                    return data[static_cast<std::size_t>(row_major ? i * k + c : i + n * c)];
-                });
-                EXPECT_LT(solution_residual(this->a, x_of_array, this->b), 3.0);
-                EXPECT_LT(largest_difference(left, identity_of<Real>(n)), 1e4 * kEpsilon<Real>);
-            }
+                const bool done = f.u_sgj_Solve_based_on_GJE(row_major, n, k, left.p()[0], data);
+                return done &&
+                       largest_difference(left, identity_of<Real>(n)) < 1e4 * kEpsilon<Real>;
+            });
         }
-    }
     Real nothing = 0;
     EXPECT_TRUE(f.u_sgj_Solve_based_on_GJE(true, 0, 0, &nothing, &nothing));
     EXPECT_FALSE(f.u_sgj_Solve_based_on_GJE(true, -1, 1, &nothing, &nothing));

@@ -40,7 +40,8 @@ has() {
 }
 has "${packages[0]}" "usr/lib/libnequar_algebra.so.$soversion"
 has "${packages[1]}" usr/lib/libnequar_algebra.so usr/include/nequar_algebra/nequar_algebra.h \
-    usr/lib/cmake/nequar_algebra/nequar_algebraConfig.cmake usr/lib/pkgconfig/nequar_algebra.pc
+    usr/lib/cmake/nequar_algebra/nequar_algebraConfig.cmake usr/lib/pkgconfig/nequar_algebra.pc \
+    usr/share/doc/nequar_algebra/examples/camera_pose/main.cpp
 has "${packages[2]}" usr/bin/nequar usr/share/man/man1/nequar.1.gz \
     usr/share/bash-completion/completions/nequar
 owned=$(dpkg-deb -c "$work/packages/${packages[0]}"_*.deb | awk '$2 != "root/root" { print }')

@@ -1,98 +1,57 @@
 // nequar qr, ql, rq, lq, cod, hessenberg: the factors that they hand out rebuild the matrix.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <string>
-#include <vector>
-
 #include "program/run_program.h"
+#include "support/matrix_gallery.h"
+#include "support/residual.h"
 
 namespace program_test {
 namespace {
 
-// Square, its columns one after another, as array files hold it.
-struct Square {
-    std::size_t n = 0;
-    std::vector<double> values = std::vector<double>(n * n);
-    double& at(std::size_t row, std::size_t column) { return values[column * n + row]; }
-};
+using namespace nequar::test;
+using ProgramDecompositions = InFolder;
 
-Square product(Square a, Square b) {
-    Square c{a.n};
-    for (std::size_t j = 0; j < a.n; ++j)
-        for (std::size_t i = 0; i < a.n; ++i)
-            for (std::size_t k = 0; k < a.n; ++k) c.at(i, j) += a.at(i, k) * b.at(k, j);
-    return c;
+// A square matrix of order 4 from an array file, where it stands column by column.
+CNqMatrix read_square(const std::string& path) {
+    const std::vector<double> values = values_of(path);
+    EXPECT_EQ(values.size(), 16U) << path;
+    return matrix_of<double>(4, 4, [&](int i, int j) { return values.at(std::size_t(4 * j + i)); });
 }
 
-Square transpose(Square a) {
-    Square t{a.n};
-    for (std::size_t j = 0; j < a.n; ++j)
-        for (std::size_t i = 0; i < a.n; ++i) t.at(j, i) = a.at(i, j);
-    return t;
-}
-
-TEST(ProgramDecompositions, FactorsMultiplyToTheMatrix) {
-    const Folder folder;
-    constexpr int n = 4;
-    std::string text = kArray + "4 4\n";
-    std::vector<double> a;
-    for (int k = 0; k < n * n; ++k) {
-        a.push_back((k * k * 7 + 3 * k) % 11 - 4);
-        text += std::to_string(a.back()) + "\n";
-    }
-    const std::string file = folder.file("A.mtx", text);
-    const auto factor = [&](const char* name) {
-        return values_of(folder / ("f_" + std::string(name) + ".mtx"));
-    };
+TEST_F(ProgramDecompositions, FactorsMultiplyToTheMatrix) {
+    const std::string file =
+        folder.file("A.mtx", array_of(4, 4, [](int k) { return (k * k * 5 + k) % 19 - 7; }));
+    const auto a = read_square(file);
     struct Form {
-        std::vector<std::string> command, factors;  // a trailing ' multiplies by the transpose
+        Words command, factors;  // a trailing ' multiplies by the transpose
     };
-    const Form forms[] = {{{"qr"}, {"Q", "R"}},
-                          {{"ql"}, {"Q", "L"}},
-                          {{"rq"}, {"R", "Q"}},
-                          {{"lq"}, {"L", "Q"}},
-                          {{"qr", "--pivot"}, {"Q", "R", "P'"}},
-                          {{"cod"}, {"Q", "T", "Z'"}},
-                          {{"hessenberg"}, {"Q", "H", "Q'"}}};
-    for (const Form& form : forms) {
-        for (const bool in_float : {false, true}) {
-            SCOPED_TRACE(form.command[0] + (in_float ? " in float" : ""));
-            std::vector<std::string> arguments = form.command;
-            arguments.insert(arguments.end(), {file, "-o", folder / "f"});
-            if (in_float) arguments.push_back("--float");
-            const Answer result = nequar(arguments);
-            ASSERT_EQ(result.status, 0) << result.err;
-            const double bound = in_float ? 1e-5 : 1e-13;
-            EXPECT_LT(number_after(result.out, "residual"), bound);
-            EXPECT_LT(number_after(result.out, "orthogonal"), bound);
-            Square rebuilt;
+    for (const Form& form : {Form{{"qr"}, {"Q", "R"}},
+                             {{"ql"}, {"Q", "L"}},
+                             {{"rq"}, {"R", "Q"}},
+                             {{"lq"}, {"L", "Q"}},
+                             {{"qr", "--pivot"}, {"Q", "R", "P'"}},
+                             {{"cod"}, {"Q", "T", "Z'"}},
+                             {{"hessenberg"}, {"Q", "H", "Q'"}}}) {
+        const Words command = joined(form.command, {file, "-o", folder / "f"});
+        in_both_precisions(command, 1e-13, [&](const std::string& out, double bound) {
+            EXPECT_LT(number_after(out, "residual"), bound);
+            EXPECT_LT(number_after(out, "orthogonal"), bound);
+            auto rebuilt = identity_of<double>(4);
             for (const std::string& name : form.factors) {
-                Square next{n, factor(std::string(1, name[0]).c_str())};
-                ASSERT_EQ(next.values.size(), a.size()) << name;
-                if (name.size() == 2) next = transpose(next);
-                rebuilt = rebuilt.n == 0 ? next : product(rebuilt, next);
+                auto factor = read_square(folder / ("f_" + name.substr(0, 1) + ".mtx"));
+                if (name.size() == 2) factor = transposed(factor);
+                rebuilt = product(rebuilt, factor);
             }
-            for (std::size_t k = 0; k < a.size(); ++k)
-                EXPECT_LT(std::fabs(rebuilt.values[k] - a[k]), 20 * bound) << "element " << k;
-        }
+            EXPECT_LT(largest_difference(rebuilt, a), 20 * bound);
+        });
     }
 }
 
-TEST(ProgramDecompositions, ShapesThatAFormRefusesAreSaidWithTheLine) {
-    const Folder folder;
+TEST_F(ProgramDecompositions, ShapesThatAFormRefusesAreSaidWithTheLine) {
     const std::string wide = folder.file("W.mtx", kArray + "2 3\n1\n2\n3\n4\n5\n6\n");
-    for (const std::vector<std::string>& command :
-         {std::vector<std::string>{"qr", "--pivot"}, {"cod"}, {"hessenberg"}}) {
-        std::vector<std::string> arguments = command;
-        arguments.insert(arguments.end(), {wide, "-o", folder / "f"});
-        const Answer result = nequar(arguments);
-        EXPECT_EQ(result.status, 2);
-        EXPECT_TRUE(contains(result.err, "W.mtx:2: " + command[0])) << result.err;
-    }
-    EXPECT_EQ(nequar({"qr", wide}).status, 0);
-    EXPECT_EQ(nequar({"qr", wide, "-o", folder / "missing/f"}).status, 2);
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"W.mtx"});
+    for (const Words& command : {Words{"qr", "--pivot"}, {"cod"}, {"hessenberg"}})
+        expect_failure(joined(command, {wide, "-o", folder / "f"}), 2, "W.mtx:2: " + command[0]);
+    output_of({"qr", wide});
+    expect_failure({"qr", wide, "-o", folder / "missing/f"}, 2, "missing/f");
+    EXPECT_EQ(folder.names(), Words{"W.mtx"});
 }
 
 }  // namespace

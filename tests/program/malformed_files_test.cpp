@@ -1,12 +1,10 @@
 // Files that cannot be used: each gets one clear message with its line, and status 2.
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "program/run_program.h"
 
 namespace program_test {
 namespace {
+
+using ProgramFiles = InFolder;
 
 struct Malformed {
     std::string text;
@@ -18,10 +16,7 @@ const Malformed kMalformed[] = {
     // the banner
     {"", 1, "the file is empty"},
     {"2 2 1\n1 1 1\n", 1, "no Matrix Market file"},
-    {std::string("\x7f"
-                 "ELF\x01\0\0\xff",
-                 8),
-     1, "no Matrix Market file"},
+    {std::string("\177ELF\1\0\0\377", 8), 1, "no Matrix Market file"},
     {kMatrix + "coordinate real\n", 1, "the banner must be"},
     {"%%MatrixMarket vector coordinate real general\n", 1, "\"vector\""},
     {kMatrix + "dense real general\n", 1, "\"dense\""},
@@ -36,7 +31,6 @@ const Malformed kMalformed[] = {
     {kArray + "2 2 4\n", 2, "height width"},
     {kReal + "two 2 1\n", 2, "\"two\" is not a size"},
     {kReal + "2.5 2 1\n", 2, "\"2.5\" is not a size"},
-    {kReal + "-2 2 1\n", 2, "sizes begin at 1"},
     {kReal + "0 0 0\n", 2, "sizes begin at 1"},
     {kReal + "3000000000 2 1\n", 2, "beyond 2147483647"},
     {kReal + "99999999999999999999999 2 1\n", 2, "beyond 2147483647"},
@@ -47,7 +41,6 @@ const Malformed kMalformed[] = {
     {kRealSymmetric + "3 2 1\n", 2, "must be square"},
     // the elements
     {kReal + "2 2 3\n1 1 1\n2 2 1\n", 4, "ends after 2 of 3 elements"},
-    {kArray + "2 2\n1\n2\n3\n", 5, "ends after 3 of 4 elements"},
     {kArray + "40000 40000\n1\n", 3, "ends after 1 of 1600000000"},
     {kReal + "2 2 1\n1 1 1\n2 2 1\n", 4, "more than the 1 element "},
     {kArray + "1 1\n1\n2\n", 4, "more than the 1 element "},
@@ -57,8 +50,6 @@ const Malformed kMalformed[] = {
     {kReal + "2 2 1\n1 99999999999999999999 1\n", 3, "is outside"},
     {kReal + "2 2 1\n1 b 1\n", 3, "\"b\" is not an index"},
     {kReal + "2 2 1\n1 1\n", 3, "row column value"},
-    {kReal + "2 2 2\n1 1 1\n2 2 abc\n", 4, "\"abc\" is not a number"},
-    {kReal + "1 1 1\n1 1 1.5x\n", 3, "\"1.5x\" is not a number"},
     {kReal + "1 1 1\n1 1 0x10\n", 3, "is not a number"},
     {kReal + "1 1 1\n1 1 1,5\n", 3, "\"1,5\" is not a number"},
     {kReal + "1 1 1\n1 1 +-1\n", 3, "is not a number"},
@@ -76,79 +67,53 @@ const Malformed kMalformed[] = {
     {kReal + "% " + std::string(100000, 'x') + "\n", 2, "longer than"},
 };
 
-TEST(ProgramFiles, MalformedOnesAreRefusedWithTheLine) {
-    const Folder folder;
-    for (const Malformed& file : kMalformed) {
-        const std::string path = folder.file("A.mtx", file.text);
-        const std::string start = "nequar: " + path + ":" + std::to_string(file.line) + ": ";
+TEST_F(ProgramFiles, MalformedOnesAreRefusedWithTheLine) {
+    for (const Malformed& malformed : kMalformed) {
+        const std::string path = folder.file("A.mtx", malformed.text);
+        const std::string start = "nequar: " + path + ":" + std::to_string(malformed.line) + ": ";
         for (const char* command : {"solve", "info", "determinant"}) {
-            const Answer result = nequar({command, path});
-            EXPECT_EQ(result.status, 2) << command << "\n" << file.message;
-            EXPECT_EQ(result.err.rfind(start, 0), 0U) << result.err << file.message;
-            EXPECT_TRUE(contains(result.err, file.message)) << result.err << file.message;
-            EXPECT_EQ(result.out, "");
+            const Answer answer = expect_failure({command, path}, 2, malformed.message);
+            EXPECT_EQ(answer.err.rfind(start, 0), 0U) << answer.err << malformed.message;
+            EXPECT_EQ(answer.out, "");
         }
     }
 }
 
-TEST(ProgramFiles, MissingAndUnreadableOnesAreNamed) {
-    const Folder folder;
-    const Answer missing = nequar({"solve", folder / "none.mtx"});
-    EXPECT_EQ(missing.status, 2);
-    EXPECT_EQ(missing.err, "nequar: " + folder / "none.mtx" +
-                               ":1: cannot be opened: No such file or directory\n");
-    const Answer directory = nequar({"info", folder.path()});
-    EXPECT_EQ(directory.status, 2);
-    EXPECT_TRUE(contains(directory.err, ":1: is a directory")) << directory.err;
+TEST_F(ProgramFiles, MissingAndUnreadableOnesAreNamed) {
+    const std::string none = folder / "none.mtx";
+    expect_failure({"solve", none}, 2,
+                   "nequar: " + none + ":1: cannot be opened: No such file or directory\n");
+    expect_failure({"info", folder.path()}, 2, ":1: is a directory");
 }
 
-TEST(ProgramFiles, MatricesBeyondTheMachineAreRefusedBeforeTheyAreMade) {
-    const Folder folder;
+TEST_F(ProgramFiles, MatricesBeyondTheMachineAreRefusedBeforeTheyAreMade) {
     const std::string path =
         folder.file("A.mtx", kReal + "1000000000 1000000000 1\n% far\n1000000000 1 -2.5\n");
     for (const char* command : {"solve", "determinant"}) {
-        const Answer result = nequar({command, path});
-        EXPECT_EQ(result.status, 2);
-        EXPECT_TRUE(contains(result.err, "A.mtx:2: ") && contains(result.err, "memory"))
-            << result.err;
+        const std::string message = expect_failure({command, path}, 2, "A.mtx:2: ").err;
+        EXPECT_TRUE(contains(message, "memory")) << message;
     }
-    const Answer info = nequar({"info", path});  // needs no dense matrix
-    EXPECT_EQ(info.status, 0) << info.err;
-    EXPECT_EQ(number_after(info.out, "norm 1"), 2.5);
+    EXPECT_EQ(number_after(output_of({"info", path}), "norm 1"), 2.5);  // needs no dense matrix
 }
 
-TEST(ProgramFiles, ShapesThatDoNotFitTheCommandAreRefused) {
-    const Folder folder;
+TEST_F(ProgramFiles, ShapesThatDoNotFitTheCommandAreRefused) {
     const std::string square = folder.file("A.mtx", kReal + "2 2 2\n1 1 1\n2 2 1\n");
     const std::string wide = folder.file("wide.mtx", kReal + "% two\n2 3 1\n1 1 1\n");
-    const std::string longer = folder.file("b.mtx", kArray + "3 1\n1\n2\n3\n");
-    const std::string row = folder.file("row.mtx", kArray + "1 2\n1\n2\n");
-    for (const char* command : {"solve", "determinant"}) {
-        const Answer result = nequar({command, wide});
-        EXPECT_EQ(result.status, 2);
-        EXPECT_TRUE(contains(result.err, "wide.mtx:3: ")) << result.err;
-        EXPECT_TRUE(contains(result.err, "needs a square matrix, this one is 2 x 3")) << result.err;
-    }
-    for (const std::string& b : {longer, row}) {
-        const Answer result = nequar({"solve", square, b});
-        EXPECT_EQ(result.status, 2);
-        EXPECT_TRUE(contains(result.err, b + ":2: the right-hand side must have 2 rows"))
-            << result.err;
-    }
+    for (const std::string command : {"solve", "determinant"})
+        expect_failure({command, wide}, 2,
+                       "wide.mtx:3: " + command + " needs a square matrix, this one is 2 x 3");
+    for (const char* b : {"3 1\n1\n2\n3\n", "1 2\n1\n2\n"})
+        expect_failure({"solve", square, folder.file("b.mtx", kArray + b)}, 2,
+                       "b.mtx:2: the right-hand side must have 2 rows");
 }
 
-TEST(ProgramFiles, FloatsThatOverflowAreRefusedAndTinyOnesAreZero) {
-    const Folder folder;
+TEST_F(ProgramFiles, FloatsThatOverflowAreRefusedAndTinyOnesAreZero) {
     const std::string large = folder.file("A.mtx", kReal + "1 1 1\n1 1 1e39\n");
-    EXPECT_EQ(nequar({"solve", large}).status, 0);
-    const Answer result = nequar({"solve", large, "--float"});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_TRUE(contains(result.err, "A.mtx:3: \"1e39\" does not fit single precision"))
-        << result.err;
+    output_of({"solve", large});
+    expect_failure({"solve", large, "--float"}, 2,
+                   "A.mtx:3: \"1e39\" does not fit single precision");
     const std::string tiny = folder.file("t.mtx", kReal + "1 2 2\n1 1 -1e-400\n1 2 0.000e999\n");
-    const Answer info = nequar({"info", tiny});
-    EXPECT_EQ(info.status, 0) << info.err;
-    EXPECT_EQ(number_after(info.out, "nonzero"), 0);
+    EXPECT_EQ(number_after(output_of({"info", tiny}), "nonzero"), 0);
 }
 
 }  // namespace

@@ -38,8 +38,7 @@ bool refuses() {
 struct AtEnd {
     ~AtEnd() {
         is_in_main = false;
-        const char* const path = std::getenv("NEQUAR_REQUESTS");
-        std::FILE* const file = path != nullptr ? std::fopen(path, "w") : nullptr;
+        std::FILE* const file = std::fopen(std::getenv("NEQUAR_REQUESTS"), "w");
         if (file == nullptr) return;
         std::fprintf(file, "%ld\n", requests.load());
         std::fclose(file);
@@ -47,8 +46,7 @@ struct AtEnd {
 } at_end;
 
 int main_with_refusals(int argument_count, char** arguments, char** environment) {
-    const char* const number = std::getenv("NEQUAR_REFUSE");
-    first_refused = number != nullptr ? std::atol(number) : 0;
+    first_refused = std::atol(std::getenv("NEQUAR_REFUSE"));
     refuses_all = std::getenv("NEQUAR_REFUSE_ALL") != nullptr;
     is_in_main = true;
     return program_main(argument_count, arguments, environment);
@@ -75,15 +73,7 @@ NEQUAR_SEEN void* calloc(std::size_t count, std::size_t size) {
 NEQUAR_SEEN void* realloc(void* block, std::size_t size) {
     return refuses() ? nullptr : __libc_realloc(block, size);
 }
-NEQUAR_SEEN void* memalign(std::size_t alignment, std::size_t size) {
-    return refuses() ? nullptr : __libc_memalign(alignment, size);
-}
 NEQUAR_SEEN void* aligned_alloc(std::size_t alignment, std::size_t size) {
     return refuses() ? nullptr : __libc_memalign(alignment, size);
-}
-NEQUAR_SEEN int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
-    if (refuses()) return ENOMEM;
-    *block = __libc_memalign(alignment, size);
-    return *block != nullptr ? 0 : ENOMEM;
 }
 }

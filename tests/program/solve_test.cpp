@@ -1,126 +1,113 @@
 // nequar solve and determinant on systems written here and on real ones.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <filesystem>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "program/run_program.h"
 
 namespace program_test {
 namespace {
 
-std::vector<double> solution_of(const Folder& folder, std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), "solve");
-    arguments.insert(arguments.end(), {"-o", folder / "x.mtx"});
-    const Answer result = nequar(arguments);
-    EXPECT_EQ(result.status, 0) << result.err;
-    return values_of(folder / "x.mtx");
-}
+class ProgramSolve : public InFolder {
+protected:
+    std::string array(const std::string& text) const { return folder.file("A.mtx", kArray + text); }
+    std::string sparse(const std::string& text) const { return folder.file("A.mtx", kReal + text); }
+    void expect_solution(const Words& arguments, const std::vector<double>& x) const {
+        output_of(joined({"solve", "-o", folder / "x.mtx"}, arguments));
+        expect_values(folder / "x.mtx", x, 1e-15);
+    }
+};
+using ProgramDeterminant = ProgramSolve;
 
-TEST(ProgramSolve, EveryMethodSolvesInBothPrecisions) {
-    const Folder folder;
+TEST_F(ProgramSolve, EveryMethodSolvesInBothPrecisionsAndInverts) {
     // [[4, 2, 1], [2, 5, 2], [1, 2, 6]] x = b, x = (1, -2, 3)
     const std::string a = folder.file("A.mtx", kSymmetric + "3 3\n4\n2\n1\n5\n2\n6\n");
     const std::string b = folder.file("b.mtx", kArray + "3 1\n3\n-2\n15\n");
-    for (const char* method :
-         {"auto", "lup", "lud", "llt", "uut", "gje", "qrd", "qld", "rqd", "lqd"}) {
+    const std::string x = folder / "x.mtx";
+    for (const std::string method : {"auto", "lup", "lud", "llt", "uut", "gje", "qrd", "qld", "rqd",
+                                     "lqd", "svd", "evd", "0", "3", "5", "9"}) {
         SCOPED_TRACE(method);
-        expect_values(solution_of(folder, {a, b, "--method", method}), {1, -2, 3}, 1e-14);
-        expect_values(solution_of(folder, {a, b, "--method", method, "--float"}), {1, -2, 3}, 1e-5);
+        const auto is_right = [&x](const std::string& out, double bound) {
+            EXPECT_LT(number_after(out, "residual"), 0.1 * bound);
+            expect_values(x, {1, -2, 3}, bound);
+        };
+        in_both_precisions({"solve", a, b, "-o", x, "--method", method}, 1e-14, is_right);
+        if (method == "auto") continue;
+        EXPECT_LT(number_after(output_of({"inverse", a, "--method", method}), "residual"), 1e-15);
     }
 }
 
-TEST(ProgramSolve, SeveralRightHandSidesNoneAndSkewSymmetricFiles) {
-    const Folder folder;
-    const std::string a = folder.file("A.mtx", kReal + "2 2 3\n1 1 2\n1 2 1\n2 2 4\n");
+TEST_F(ProgramSolve, SeveralRightHandSidesNoneAndSkewSymmetricFiles) {
+    const std::string a = sparse("2 2 3\n1 1 2\n1 2 1\n2 2 4\n");
     const std::string b = folder.file("b.mtx", kReal + "2 3 3\n1 1 2\n2 2 4\n1 3 6\n");
-    expect_values(solution_of(folder, {a, b}), {1, 0, -0.5, 1, 3, 0}, 1e-15);
-    expect_values(solution_of(folder, {a}), {0.375, 0.25}, 1e-15);
-    for (const char* text : {"coordinate real skew-symmetric\n2 2 1\n2 1 2\n",
-                             "array real skew-symmetric\n2 2\n2\n"}) {
-        const std::string skew = folder.file("S.mtx", std::string(kMatrix) + text);
-        expect_values(solution_of(folder, {skew}), {0.5, -0.5}, 1e-15);
+    expect_solution({a, b}, {1, 0, -0.5, 1, 3, 0});
+    expect_solution({a}, {0.375, 0.25});
+    for (const char* text :
+         {"coordinate real skew-symmetric\n2 2 1\n2 1 2\n", "array real skew-symmetric\n2 2\n2\n"})
+        expect_solution({folder.file("S.mtx", kMatrix + text)}, {0.5, -0.5});
+}
+
+TEST_F(ProgramSolve, AutoSaysWhatItTookAndWhy) {
+    for (const auto& [text, reason] :
+         {std::pair{"2 2 2\n1 1 2\n2 2 3\n",
+                    "llt, A = L L' (auto: the matrix is symmetric and pos"},
+          {"2 2 4\n1 1 1\n2 1 2\n1 2 2\n2 2 1\n",
+           "lup, P A = L U (auto: the matrix is symmetric but not positive"},
+          {"2 2 3\n1 1 1\n2 1 2\n2 2 1\n", "lup, P A = L U (auto: the matrix is not symmetric"}}) {
+        const std::string out = output_of({"solve", sparse(text)});
+        EXPECT_TRUE(contains(out, reason)) << out << reason;
     }
 }
 
-TEST(ProgramSolve, AutoSaysWhatItTookAndWhy) {
-    const Folder folder;
-    const auto method = [&](const std::string& text) {
-        return nequar({"solve", folder.file("A.mtx", kReal + text)}).out;
-    };
-    EXPECT_TRUE(contains(method("2 2 2\n1 1 2\n2 2 3\n"),
-                         "llt, A = L L' (auto: the matrix is symmetric and positive"));
-    EXPECT_TRUE(contains(method("2 2 4\n1 1 1\n2 1 2\n1 2 2\n2 2 1\n"),
-                         "lup, P A = L U (auto: the matrix is symmetric but not positive"));
-    EXPECT_TRUE(contains(method("2 2 3\n1 1 1\n2 1 2\n2 2 1\n"),
-                         "lup, P A = L U (auto: the matrix is not symmetric"));
-}
-
-TEST(ProgramSolve, FailuresShowTheLibrarysTrace) {
+TEST_F(ProgramSolve, FailuresShowTheLibrarysTrace) {
     struct Failure {
         std::string text, method;
         int status;
         const char* message;
+        bool names_a_safer_method;
     };
-    const Failure failures[] = {
-        // regular (its determinant is -10), and refused by a pivot chosen before the update
-        {kArray + "3 3\n4\n2\n2\n4\n1\n2\n1\n1\n3\n", "lud", 1,
-         "u_dluc_Decompose_into_LU_matrices_by_Crout: singular"},
-        {kArray + "2 2\n1\n2\n2\n4\n", "auto", 1, "with_Partial_pivoting: singular"},
-        {kReal + "2 2 2\n1 2 1\n2 1 1\n", "llt", 1, "non-positive definite"},
-        {kReal + "2 2 3\n1 1 1\n2 1 3\n2 2 1\n", "uut", 2,
-         "A.mtx:2: --method uut needs a symmetric matrix"},
-        {kArray + "1 1\n1e-320\n", "auto", 1, "not finite"}};
-    const Folder folder;
-    for (const Failure& f : failures) {
+    for (const Failure& f :
+         // regular (its determinant is -10), and refused by a pivot chosen before the update
+         {Failure{kArray + "3 3\n4\n2\n2\n4\n1\n2\n1\n1\n3\n", "lud", 1,
+                  "u_dluc_Decompose_into_LU_matrices_by_Crout: singular", true},
+          {kArray + "2 2\n1\n2\n2\n4\n", "auto", 1, "with_Partial_pivoting: singular", false},
+          {kReal + "2 2 2\n1 2 1\n2 1 1\n", "llt", 1, "non-positive definite", false},
+          {kReal + "2 2 3\n1 1 1\n2 1 3\n2 2 1\n", "uut", 2,
+           "A.mtx:2: --method uut needs a symmetric matrix", false},
+          {kArray + "1 1\n1e-320\n", "auto", 1, "not finite", true}}) {
         const std::string a = folder.file("A.mtx", f.text);
-        const Answer result = nequar({"solve", a, "--method", f.method, "-o", folder / "x.mtx"});
-        EXPECT_EQ(result.status, f.status) << f.message;
-        EXPECT_TRUE(contains(result.err, f.message)) << result.err;
-        // a safer method is named where there is one
-        EXPECT_EQ(contains(result.err, "qrd"), f.method == "lud" || contains(f.text, "e-320"))
-            << result.err;
-        EXPECT_EQ(folder.names(), std::vector<std::string>{"A.mtx"});  // no temporary file either
+        const Words words = {"solve", a, "--method", f.method, "-o", folder / "x.mtx"};
+        const std::string message = expect_failure(words, f.status, f.message).err;
+        EXPECT_EQ(contains(message, "qrd"), f.names_a_safer_method) << message;
+        EXPECT_EQ(folder.names(), Words{"A.mtx"});  // no temporary file either
     }
 }
 
-TEST(ProgramSolve, BadResidualsAndGrowthAreSaid) {
-    const Folder folder;
-    // Gauss-Jordan's scaling by the magnitude of the pivot: x = 2 where -2 solves
-    const std::string negative = folder.file("A.mtx", kArray + "1 1\n-2\n");
-    const std::string b = folder.file("b.mtx", kArray + "1 1\n4\n");
-    Answer result = nequar({"solve", negative, b, "--method", "gje"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_GT(number_after(result.out, "residual"), 0.5);
-    EXPECT_TRUE(contains(result.out, "BAD") && contains(result.out, "qrd")) << result.out;
-
+TEST_F(ProgramSolve, BadResidualsAndGrowthAreSaid) {
+    // Gauss-Jordan's scaling by the magnitude of the pivot: x = 2 where -2 solves; and norms whose
+    // product overflows a double do not hide a wrong solution
+    for (const auto& [minus_a, b] : {std::pair{"2\n", "4\n"}, {"1e200\n", "1e300\n"}}) {
+        const std::string a = folder.file("A.mtx", kArray + "1 1\n-" + minus_a);
+        const std::string right = folder.file("b.mtx", kArray + "1 1\n" + b);
+        const std::string out = output_of({"solve", a, right, "--method", "gje"});
+        EXPECT_GT(number_after(out, "residual"), 0.5);
+        EXPECT_TRUE(contains(out, "BAD") && contains(out, "qrd")) << out;
+    }
     // a pivot of 1e-12 after the update: U holds 1e12
-    const std::string growing =
-        folder.file("G.mtx", kArray + "3 3\n1\n1\n0\n1\n1.000000000001\n0.5\n1\n2\n1\n");
-    result = nequar({"solve", growing, "--method", "lud"});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_GT(number_after(result.out, "growth"), 1e10);
-    EXPECT_TRUE(contains(result.out, "LARGE") && contains(result.out, "qrd")) << result.out;
+    std::string out = output_of(
+        {"solve", array("3 3\n1\n1\n0\n1\n1.000000000001\n0.5\n1\n2\n1\n"), "--method", "lud"});
+    EXPECT_GT(number_after(out, "growth"), 1e10);
+    EXPECT_TRUE(contains(out, "LARGE") && contains(out, "qrd")) << out;
 
-    // norms whose product overflows a double do not hide a wrong solution
-    const std::string huge = folder.file("H.mtx", kArray + "1 1\n-1e200\n");
-    const std::string far = folder.file("f.mtx", kArray + "1 1\n1e300\n");
-    result = nequar({"solve", huge, far, "--method", "gje"});
-    EXPECT_GT(number_after(result.out, "residual"), 0.5) << result.out;
-
-    result = nequar({"solve", folder.file("D.mtx", kReal + "2 2 2\n1 1 2\n2 2 3\n")});
-    EXPECT_LT(number_after(result.out, "residual"), 1e-16);
-    EXPECT_DOUBLE_EQ(number_after(result.out, "growth"), 1);
-    EXPECT_FALSE(contains(result.out, "warning")) << result.out;
+    out = output_of({"solve", sparse("2 2 2\n1 1 2\n2 2 3\n")});
+    EXPECT_LT(number_after(out, "residual"), 1e-16);
+    EXPECT_DOUBLE_EQ(number_after(out, "growth"), 1);
+    EXPECT_FALSE(contains(out, "warning")) << out;
 }
 
-TEST(ProgramSolve, ConditionSaysHowManyDigitsAreRight) {
-    const Folder folder;
+TEST_F(ProgramSolve, ConditionSaysHowManyDigitsAreRight) {
     const auto solve = [&](const std::string& corner) {
-        return nequar({"solve", folder.file("A.mtx", kArray + "2 2\n1\n1\n1\n" + corner)}).out;
+        return output_of({"solve", array("2 2\n1\n1\n1\n" + corner)});
     };
     std::string out = solve("2\n");  // ||A|| = 3, ||A^-1|| = 3
     EXPECT_NEAR(number_after(out, "condition"), 9, 0.1);
@@ -133,125 +120,123 @@ TEST(ProgramSolve, ConditionSaysHowManyDigitsAreRight) {
     EXPECT_TRUE(contains(out, "singular to working precision")) << out;
 }
 
-TEST(ProgramSolve, OutputReplacesAFileWholeOrNotAtAll) {
-    const Folder folder;
-    const std::string a = folder.file("A.mtx", kArray + "1 1\n4\n");
+TEST_F(ProgramSolve, OutputReplacesAFileWholeOrNotAtAll) {
+    const std::string a = array("1 1\n4\n");
     const std::string x = folder.file("x.mtx", "what stood here\n");
-    ASSERT_EQ(nequar({"solve", a, "-o", x}).status, 0);
-    EXPECT_EQ(read_file(x),
-              kArray + "% solution of A x = b by nequar, method llt\n1 1\n" + "0.25\n");
+    output_of({"solve", a, "-o", x});
+    EXPECT_EQ(read_file(x), kArray + "% solution of A x = b by nequar, method llt\n1 1\n0.25\n");
     struct stat status {};
     ASSERT_EQ(stat(x.c_str(), &status), 0);
     const mode_t mask = umask(0);
     umask(mask);
     EXPECT_EQ(status.st_mode & 0777, 0666 & ~mask);
 
-    std::filesystem::create_symlink("x.mtx", folder / "link.mtx");
-    ASSERT_EQ(nequar({"solve", a, "-o", folder / "link.mtx", "--float"}).status, 0);
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.mtx"));
-    expect_values(values_of(x), {0.25}, 1e-7);
+    const std::string link = folder / "link.mtx";
+    std::filesystem::create_symlink("x.mtx", link);
+    output_of({"solve", a, "-o", link, "--float"});
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    expect_values(x, {0.25}, 1e-7);
 
-    ASSERT_EQ(nequar({"solve", a, "-o", a}).status, 0);  // onto its own input
-    expect_values(values_of(a), {0.25}, 1e-15);
+    output_of({"solve", a, "-o", a});  // onto its own input
+    expect_values(a, {0.25}, 1e-15);
 
-    for (const std::string& place : {folder / "none/x.mtx", folder.path(), std::string()}) {
-        const Answer result = nequar({"solve", a, "-o", place});
-        EXPECT_EQ(result.status, 2) << place;
-        EXPECT_EQ(result.err.rfind("nequar: ", 0), 0U) << result.err;
-    }
-    const Answer full = nequar({"solve", a, "-o", "/dev/full"});
-    EXPECT_EQ(full.status, 2);
-    EXPECT_TRUE(contains(full.err, "No space left")) << full.err;
+    for (const std::string& place : {folder / "none/x.mtx", folder.path(), std::string()})
+        expect_failure({"solve", a, "-o", place}, 2, place);
+    expect_failure({"solve", a, "-o", "/dev/full"}, 2, "No space left");
     EXPECT_TRUE(std::filesystem::exists("/dev/full"));
-    EXPECT_EQ(folder.names(), (std::vector<std::string>{"A.mtx", "link.mtx", "x.mtx"}));
+    EXPECT_EQ(folder.names(), (Words{"A.mtx", "link.mtx", "x.mtx"}));
 }
 
-TEST(ProgramSolve, ExpectComparesWithAKnownSolution) {
-    const Folder folder;
-    const std::string a = folder.file("A.mtx", kArray + "1 1\n2\n");
+TEST_F(ProgramSolve, ExpectComparesWithAKnownSolution) {
+    const std::string a = array("1 1\n2\n");
     for (const bool right : {true, false}) {
-        const std::string x =
-            folder.file("x.mtx", kArray + (right ? "1 1\n0.5\n" : "1 1\n0.501\n"));
-        const Answer result = nequar({"solve", a, "--expect", x});
-        EXPECT_EQ(result.status, right ? 0 : 1);
-        EXPECT_TRUE(contains(result.out, right ? "reproduces the known one" : "DIFFERS"))
-            << result.out;
+        const auto x = folder.file("x.mtx", kArray + "1 1\n" + (right ? "0.5\n" : "0.501\n"));
+        const Answer answer = run(NEQUAR_PROGRAM, {"solve", a, "--expect", x});
+        EXPECT_EQ(answer.status, right ? 0 : 1);
+        const char* const verdict = right ? "reproduces the known one" : "DIFFERS";
+        EXPECT_TRUE(contains(answer.out, verdict)) << answer.out;
     }
 }
 
-TEST(ProgramDeterminant, KeepsItsSignAndItsRange) {
-    const Folder folder;
-    const auto determinant = [&](const std::string& text) {
-        const Answer result = nequar({"determinant", folder.file("A.mtx", kArray + text)});
-        EXPECT_EQ(result.status, 0) << result.err;
-        return result.out;
+TEST_F(ProgramDeterminant, KeepsItsSignAndItsRange) {
+    const auto determinant = [&](const char* text) {
+        return output_of({"determinant", array(text)});
     };
-    EXPECT_EQ(number_after(determinant("2 2\n0\n1\n1\n0\n"), "determinant"), -1);
-    EXPECT_NEAR(number_after(determinant("2 2\n1\n3\n2\n4\n"), "determinant"), -2, 1e-15);
-    EXPECT_NEAR(number_after(determinant("3 3\n4\n2\n2\n4\n1\n2\n1\n1\n3\n"), "determinant"), -10,
-                1e-14);
-    EXPECT_EQ(number_after(determinant("2 2\n1\n2\n2\n4\n"), "determinant"), 0);
-    // the product leaves the range on the way and comes back
-    EXPECT_NEAR(
-        number_after(determinant("3 3\n1e-200\n0\n0\n0\n1e-200\n0\n0\n0\n1e300\n"), "determinant") /
-            1e-100,
-        1, 1e-12);
+    for (const auto& [text, expected] :
+         {std::pair{"2 2\n0\n1\n1\n0\n", -1.0},
+          {"2 2\n1\n3\n2\n4\n", -2.0},
+          {"3 3\n4\n2\n2\n4\n1\n2\n1\n1\n3\n", -10.0},
+          {"2 2\n1\n2\n2\n4\n", 0.0},
+          // the product leaves the range on the way and comes back
+          {"3 3\n1e-200\n0\n0\n0\n1e-200\n0\n0\n0\n1e300\n", 1e-100}})
+        EXPECT_NEAR(number_after(determinant(text), "determinant"), expected,
+                    1e-15 * std::abs(expected));
     EXPECT_TRUE(contains(determinant("2 2\n-1e200\n0\n0\n1e250\n"), "-10^450, beyond the range"));
 }
 
-// ---- real systems, where the folder of data is there -------------------------------------------
+// ---- the bundled example, and real systems where the folder of data is there -------------------
+
+TEST_F(ProgramSolve, TheFilesOfTheExampleAreWhatItWritesAndLeadToItsAnswer) {
+    const std::string example = NEQUAR_EXAMPLES "/ieee14_dc_power_flow/";
+    EXPECT_EQ(run(NEQUAR_IEEE14, {"--write", folder.path()}).status, 0);
+    EXPECT_EQ(run(NEQUAR_IEEE14, {"--write", folder / "none"}).status, 2);
+    for (const char* name : {"A.mtx", "b.mtx"}) {
+        EXPECT_FALSE(read_file(example + name).empty());
+        EXPECT_EQ(read_file(folder / name), read_file(example + name));
+    }
+    const std::string out =
+        output_of({"solve", example + "A.mtx", example + "b.mtx", "--expect", example + "x.mtx"});
+    EXPECT_TRUE(contains(out, "reproduces the known one")) << out;
+    EXPECT_LT(number_after(out, "residual"), 1e-16) << out;
+}
 
 class ProgramRealSystem : public testing::Test {
 protected:
-    static Answer solve(const std::string& name, const std::string& method) {
-        return nequar(
-            {"solve", std::string(NEQUAR_DATA) + "/" + name + ".mtx", "--method", method});
+    static Words solve(const std::string& name, const std::string& method) {
+        return {"solve", NEQUAR_DATA "/" + name + ".mtx", "--method", method};
     }
     void SetUp() override {
-        if (!std::filesystem::exists(std::string(NEQUAR_DATA) + "/494_bus.mtx"))
+        if (!std::filesystem::exists(NEQUAR_DATA "/494_bus.mtx"))
             GTEST_SKIP() << "no folder " << NEQUAR_DATA;
     }
 };
 
 TEST_F(ProgramRealSystem, CholeskySolvesThePositiveDefiniteOnes) {
-    for (const char* name : {"494_bus", "bcsstk01", "bcsstk03", "bcsstk22", "nos4"}) {
-        for (const char* method : {"llt", "uut", "auto"}) {
-            const Answer result = solve(name, method);
-            EXPECT_EQ(result.status, 0) << name << result.err;
-            EXPECT_TRUE(contains(result.out,
-                                 std::string("method      ") + (method[0] == 'u' ? "uut" : "llt")));
-            EXPECT_LT(number_after(result.out, "residual"), 1e-14) << name << " " << method;
-            EXPECT_LT(number_after(result.out, "growth"), 1 + 1e-12) << name << " " << method;
+    for (const char* name : {"494_bus", "bcsstk01", "bcsstk03", "bcsstk22", "nos4"})
+        for (const std::string method : {"llt", "uut", "auto"}) {
+            SCOPED_TRACE(name + (" by " + method));
+            const std::string out = output_of(solve(name, method));
+            EXPECT_TRUE(contains(out, "method      " + (method == "auto" ? "llt" : method)));
+            EXPECT_LT(number_after(out, "residual"), 1e-14);
+            EXPECT_LT(number_after(out, "growth"), 1 + 1e-12);
         }
-    }
 }
 
 TEST_F(ProgramRealSystem, AutoSolvesTheUnsymmetricOnesAndKnowsTheirCondition) {
     // with the 2-norm condition that is known of each; 1-norm and 2-norm differ by n at most
-    const std::pair<const char*, double> systems[] = {{"b1_ss", 1.97e2},     {"pores_1", 1.81e6},
-                                                      {"steam3", 4.99e10},   {"west0067", 1.30e2},
-                                                      {"west0479", 3.25e11}, {"gre_343", 1.12e2}};
-    for (const auto& [name, condition] : systems) {
-        const Answer result = solve(name, "auto");
-        EXPECT_EQ(result.status, 0) << name << result.err;
-        EXPECT_LT(number_after(result.out, "residual"), 1e-14) << name;
-        EXPECT_GT(number_after(result.out, "condition"), condition / 500) << name;
-        EXPECT_LT(number_after(result.out, "condition"), condition * 500) << name;
+    for (const auto& [name, condition] : {std::pair{"b1_ss", 1.97e2},
+                                          {"pores_1", 1.81e6},
+                                          {"steam3", 4.99e10},
+                                          {"west0067", 1.30e2},
+                                          {"west0479", 3.25e11},
+                                          {"gre_343", 1.12e2}}) {
+        const std::string out = output_of(solve(name, "auto"));
+        EXPECT_LT(number_after(out, "residual"), 1e-14) << name;
+        EXPECT_GT(number_after(out, "condition"), condition / 500) << name;
+        EXPECT_LT(number_after(out, "condition"), condition * 500) << name;
     }
 }
 
 TEST_F(ProgramRealSystem, LuWithPivotsBeforeTheUpdateSolvesSomeAndRefusesSome) {
     for (const char* name : {"bcsstk01", "pores_1", "b1_ss"}) {
-        const Answer result = solve(name, "lud");
-        EXPECT_EQ(result.status, 0) << name << result.err;
-        const double growth = number_after(result.out, "growth");
+        const std::string out = output_of(solve(name, "lud"));
+        const double growth = number_after(out, "growth");
         EXPECT_GE(growth, 1) << name;
-        EXPECT_LT(number_after(result.out, "residual"), 1e-16 * growth) << name;
+        EXPECT_LT(number_after(out, "residual"), 1e-16 * growth) << name;
     }
     for (const char* name : {"west0067", "gre_343", "steam3", "karate"}) {
-        const Answer result = solve(name, "lud");
-        EXPECT_EQ(result.status, 1) << name;
-        EXPECT_TRUE(contains(result.err, "Crout: singular") && contains(result.err, "qrd")) << name;
+        const std::string message = expect_failure(solve(name, "lud"), 1, "Crout: singular").err;
+        EXPECT_TRUE(contains(message, "qrd")) << name;
     }
 }
 

@@ -1,13 +1,9 @@
 // What happens while nequar waits: here for a pipe that nobody writes to.
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <string>
 
 #include "program/run_program.h"
 
@@ -28,42 +24,44 @@ std::string read_until(int descriptor, const std::string& part) {
     return text;
 }
 
-TEST(ProgramWaiting, ATerminalShowsWhatIsRunningAndForHowLong) {
+class ProgramWaiting : public InFolder {
+protected:
+    ~ProgramWaiting() override { close(nowhere); }
+    std::string make_pipe(const std::string& name) const {
+        EXPECT_EQ(mkfifo((folder / name).c_str(), 0600), 0);
+        return folder / name;
+    }
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+};
+
+TEST_F(ProgramWaiting, ATerminalShowsWhatIsRunningAndForHowLong) {
     int master = -1, terminal = -1;
     if (openpty(&master, &terminal, nullptr, nullptr, nullptr) != 0)
         GTEST_SKIP() << "no pseudo-terminals here";
-    const Folder folder;
-    const std::string pipe = folder / "A.mtx";
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    const int nowhere = open("/dev/null", O_WRONLY);
+    const std::string pipe = make_pipe("A.mtx");
     const pid_t child = start(NEQUAR_PROGRAM, {"info", pipe}, nowhere, terminal);
     const std::string shown = read_until(master, " s\x1b[K");
     EXPECT_TRUE(contains(shown, "reading " + pipe + " ... 0.")) << shown;
-    write_file(pipe, kArray + "1 1\n1\n");
+    folder.file("A.mtx", kArray + "1 1\n1\n");
     EXPECT_EQ(end_of(child), 0);
     const std::string last = read_until(master, "\r\x1b[K");  // the line is cleared
     EXPECT_TRUE(contains(last, "\r\x1b[K")) << last;
     close(master);
     close(terminal);
-    close(nowhere);
 }
 
-TEST(ProgramWaiting, AnInterruptLeavesNoHalfWrittenFile) {
+TEST_F(ProgramWaiting, AnInterruptLeavesNoHalfWrittenFile) {
+    const std::string a = folder.file("A.mtx", kArray + "1 1\n1\n");
+    const std::string x = folder.file("x.mtx", "what stood here\n");
+    const std::string pipe = make_pipe("b.mtx");
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        const Folder folder;
-        const std::string a = folder.file("A.mtx", kArray + "1 1\n1\n");
-        const std::string x = folder.file("x.mtx", "what stood here\n");
-        const std::string pipe = folder / "b.mtx";
-        ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-        const int nowhere = open("/dev/null", O_WRONLY);
         const pid_t child = start(NEQUAR_PROGRAM, {"solve", a, pipe, "-o", x}, nowhere, nowhere);
         for (int i = 0; i < 500 && folder.names().size() < 4; ++i) usleep(10000);
         EXPECT_EQ(folder.names().size(), 4U) << "the temporary file";
         kill(child, signal);
         EXPECT_EQ(end_of(child), -signal);
-        EXPECT_EQ(folder.names(), (std::vector<std::string>{"A.mtx", "b.mtx", "x.mtx"}));
+        EXPECT_EQ(folder.names(), (Words{"A.mtx", "b.mtx", "x.mtx"}));
         EXPECT_EQ(read_file(x), "what stood here\n");
-        close(nowhere);
     }
 }
 

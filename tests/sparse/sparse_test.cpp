@@ -232,7 +232,7 @@ TWIN_TEST(SparseTest, CopiesAndMoves) {
     a.zet_s(false);
     nequar::Matrix<Real> dense;
     typename TestFixture::MatrixType out;
-    EXPECT_FALSE(a.ge(0, 0, &value) || a.se(0, 0, 1) || a.t(&out) || a.itze());
+    EXPECT_FALSE(a.ge(0, 0, &value) || a.se(0, 0, 1) || a.t(&out) || a.itze() || a.z_cne(1));
     EXPECT_TRUE(a.rze() && a.ex(&dense) && a.mmc(2) && a.m() == Real(0) && a.czm(2, 2, 0));
     typename TestFixture::VectorType v = vector_of(Mirror<Real>{3, 1, {{{0, 1}, 4}}});
     const auto taken = std::move(v);
@@ -241,6 +241,11 @@ TWIN_TEST(SparseTest, CopiesAndMoves) {
     EXPECT_TRUE(assigned == taken && assigned.dim() == 3);
     EXPECT_TRUE(taken.nee() == 1 && v.dim() == 0 && v.nee() == 0 && !v.se(0, 1) &&
                 v.m() == Real(0));
+    nequar::SparseSymmetricMatrix<Real> s, full;
+    s.czm(3, 2);
+    full = std::move(s);
+    EXPECT_TRUE(a.z_cne(0) && s.amm(&s) && s.mvva(&v));
+    EXPECT_FALSE(s.ex(&a, nullptr) || s.z_cne(1));
 }
 
 TWIN_TEST(SparseTest, SelfTestsPass) {

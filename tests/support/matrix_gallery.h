@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <initializer_list>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -57,12 +58,30 @@ Matrix<Real> matrix_of(int height, int width, std::initializer_list<double> valu
     return a;
 }
 
+template <class Real>
+Matrix<Real> constant_matrix(int height, int width, Real value = 0) {
+    Matrix<Real> a;
+    a.c_Create(height, width, value);
+    return a;
+}
+
 // From the upper triangle.
 template <class Real>
 MatrixSymmetric<Real> packed_of(const Matrix<Real>& a) {
     MatrixSymmetric<Real> s;
     s.iu_Import_Upper_part_of(&a);
     return s;
+}
+
+// What a triangular, diagonal, band or symmetric matrix holds, as a dense one.
+template <class Packed>
+auto unpacked(const Packed& packed) {
+    Matrix<std::remove_cvref_t<decltype(packed[0])>> dense;
+    if constexpr (requires { packed.e_Export(&dense, true); })
+        packed.e_Export(&dense, true);
+    else
+        packed.e_Export(&dense);
+    return dense;
 }
 
 // Summed in long double.
@@ -139,39 +158,38 @@ Matrix<Real> rank_deficient_matrix(int height, int width, int rank, std::uint64_
     });
 }
 
-// A := H A H with a random reflector H = I - 2 v v^T / v^T v.
-inline void reflect_both_sides(std::vector<std::vector<double>>& a, Uniform& uniform) {
-    const std::size_t n = a.size();
-    std::vector<double> v(n);
-    double square = 0;
-    for (double& x : v) {
-        x = uniform();
-        square += x * x;
-    }
-    for (int side = 0; side < 2; ++side) {
-        for (std::size_t j = 0; j < n; ++j) {
-            double dot = 0;
-            for (std::size_t i = 0; i < n; ++i) dot += v[i] * a[i][j];
-            for (std::size_t i = 0; i < n; ++i) a[i][j] -= 2 * dot / square * v[i];
-        }
-        for (std::size_t i = 0; i < n; ++i)
-            for (std::size_t j = 0; j < i; ++j) std::swap(a[i][j], a[j][i]);
-    }
+// Plain ones, ties and lost rank in any shape; square ones with trouble of every kind.
+template <class Real>
+std::vector<Matrix<Real>> hard_matrices(int m, int n) {
+    std::vector<Matrix<Real>> all = {random_matrix<Real>(m, n, 3), integer_matrix<Real>(m, n, 2, 4),
+                                     rank_deficient_matrix<Real>(m, n, (n + 2) / 3, 5)};
+    if (m != n) return all;
+    all.push_back(hilbert_matrix<Real>(n));
+    all.push_back(kahan_matrix<Real>(n));
+    all.push_back(growing_matrix<Real>(n));
+    all.push_back(graded_matrix<Real>(n, sizeof(Real) == 4 ? 12 : 60));
+    all.push_back(matrix_of<Real>(n, n, [](int i, int j) { return i == j; }));
+    return all;
 }
 
-// Symmetric with the given eigenvalues.
+// Symmetric with the given eigenvalues: a diagonal matrix between three random reflectors.
 template <class Real>
 Matrix<Real> symmetric_with_spectrum(const std::vector<double>& eigenvalues,
                                      std::uint64_t seed = 1) {
-    const std::size_t n = eigenvalues.size();
-    std::vector<std::vector<double>> a(n, std::vector<double>(n, 0.0));
-    for (std::size_t i = 0; i < n; ++i) a[i][i] = eigenvalues[i];
-    Uniform uniform(seed);
-    for (int k = 0; k < 3; ++k) reflect_both_sides(a, uniform);
-    return matrix_of<Real>(static_cast<int>(n), static_cast<int>(n), [&](int i, int j) {
-        const auto row = static_cast<std::size_t>(std::min(i, j));
-        return a[row][static_cast<std::size_t>(std::max(i, j))];
+    const int n = static_cast<int>(eigenvalues.size());
+    auto a = matrix_of<double>(n, n, [&](int i, int j) {
+        return i == j ? eigenvalues[static_cast<std::size_t>(i)] : 0.0;
     });
+    Uniform uniform(seed);
+    for (int k = 0; k < 3; ++k) {
+        const auto v = matrix_of<double>(1, n, [&](int, int) { return uniform(); });
+        double square = 0;
+        for (int i = 0; i < n; ++i) square += v[0][i] * v[0][i];
+        const auto reflector = matrix_of<double>(
+            n, n, [&](int i, int j) { return (i == j) - 2 / square * v[0][i] * v[0][j]; });
+        a = product(product(reflector, a), reflector);
+    }
+    return matrix_of<Real>(n, n, [&](int i, int j) { return a[std::min(i, j)][std::max(i, j)]; });
 }
 
 // Symmetric positive definite with eigenvalues from 1 down to 1/condition.

@@ -38,6 +38,15 @@ double largest_of(const Matrix<Real>& a) {
     return largest;
 }
 
+// The square root of the sum of squares.
+template <class Real>
+double norm_of(const Matrix<Real>& a) {
+    double squares = 0;
+    for (int i = 0; i < a.mh(); ++i)
+        for (int j = 0; j < a.mw(); ++j) squares += double(a[i][j]) * double(a[i][j]);
+    return std::sqrt(squares);
+}
+
 // What rounding may do to every element of A: max |A| max(m, n) eps, and a subnormal number.
 template <class Real>
 double rounding_of(const Matrix<Real>& a) {

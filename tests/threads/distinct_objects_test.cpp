@@ -19,8 +19,7 @@ constexpr int kRounds = 6;
 
 template <class Real>
 void add_to(std::vector<double>& all, const Matrix<Real>& a) {
-    for (int i = 0; i < a.mh(); ++i)
-        for (int j = 0; j < a.mw(); ++j) all.push_back(double(a[i][j]));
+    for (int i = 0; i < a.mh(); ++i) all.insert(all.end(), a[i], a[i] + a.mw());
 }
 
 template <class Real>
@@ -29,9 +28,9 @@ void solve_and_decompose(std::uint64_t seed, std::vector<double>& all) {
     LinearEquation<Real> tool;
     const Matrix<Real> a = dominant_matrix<Real>(n, seed), b = random_matrix<Real>(n, 3, seed);
     Matrix<Real> x;
-    MatrixDiagonal<Real> d;
     for (int code = 0; code < 10; ++code)
         if (tool.sle_Solve_Linear_Equation(code, &a, &b, &x)) add_to(all, x);
+    MatrixDiagonal<Real> d;
     int count = 0;
     tool.dsvb_Decompose_to_find_Singular_Values_via_Bidiagonalization(&a, nullptr, &d, &x, 1000,
                                                                       count);
@@ -40,17 +39,16 @@ void solve_and_decompose(std::uint64_t seed, std::vector<double>& all) {
     add_to(all, x);
     AlgebraForMatrixSpecial<Real> algebra;
     algebra.mmm_Multiply_Matrix_Matrix(&a, &a, &a, &x);
-    algebra.imt_Inverse_Matrix_for_Triangular_matrix(true, &a, &x);
+    algebra.imt_Inverse_Matrix_for_Triangular_matrix(true, &x, &x);
     add_to(all, x);
 }
 
 template <class Real>
 void use_structured_and_sparse(std::uint64_t seed, std::vector<double>& all) {
     const int n = 30 + static_cast<int>(seed % 5);
-    const Matrix<Real> a = dominant_matrix<Real>(n, seed);
-    Matrix<Real> x;
+    Matrix<Real> x = dominant_matrix<Real>(n, seed);
     MatrixBand<Real> band;
-    band.i_Import(&a, 3, 4);
+    band.i_Import(&x, 3, 4);
     band.e_Export(&x, true);
     add_to(all, x);
     Vector<Real> row;
@@ -66,8 +64,7 @@ void use_structured_and_sparse(std::uint64_t seed, std::vector<double>& all) {
     m.amm(&m);
     m.ex(&x);
     add_to(all, x);
-    SparseMatrix<Real> tested;
-    EXPECT_TRUE(tested.u_tot_Test_Operations_Total(5, 6, 0.4, -3, 3, 2, 1, 1, 1, 1, 1));
+    EXPECT_TRUE(m.u_tot_Test_Operations_Total(5, 6, 0.4, -3, 3, 2, 1, 1, 1, 1, 1));
 }
 
 template <class Real>
@@ -79,17 +76,16 @@ void draw_and_analyse(std::uint64_t seed, std::vector<double>& all) {
     for (int i = 0; i < 8; ++i) {
         random.gng(0, 1, 5, x);  // seeded by the clock: not the same each time
         random.ss_Set_Seed(static_cast<int>(seed) + i);
-        for (int k = 0; k < 5; ++k) x[k] = random.gu(-1, 1);
+        for (int k = 0; k < 5; ++k) all.push_back(x[k] = random.gu(-1, 1));
         pca.inv_INput_a_Vector(x, nullptr);
     }
     EXPECT_TRUE(pca.cevvcm_Calculate_Eigen_Values_and_Vectors_of_Covariance_Matrix());
     all.push_back(double(pca.rre()));
-    for (int i = 0; i < 5; ++i) all.push_back(double(x[i]));
 }
 
 // Failures of this thread's objects, and the message that some thread has left last.
 template <class Real>
-void fail_and_look() {
+void fail_and_look(std::uint64_t, std::vector<double>&) {
     const LinearEquation<Real> tool;
     const Matrix<Real> a = random_matrix<Real>(3, 4);
     Matrix<Real> x;
@@ -105,28 +101,17 @@ void fail_and_look() {
 }
 
 std::vector<double> work(int thread) {
+    using Family = void (*)(std::uint64_t, std::vector<double>&);
+    constexpr Family families[][2] = {
+        {solve_and_decompose<double>, solve_and_decompose<float>},
+        {use_structured_and_sparse<double>, use_structured_and_sparse<float>},
+        {draw_and_analyse<double>, draw_and_analyse<float>},
+        {fail_and_look<double>, fail_and_look<float>}};
     std::vector<double> all;
-    for (int round = 0; round < kRounds; ++round) {
-        const auto seed = static_cast<std::uint64_t>(thread * kRounds + round);
-        // Each thread begins with another family, so that first calls meet.
-        for (int step = 0; step < 4; ++step) switch ((step + thread) % 4) {
-                case 0:
-                    solve_and_decompose<double>(seed, all);
-                    solve_and_decompose<float>(seed, all);
-                    break;
-                case 1:
-                    use_structured_and_sparse<double>(seed, all);
-                    use_structured_and_sparse<float>(seed, all);
-                    break;
-                case 2:
-                    draw_and_analyse<double>(seed, all);
-                    draw_and_analyse<float>(seed, all);
-                    break;
-                default:
-                    fail_and_look<double>();
-                    fail_and_look<float>();
-            }
-    }
+    for (int round = 0; round < kRounds; ++round)
+        for (int step = 0; step < 4; ++step)  // each thread begins with another family
+            for (const Family use : families[(step + thread) % 4])
+                use(static_cast<std::uint64_t>(thread * kRounds + round), all);
     return all;
 }
 
@@ -137,12 +122,11 @@ TEST(Threads, DistinctObjectsAreIndependent) {
         threads.emplace_back([t, &found] { found[std::size_t(t)] = work(t); });
     for (std::thread& thread : threads) thread.join();
     for (int t = 0; t < kThreads; ++t) {
-        const std::vector<double> alone = work(t);
+        SCOPED_TRACE(t);
+        const std::vector<double> alone = work(t), &shared = found[std::size_t(t)];
         ASSERT_GT(alone.size(), 1000u);
-        ASSERT_EQ(found[std::size_t(t)].size(), alone.size()) << "thread " << t;
-        const std::size_t bytes = alone.size() * sizeof(double);
-        EXPECT_EQ(std::memcmp(found[std::size_t(t)].data(), alone.data(), bytes), 0)
-            << "thread " << t;
+        ASSERT_EQ(shared.size(), alone.size());
+        EXPECT_EQ(std::memcmp(shared.data(), alone.data(), alone.size() * sizeof(double)), 0);
     }
 }
 

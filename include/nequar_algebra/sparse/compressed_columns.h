@@ -61,7 +61,8 @@ public:
     bool mbs(int n);
     bool mbs_Modify_Blank_Space(int n) { return mbs(n); }
     /// Sets the number of values and of row numbers ("1", "2"). The start pointers are not touched:
-    /// this ends the filling of storage that `z_gii` gave out.
+    /// this ends the filling of storage that `z_gii` gave out. A matrix that was moved from has no
+    /// columns and takes no elements ("1").
     bool z_cne(int n);
     bool z_cne_Change_Number_of_Elements(int n) { return z_cne(n); }
     /// Hands out the start-pointer vector; the element pointers of values, row numbers and start

@@ -84,7 +84,7 @@ Outcome quadratic_forms(View<const Real> samples, const Real* mean, View<const R
         } else {  // u: w x d, row after row
             const View<Real> u(work.data(), w, d, d);
             const View<Real> us(work.data() + w * d, w, d, d);
-            for (Size i = 0; i < w; ++i) kernel::subtract(d, &part(i, 0), mean, &u(i, 0));
+            for (Size i = 0; i < w; ++i) kernel::subtract(d, part.row(i).data, mean, u.row(i).data);
             kernel::gemm(Real(1), reading(u), s, kernel::Update::set, us);
             for (Size i = 0; i < w; ++i)
                 q[first + i] = kernel::dot(reading(u.row(i)), reading(us.row(i)));

@@ -7,20 +7,17 @@
 template <class Matrix, class Vector, class Solver>
 bool solves() {
     Matrix a;
-    a.c_Create(2, 2);
+    a.c_Create(2, 2, 2);
     a[0][0] = 4;
-    a[0][1] = a[1][0] = 2;
     a[1][1] = 3;
     Vector b, x;
-    b.c_Create(2);
+    b.c_Create(2, 7);
     b[0] = 8;
-    b[1] = 7;
     Solver solver;
     if (!solver.slu_Solve_based_on_LUD(&a, &b, &x)) return false;
     if (!(std::fabs(x[0] - 1.25) < 1e-6 && std::fabs(x[1] - 1.5) < 1e-6)) return false;
     a[1][1] = 1;  // singular now
-    return !solver.slu_Solve_based_on_LUD(&a, &b, &x) &&
-           solver.gft_Get_Failure_Trace().size() > 0;
+    return !solver.slu_Solve_based_on_LUD(&a, &b, &x) && solver.gft_Get_Failure_Trace().size() > 0;
 }
 
 int main() {

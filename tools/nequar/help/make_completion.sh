@@ -3,11 +3,8 @@
 # The completion of nequar's commands, their options, and the options' values in bash, from its help
 # texts. Everything else completes to file names.
 set -euo pipefail
-nequar=$1 output=$2
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
-mkdir -p "$(dirname "$output")"
-
-records() { "$nequar" "$@" --help | awk -f "$here/read_help.awk"; }
+# shellcheck source=SCRIPTDIR/records.sh
+source "$(dirname "${BASH_SOURCE[0]}")/records.sh"
 
 # The options of a command in one line, then a line "OPTION VALUE ..." for each that takes one of a
 # few values.
@@ -28,19 +25,17 @@ options() {
 }
 
 {
-    commands=$(records | awk -F '\t' '
-        $1 == "section" { s = $2 }
-        $1 == "entry" && s == "Subcommands" { printf "%s%s", n++ ? " " : "", $2 }')
+    names=$(commands | paste -sd ' ')
     cat <<TEXT
 # Completion of nequar for bash, made from its help texts.
 _nequar() {
     local word=\${COMP_WORDS[COMP_CWORD]} before=\${COMP_WORDS[COMP_CWORD - 1]} words= values=
     if ((COMP_CWORD == 1)); then
-        words="$commands --help --version"
+        words="$names --help --version"
     else
         case \${COMP_WORDS[1]} in
 TEXT
-    for command in $commands; do
+    for command in $names; do
         options "$command" | {
             IFS= read -r all
             printf '            %s)\n                words="%s"\n' "$command" "$all"

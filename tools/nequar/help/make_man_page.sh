@@ -2,11 +2,8 @@
 # make_man_page.sh NEQUAR OUTPUT
 # The man page of nequar: what its help texts say, and what they do not.
 set -euo pipefail
-nequar=$1 output=$2
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
-mkdir -p "$(dirname "$output")"
-
-records() { "$nequar" "$@" --help | awk -f "$here/read_help.awk"; }
+# shellcheck source=SCRIPTDIR/records.sh
+source "$(dirname "${BASH_SOURCE[0]}")/records.sh"
 
 # Running text as roff: backslashes and hyphens stand for themselves, no line begins with a request.
 # A term is an option or operand, in bold, and what it takes, in italics, said in words:
@@ -79,7 +76,7 @@ TEXT
     echo ".SH COMMANDS"
     while IFS= read -r command; do
         records "$command" | page "$command"
-    done < <(records | awk -F '\t' '$1 == "section" { s = $2 } $1 == "entry" && s == "Subcommands" { print $2 }')
+    done < <(commands)
     cat <<'TEXT'
 .SH EXIT STATUS
 .TP
