@@ -17,7 +17,7 @@ namespace {
 std::vector<std::uint8_t> drawn_bytes(unsigned seed) {
     constexpr unsigned kinds[] = {8, 128, 144, 176, 240, 256};
     std::mt19937 engine(seed);
-    std::vector<std::uint8_t> bytes(engine() % 400);
+    std::vector<std::uint8_t> bytes(engine() % 600);
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<std::uint8_t>(engine() % (i < 4 ? 256 : kinds[seed % 6]));
     return bytes;

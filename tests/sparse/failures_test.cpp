@@ -292,11 +292,21 @@ TWIN_TEST(SparseFailures, OfSelfTests) {
     Symmetric s;
     nequar::SparseVector<Real> v;
     nequar::Matrix<Real> dense;
-    const std::string rows = "u_tor_Test_Operations_for_Rows";
-    const std::string total = rows + ": 5\nu_tot_Test_Operations_Total: " + rows;
-    EXPECT_TRUE(
-        fails_as(a, total, a.u_tot_Test_Operations_Total(2, 2, 0.5, 0, 1, 1, 1, 1, -1, 1, 1)));
-    EXPECT_TRUE(fails_as(s, total, s.u_tot_Test_Operations_Total(3, 0.5, 0, 1, 1, 1, 1, -1, 1, 1)));
+    const std::string names[] = {
+        "u_toe_Test_Operations_Elementary", "u_toc_Test_Operations_for_Columns",
+        "u_tor_Test_Operations_for_Rows", "u_tob_Test_Operations_for_Blocks",
+        "u_tom_Test_Operations_with_Matrices"};
+    for (int bad = 0; bad < 5; ++bad) {
+        int n[5] = {1, 1, 1, 1, 1};
+        n[bad] = -1;
+        const std::string total = names[bad] + ": 5\nu_tot_Test_Operations_Total: " + names[bad];
+        EXPECT_TRUE(fails_as(
+            a, total,
+            a.u_tot_Test_Operations_Total(2, 2, 0.5, 0, 1, 1, n[0], n[1], n[2], n[3], n[4])));
+        EXPECT_TRUE(
+            fails_as(s, total,
+                     s.u_tot_Test_Operations_Total(3, 0.5, 0, 1, 1, n[0], n[1], n[2], n[3], n[4])));
+    }
     EXPECT_TRUE(s.u_toe_Test_Operations_Elementary(INT_MAX, 1, 0, 1, 1, 0));
     EXPECT_TRUE(fails_as(s, "u_toe_Test_Operations_Elementary: 1",
                          s.u_toe_Test_Operations_Elementary(3, 0.5, 0, 1, nan, 0)));

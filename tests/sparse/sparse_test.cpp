@@ -48,6 +48,8 @@ TWIN_TEST(SparseTest, ImportedArraysAndHandedOutStorage) {
     EXPECT_TRUE(*pointers == ints({0, 2, 2, 4}));
     b.se(2, 1, Real(9));
     EXPECT_EQ((*pointers)[3], 5);
+    b.czm(3, 3, 0);
+    EXPECT_TRUE(*pointers == ints({0, 0, 0, 0}));
 }
 
 TWIN_TEST(SparseTest, ZeroElementsAndExtrema) {
@@ -234,6 +236,9 @@ TWIN_TEST(SparseTest, CopiesAndMoves) {
     EXPECT_TRUE(a.rze() && a.ex(&dense) && a.mmc(2) && a.m() == Real(0) && a.czm(2, 2, 0));
     typename TestFixture::VectorType v = vector_of(Mirror<Real>{3, 1, {{{0, 1}, 4}}});
     const auto taken = std::move(v);
+    typename TestFixture::VectorType assigned;
+    assigned = taken;
+    EXPECT_TRUE(assigned == taken && assigned.dim() == 3);
     EXPECT_TRUE(taken.nee() == 1 && v.dim() == 0 && v.nee() == 0 && !v.se(0, 1) &&
                 v.m() == Real(0));
     nequar::SparseSymmetricMatrix<Real> s, full;

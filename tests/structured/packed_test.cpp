@@ -174,8 +174,9 @@ TYPED_TEST(Packed, ArraysInsideTheObjectItself) {
     int first = 0, last = 0;
     std::vector<Real> line(30);
     original.gb_Get_Band(0, 0, line.data(), last);
-    std::copy_n(line.begin(), last, apart.p() + 1);
-    inside.gb_Get_Band(0, 0, inside.p() + 1, first);
+    const int shift = TypeParam::is_diagonal ? 0 : 1;  // into the band itself, as far as it fits
+    std::copy_n(line.begin(), last, apart.p() + shift);
+    inside.gb_Get_Band(0, 0, inside.p() + shift, first);
     EXPECT_TRUE(inside == apart && first == last);
     if constexpr (!TypeParam::is_diagonal) {
         inside = original;
