@@ -2,6 +2,8 @@
 #include <nequar_algebra/nequar_algebra.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <string>
 
 #include "support/twins.h"
 
@@ -26,6 +28,14 @@ TWIN_TEST(LargeSizes, ThatCannotBeHadAreRefused) {
     EXPECT_FALSE(sparse.t(&turned));  // kMost columns, and one pointer more
 }
 
+long long free_gigabytes() {
+    std::ifstream file("/proc/meminfo");
+    std::string line;
+    while (std::getline(file, line) && line.rfind("MemAvailable:", 0) != 0) {
+    }
+    return line.empty() ? 0 : std::atoll(line.c_str() + line.find(':') + 1) >> 20;
+}
+
 // 46400 x 46400 floats, 8.6 GB: more elements than an int can count.
 TEST(LargeMatrix, MoreElementsThanAnIntCanCount) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -33,6 +43,7 @@ TEST(LargeMatrix, MoreElementsThanAnIntCanCount) {
 #endif
     if (std::getenv("NEQUAR_TEST_LARGE") == nullptr)
         GTEST_SKIP() << "takes 8.6 GB; set NEQUAR_TEST_LARGE to run it";
+    if (free_gigabytes() < 11) GTEST_SKIP() << "not enough memory is free";
     constexpr int n = 46400;
     CNqMatrixFloat a;
     ASSERT_NE(a.c_Create(n, n, 0.0F), nullptr);

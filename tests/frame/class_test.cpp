@@ -117,8 +117,9 @@ TEST(Message, TheLastMessageIsWholeUnderConcurrentUse) {
     Probe(as.c_str()).fails();
     std::atomic<bool> all_read = false;
     std::thread writer([&] {
-        while (!all_read)
+        do {
             for (const std::string* name : {&as, &bs}) Probe(name->c_str()).fails();
+        } while (!all_read);
     });
     int torn = 0;
     for (int i = 0; i < 2000; ++i) {
