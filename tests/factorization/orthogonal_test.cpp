@@ -194,21 +194,25 @@ TWIN_TEST(OrthogonalFactorizations, ColumnPivotingAndTheCompleteDecomposition) {
         EXPECT_LT(rebuilding_error(permuted, q, unpacked(this->upper)), 30);
         EXPECT_LT(orthogonality_error(q), 30);
 
-        if (n > 2)
-            for (int i = 0; i < m; ++i) a[i][1] = a[i][2] = 0;
-        const int wanted = n > 2 ? n - 2 : n;
-        ASSERT_TRUE(this->f_.dco_Decompose_matrix_Complete_Orthogonal_algorithm(
-            &a, &q, &this->lower, &z, rank));
-        EXPECT_EQ(rank, wanted);
-        EXPECT_EQ(this->lower.mh(), wanted);
-        Matrix<Real> t = a, q2, z2;
-        ASSERT_TRUE(
-            this->f_.u_dco_Decompose_matrix_Complete_Orthogonal_algorithm(&t, &q2, &z2, rank));
-        EXPECT_TRUE(q2 == q && z2 == z);
-        EXPECT_LT(rebuilding_error(a, q, t, transposed(z)), 30);
-        EXPECT_LT(orthogonality_error(z), 30);
-        EXPECT_TRUE(unpacked(this->lower) ==
-                    matrix_of<Real>(wanted, wanted, [&](int i, int j) { return t[i][j]; }));
+        for (const int wanted : {n, (n + 1) / 2}) {
+            if (wanted < n)  // columns that repeat coordinate directions
+                a = matrix_of<Real>(
+                    m, n, [&](int i, int j) { return i == j % wanted ? 1 + (i + 2 * j) % 5 : 0; });
+            ASSERT_TRUE(this->f_.dco_Decompose_matrix_Complete_Orthogonal_algorithm(
+                &a, &q, &this->lower, &z, rank));
+            EXPECT_EQ(rank, wanted);
+            Matrix<Real> t = a, q2, z2;
+            ASSERT_TRUE(
+                this->f_.u_dco_Decompose_matrix_Complete_Orthogonal_algorithm(&t, &q2, &z2, rank));
+            EXPECT_TRUE(q2 == q && z2 == z);
+            EXPECT_LT(rebuilding_error(a, q, t, transposed(z)), 30);
+            EXPECT_LT(orthogonality_error(q), 30);
+            EXPECT_LT(orthogonality_error(z), 30);
+            EXPECT_TRUE(unpacked(this->lower) ==
+                        matrix_of<Real>(wanted, wanted, [&](int i, int j) { return t[i][j]; }));
+            for (int i = 0; i < m; ++i)
+                for (int j = i < rank ? i + 1 : 0; j < n; ++j) ASSERT_EQ(t[i][j], 0);
+        }
     }
     const auto zero = constant_matrix<Real>(3, 2);
     Matrix<Real> q, z;

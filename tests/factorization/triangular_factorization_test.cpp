@@ -188,6 +188,14 @@ TWIN_TEST(TriangularFactorizations, CholeskyRefusals) {
         EXPECT_FALSE(f.dch_Decompose_matrix_by_Cholesky_algorithm(a, &this->u));
         EXPECT_EQ(this->l.mh(), 3);
     }
+    // A last pivot that is zero when the product is rounded, and need not be when it is fused.
+    for (int k = 1; k < 20; ++k) {
+        const Real x = Real(k) / 3;
+        Matrix<Real> lower = matrix_of<Real>(2, 2, {1, x, x, x * x});
+        const auto upper = packed_of(matrix_of<Real>(2, 2, {x * x, x, x, 1}));
+        EXPECT_FALSE(f.u_dch_Decompose_matrix_by_Cholesky_algorithm(true, &lower));
+        EXPECT_FALSE(f.dch_Decompose_matrix_by_Cholesky_algorithm(&upper, &this->u));
+    }
     MatrixFactorization<Real> silent;
     EXPECT_FALSE(
         silent.ipdc_Is_Positive_Definite_matrix_based_on_Cholesky_decomposition(&semidefinite));
