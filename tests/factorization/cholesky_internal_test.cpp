@@ -5,7 +5,6 @@
 #include "factorization/algorithm/symmetry.h"
 #include "frame/views.h"
 #include "support/residual.h"
-#include "support/stated_schemes.h"
 #include "support/twins.h"
 
 namespace nequar::test {
@@ -27,8 +26,6 @@ TWIN_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     for (const int n : {0, 1, 2, 3, 7, 16, 31, 32, 33, 64, 65, 100, 130}) {
         const Matrix<Real> a = positive_definite_matrix<Real>(n, 1e3, 3);
-        Matrix<Real> stated = a;
-        ASSERT_EQ(stated_cholesky(stated), -1);
         for (const Size base : {1, 3, 16, 32, 64}) {
             SCOPED_TRACE(testing::Message() << "n = " << n << ", base " << base);
             Matrix<Real> f =
@@ -42,7 +39,6 @@ TWIN_TEST(CholeskyAlgorithm, FactorsFromOneTriangleAndKeepsIt) {
             EXPECT_LT(largest_difference(reversed(g), f), 1e3 * n * kEpsilon<Real> + 1e-300);
             for (int i = 0; i < n; ++i)
                 for (int j = i + 1; j < n; ++j) EXPECT_EQ(f[i][j], a[i][j]);
-            EXPECT_TRUE(n > base || f == stated);
         }
     }
 }

@@ -201,10 +201,14 @@ TWIN_TEST(OrthogonalFactorizations, ColumnPivotingAndTheCompleteDecomposition) {
             &a, &q, &this->lower, &z, rank));
         EXPECT_EQ(rank, wanted);
         EXPECT_EQ(this->lower.mh(), wanted);
-        const auto first = [wanted](const Matrix<Real>& from) {
-            return matrix_of<Real>(from.mh(), wanted, [&](int i, int j) { return from[i][j]; });
-        };
-        EXPECT_LT(rebuilding_error(a, first(q), unpacked(this->lower), transposed(first(z))), 30);
+        Matrix<Real> t = a, q2, z2;
+        ASSERT_TRUE(
+            this->f_.u_dco_Decompose_matrix_Complete_Orthogonal_algorithm(&t, &q2, &z2, rank));
+        EXPECT_TRUE(q2 == q && z2 == z);
+        EXPECT_LT(rebuilding_error(a, q, t, transposed(z)), 30);
+        EXPECT_LT(orthogonality_error(z), 30);
+        EXPECT_TRUE(unpacked(this->lower) ==
+                    matrix_of<Real>(wanted, wanted, [&](int i, int j) { return t[i][j]; }));
     }
     const auto zero = constant_matrix<Real>(3, 2);
     Matrix<Real> q, z;

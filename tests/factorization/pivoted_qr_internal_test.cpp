@@ -1,6 +1,5 @@
 #include <utility>
 
-#include "factorization/algorithm/complete_orthogonal.h"
 #include "factorization/algorithm/pivoted_qr.h"
 #include "factorization/orthogonal_checks.h"
 #include "support/twins.h"
@@ -114,39 +113,6 @@ TWIN_TEST(PivotedQr, CountsColumnsByTheDowndatedNorms) {
         EXPECT_EQ(infinite.perm[0], 2);
         EXPECT_TRUE(std::isinf(infinite.a[4][0]));
     }
-}
-
-TWIN_TEST(PivotedQr, CompleteOrthogonalDecompositionRebuildsTheMatrix) {
-    const std::pair<int, int> shapes[] = {{1, 1}, {4, 4}, {9, 5}, {12, 12}, {30, 21}};
-    for (const auto& shape : shapes)
-        for (const int kept : {shape.second, (shape.second + 1) / 2, 0})
-            for (const QrBlocking& blocking : kBlockings) {
-                const int m = shape.first, n = shape.second;
-                SCOPED_TRACE(::testing::Message()
-                             << m << 'x' << n << " rank " << kept << " block " << blocking.block);
-                // columns that repeat coordinate directions: the stated rank is judged right
-                const Matrix<Real> noise = random_matrix<Real>(m, n);
-                const Matrix<Real> input = matrix_of<Real>(m, n, [&](int i, int j) -> double {
-                    if (kept == n) return noise[i][j] + (i == j ? 300 : 0);
-                    return kept > 0 && i == j % kept ? 1 + (i + 2 * j) % 5 : 0;
-                });
-                Matrix<Real> a = input, alone = input, q = constant_matrix<Real>(m, m),
-                             z = constant_matrix<Real>(n, n);
-                const View<Real> q_view = view_of(&q), z_view = view_of(&z);
-                std::vector<int> perm(static_cast<std::size_t>(n));
-                int rank = -1;
-                ASSERT_TRUE(complete_orthogonal(view_of(&a), &q_view, &z_view, perm.data(), rank,
-                                                blocking));
-                EXPECT_EQ(rank, kept);
-                for (int i = 0; i < m; ++i)
-                    for (int j = i < rank ? i + 1 : 0; j < n; ++j) ASSERT_EQ(a[i][j], 0);
-                EXPECT_LT(orthogonality_error(q), 30);
-                EXPECT_LT(orthogonality_error(z), 30);
-                EXPECT_LT(rebuilding_error(input, q, a, transposed(z)), 30);
-                ASSERT_TRUE(complete_orthogonal<Real>(view_of(&alone), nullptr, nullptr,
-                                                      perm.data(), rank, blocking));
-                EXPECT_EQ(alone, a);
-            }
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
 #include <cmath>
 
-#include "factorization/algorithm/bidiagonal.h"
 #include "factorization/algorithm/golub_kahan.h"
 #include "factorization/algorithm/range.h"
-#include "factorization/algorithm/reflector.h"
 #include "factorization/algorithm/singular_values.h"
-#include "factorization/orthogonal_checks.h"
+#include "frame/views.h"
+#include "support/residual.h"
 #include "support/twins.h"
 
 namespace nequar::test {
@@ -60,38 +59,6 @@ Matrix<Real> bidiagonal(const std::vector<Real>& d, const std::vector<Real>& f) 
     return matrix_of<Real>(n, n, [&](int i, int j) {
         return i == j ? d[std::size_t(i)] : j == i + 1 ? f[std::size_t(i)] : Real(0);
     });
-}
-
-TWIN_TEST(SingularValueAlgorithms, BidiagonalEqualsTheStatedSteps) {
-    const std::pair<int, int> shapes[] = {{1, 1}, {2, 1},  {2, 2},   {3, 2},   {3, 3},
-                                          {6, 4}, {20, 9}, {23, 23}, {70, 67}, {140, 45}};
-    for (const auto& [m, n] : shapes)
-        for (const Size block : {1, 2, 5, 16, 0}) {
-            SCOPED_TRACE(::testing::Message() << m << " x " << n << " block " << block);
-            const Matrix<Real> input = random_matrix<Real>(m, n, 2);
-            Matrix<Real> stated = input, stated_u = identity_of<Real>(m),
-                         stated_v = identity_of<Real>(n);
-            const View<Real> b = view_of(&stated);
-            for (Size k = 0; k < n; ++k) {
-                StatedReflection<Real>(b, k, k, view_of(&stated_u));
-                if (k + 2 < n) StatedReflection<Real>(b.transposed(), k + 1, k, view_of(&stated_v));
-            }
-            for (int i = 0; i < m; ++i)
-                for (int j = 0; j < n; ++j)
-                    if (j != i && j != i + 1) stated[i][j] = 0;
-            Matrix<Real> a = input, u = constant_matrix<Real>(m, m, 7),
-                         v = constant_matrix<Real>(n, n, 7);
-            const View<Real> u_view = view_of(&u), v_view = view_of(&v);
-            ASSERT_TRUE(bidiagonalize_in_place(view_of(&a), Real(1), &u_view, &v_view, block));
-            const double bound = 300 * m * kEpsilon<Real>;
-            ASSERT_LE(largest_difference(a, stated), bound);
-            ASSERT_LE(largest_difference(u, stated_u), bound);
-            ASSERT_LE(largest_difference(v, stated_v), bound);
-            EXPECT_LT(orthogonality_error(u), 10);
-            EXPECT_LT(orthogonality_error(v), 10);
-            for (int i = 0; i < m; ++i)
-                for (int j = 0; j < n; ++j) ASSERT_TRUE(stated[i][j] != 0 || a[i][j] == 0);
-        }
 }
 
 TWIN_TEST(SingularValueAlgorithms, EveryPatternOfZerosEnds) {

@@ -42,14 +42,6 @@ protected:
     int annihilated_ = -1;
 };
 
-// (off, middle, off) along the diagonal.
-template <class Real>
-Matrix<Real> tridiagonal(int n, double middle, double off) {
-    return matrix_of<Real>(n, n, [&](int i, int j) {
-        return i == j ? middle : std::abs(i - j) == 1 ? off : 0.0;
-    });
-}
-
 // The worst of the residual and of the loss of orthogonality, and infinity when the values do not
 // descend. The upper triangle of A counts.
 template <class Real>
@@ -109,42 +101,6 @@ TWIN_TEST(SymmetricEigen, ResidualsOnTheGallery) {
             ASSERT_TRUE(this->decompose(route, a, false));
             EXPECT_TRUE(this->d_ == values);
             EXPECT_EQ(this->count_, count);
-        }
-}
-
-TWIN_TEST(SymmetricEigen, KnownValues) {
-    const double pi = std::acos(-1.0), root = std::sqrt(10405.0), rest = 100 * std::sqrt(26.0);
-    struct Case {
-        Matrix<Real> a;
-        std::function<double(int)> value;
-    };
-    const double rosser[] = {10 * root, 1020, 510 + rest, 1000, 1000, 510 - rest, 0, -10 * root};
-    const Case cases[] = {
-        {matrix_of<Real>(8, 8, {611,  196,  -192, 407,  -8,   -52,  -49,  29,    //
-                                196,  899,  113,  -192, -71,  -43,  -8,   -44,   //
-                                -192, 113,  899,  196,  61,   49,   8,    52,    //
-                                407,  -192, 196,  611,  8,    44,   59,   -23,   //
-                                -8,   -71,  61,   8,    411,  -599, 208,  208,   //
-                                -52,  -43,  49,   44,   -599, 411,  208,  208,   //
-                                -49,  -8,   8,    59,   208,  208,  99,   -911,  //
-                                29,   -44,  52,   -23,  208,  208,  -911, 99}),
-         [&](int k) { return rosser[k]; }},
-        {tridiagonal<Real>(30, 2, -1), [&](int k) { return 2 - 2 * std::cos((30 - k) * pi / 31); }},
-        {matrix_of<Real>(20, 20,
-                         [](int i, int j) {  // Clement
-                             const int k = std::min(i, j);
-                             return std::abs(i - j) == 1 ? std::sqrt((k + 1.0) * (19 - k)) : 0.0;
-                         }),
-         [](int k) { return 19 - 2 * k; }},
-        {matrix_of<Real>(2, 2, {2, 1, 1, 2}), [](int k) { return 3 - 2 * k; }}};
-    for (const Case& c : cases)
-        for (const int route : {0, 1, 2, kByQr}) {
-            ASSERT_TRUE(this->decompose(route, c.a));
-            const int n = c.a.mh();
-            const double largest = std::max(std::abs(c.value(0)), std::abs(c.value(n - 1)));
-            for (int k = 0; k < n; ++k)
-                EXPECT_LE(std::abs(this->d_[k] - c.value(k)), 8 * kEpsilon<Real> * largest)
-                    << route << ' ' << k;
         }
 }
 

@@ -51,14 +51,7 @@ protected:
 #define PARTIAL "dlup_Decompose_into_LU_matrices_with_Partial_pivoting: "
 #define CHOLESKY "dch_Decompose_matrix_by_Cholesky_algorithm: "
 
-TWIN_TEST(TriangularFactorizations, CroutOnTextbookMatrices) {
-    auto swap = matrix_of<Real>(2, 2, {0, 1, 1, 0});
-    ASSERT_TRUE(this->crout_in_place(swap));
-    EXPECT_TRUE(this->interchanges == 1 && this->perm[0] == 1 && this->perm[1] == 0);
-    EXPECT_EQ(swap, identity_of<Real>(2));
-    auto ties = matrix_of<Real>(3, 3, {1, 2, 0, -1, 1, 1, 1, 0, 5});
-    ASSERT_TRUE(this->crout_in_place(ties));
-    EXPECT_EQ(this->perm[0], 2);  // the last of equals
+TWIN_TEST(TriangularFactorizations, ClassNameAndEmptyMatrix) {
     Matrix<Real> empty;
     EXPECT_EQ(this->factorization.gcn_Get_Class_Name(),
               (std::is_same_v<Real, float> ? "LCNqUtility_for_MatrixFloat_Factorization"

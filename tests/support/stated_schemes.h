@@ -56,26 +56,6 @@ StatedLu<Real> stated_crout(const Matrix<Real>& input) {
     return lu;
 }
 
-// Cholesky, lower form, on the upper triangle; the row at which it stops, or -1.
-template <class Real>
-int stated_cholesky(Matrix<Real>& a) {
-    const int n = a.mh();
-    std::vector<Real> p(static_cast<std::size_t>(n));
-    for (int i = 0; i < n; ++i) {
-        Real s = a[i][i];
-        for (int k = 0; k < i; ++k) s -= a[i][k] * a[i][k];
-        if (!(s > 0)) return i;
-        const Real pivot = p[static_cast<std::size_t>(i)] = std::sqrt(s);
-        for (int j = i + 1; j < n; ++j) {
-            s = a[i][j];
-            for (int k = 0; k < i; ++k) s -= a[i][k] * a[j][k];
-            a[j][i] = s / pivot;
-        }
-    }
-    for (int i = 0; i < n; ++i) a[i][i] = p[static_cast<std::size_t>(i)];
-    return -1;
-}
-
 // Gauss-Jordan with a full search, B n x k; false when what remains is zero.
 template <class Real>
 bool stated_gauss_jordan(Matrix<Real>& a, Matrix<Real>& b) {
