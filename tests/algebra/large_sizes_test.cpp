@@ -1,32 +1,13 @@
-// Sizes whose products do not fit an int: refused where they cannot be had, right where they can.
+// Sizes whose products do not fit an int, where they can be had.
+#include <gtest/gtest.h>
 #include <nequar_algebra/nequar_algebra.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <string>
 
-#include "support/twins.h"
-
 namespace nequar::test {
 namespace {
-
-constexpr int kMost = std::numeric_limits<int>::max();
-
-TWINS(LargeSizes);
-
-// Packed matrices as they are made hold one element.
-TWIN_TEST(LargeSizes, ThatCannotBeHadAreRefused) {
-    MatrixTriangular<Real, TriangleSide::lower> lower;
-    lower.c_Create(kMost, 2);  // 2^32 - 3 elements
-    MatrixBand<Real> band;
-    band.c_Create(kMost, kMost, 1, 1);  // three bands
-    MatrixBandSymmetric<Real> band_symmetric;
-    band_symmetric.c_Create(kMost, 1);
-    EXPECT_EQ(lower.vs() + band.vs() + band_symmetric.vs(), 3);
-    SparseMatrix<Real> sparse, turned;
-    EXPECT_TRUE(sparse.czm(kMost, 3, 1) && sparse.se(2, kMost - 1, Real(4)));
-    EXPECT_FALSE(sparse.t(&turned));  // kMost columns, and one pointer more
-}
 
 long long free_gigabytes() {
     std::ifstream file("/proc/meminfo");

@@ -74,7 +74,7 @@ TWIN_TEST(MatrixConversion, RawArraysInBothOrdersAndTypes) {
 
 TWIN_TEST(MatrixConversion, StructureOfSquareMatricesOnly) {
     const AlgebraForMatrix<Real> al;
-    const auto symmetric = matrix_of<Real>(2, 2, {4, 1, 1, 3}), wide = zeros<Real>(2, 3);
+    const auto symmetric = matrix_of<Real>(2, 2, {4, 1, 1, 3}), wide = constant_matrix<Real>(2, 3);
     const auto lower = matrix_of<Real>(2, 2, {4, 0, 1, 3}), upper = transposed(lower);
     EXPECT_TRUE(al.il_Is_Lower_matrix(&lower, 0, false) && al.iu_Is_Upper_matrix(&upper, 0, false));
     EXPECT_TRUE(al.il_Is_Lower_matrix(&upper, Real(0.25), true));

@@ -87,7 +87,8 @@ TWIN_TEST(MatrixLines, InterchangesInOrderAndBack) {
                 this->permute_back(expected, P) == kept);
     // Longer than the matrix is wide, with indices of any size, repeated ones too.
     const auto wild = vector_of<int>({-0x80000000p0, 5, -7, 3, 2, 1, 0x7fffffffp0, 0, 0});
-    for (const auto& empty : {zeros<Real>(0, 0), zeros<Real>(0, 3), zeros<Real>(3, 0)})
+    for (const auto& empty :
+         {constant_matrix<Real>(0, 0), constant_matrix<Real>(0, 3), constant_matrix<Real>(3, 0)})
         EXPECT_TRUE(this->permute(empty, &wild) == empty && this->permute_back(empty, P) == empty);
     const auto permuted = this->permute(kept, &wild);
     EXPECT_FALSE(permuted == kept);
@@ -154,7 +155,7 @@ TWIN_TEST(MatrixLines, RelocationsThatAreNoPermutation) {
         Matrix<Real> out;
         EXPECT_FAILED(detail, orc_Relocate_Columns, &A, &r, &out);
         EXPECT_TRUE(out.mh() == 3 && out.mw() == 3);  // sized before the check
-        EXPECT_FAILED(detail, orr_Relocate_Rows, &A, &r, &(out = zeros<Real>(1, 1)));
+        EXPECT_FAILED(detail, orr_Relocate_Rows, &A, &r, &(out = constant_matrix<Real>(1, 1)));
         EXPECT_TRUE(out.mh() == 3 && out.mw() == 3);
         EXPECT_FAILED(detail, orc_Relocate_Columns, &A, &r);
         EXPECT_FAILED(detail, orr_Relocate_Rows, &A, &r);

@@ -124,15 +124,15 @@ TWIN_TEST(MatrixProducts, MismatchLeavesSetOutputsZeroAndOthersUntouched) {
             al.cr_Clear_Record();
         };
         const auto B = right(4), fitting = right(3), before = random_matrix<Real>(2, n, 3),
-                   zero = zeros<Real>(2, n);
+                   zero = constant_matrix<Real>(2, n);
         auto C = before;
         p.accumulate(al, &A, &B, &C);
         expect_failure(C, before);
-        p.set(al, &A, &B, &(C = zeros<Real>(3, 3)));
+        p.set(al, &A, &B, &(C = constant_matrix<Real>(3, 3)));
         expect_failure(C, zero);
         // An output that does not fit is a mismatch of the accumulating form only.
-        p.accumulate(al, &A, &fitting, &(C = zeros<Real>(5, n)));
-        expect_failure(C, zeros<Real>(5, n));
+        p.accumulate(al, &A, &fitting, &(C = constant_matrix<Real>(5, n)));
+        expect_failure(C, constant_matrix<Real>(5, n));
         // The aliased operand is lost to the zeros, too.
         p.set(al, &A, &(C = B), &C);
         expect_failure(C, zero);
@@ -151,7 +151,7 @@ TWIN_TEST(MatrixProducts, OuterProductsAndForms) {
         auto M = A;
         al.mvva_Multiply_Vector_Vector_and_Accumulate(&x, &y, &M);
         EXPECT_LT(largest_difference(M, sum_of(A, outer)), bound<Real>(2));
-        al.mvv_Multiply_Vector_Vector(&x, &y, &(M = zeros<Real>(2, 3)));
+        al.mvv_Multiply_Vector_Vector(&x, &y, &(M = constant_matrix<Real>(2, 3)));
         EXPECT_LT(largest_difference(M, outer), bound<Real>(1));
         al.mvv_Multiply_Vector_Vector(&x, &x, &M);
         EXPECT_LT(largest_difference(M, product(column, transposed(column))), bound<Real>(1));
@@ -189,7 +189,7 @@ TWIN_TEST(MatrixProducts, DiagonalFactors) {
         auto C = old;
         al.mmda_Multiply_Matrix_Dmatrix_and_Accumulate(wD, &A, &d, &C);
         EXPECT_LT(largest_difference(C, sum_of(old, expected)), bound<Real>(2));
-        al.mmd_Multiply_Matrix_Dmatrix(wD, &A, &d, &(C = zeros<Real>(2, 2)));
+        al.mmd_Multiply_Matrix_Dmatrix(wD, &A, &d, &(C = constant_matrix<Real>(2, 2)));
         EXPECT_LT(largest_difference(C, expected), bound<Real>(1));
         al.mmd_Multiply_Matrix_Dmatrix(wD, &(C = A), &d, &C);
         EXPECT_LT(largest_difference(C, expected), bound<Real>(1));
@@ -224,11 +224,11 @@ TWIN_TEST(MatrixProducts, DiagonalFactorsThatDoNotFit) {
     EXPECT_REFUSED(mmda_Multiply_Matrix_Dmatrix_and_Accumulate, 4, &out, &d, &out);
     al.mmd_Multiply_Matrix_Dmatrix(3, &A, &shorter, &out);
     EXPECT_TRUE(fails_as(al, "mmda_Multiply_Matrix_Dmatrix_and_Accumulate: 1", false));
-    EXPECT_TRUE(out == zeros<Real>(2, 3));
+    EXPECT_TRUE(out == constant_matrix<Real>(2, 3));
     al.mmd_Multiply_Matrix_Dmatrix(-1, &out, &d, &out);
     const std::string refused = out.gcn_Get_Class_Name().c_str() + std::string("::c_Create: 1");
     const char* const not_sized = "mmd_Multiply_Matrix_Dmatrix: cannot size the output";
-    EXPECT_TRUE(fails_as(al, {refused, not_sized}, false) && out == zeros<Real>(2, 3));
+    EXPECT_TRUE(fails_as(al, {refused, not_sized}, false) && out == constant_matrix<Real>(2, 3));
 
     auto x = d, y = random_vector<Real>(5, 5);
     const auto old = y;
@@ -298,7 +298,7 @@ TWIN_TEST(MatrixProducts, ChainsThatDoNotFitLeaveZeros) {
     Matrix<Real> out;
     const auto expect_zeros = [&](int h, int w, const char* records) {
         EXPECT_TRUE(fails_as(al, records, false));
-        EXPECT_TRUE(out == zeros<Real>(h, w));
+        EXPECT_TRUE(out == constant_matrix<Real>(h, w));
         out = random_matrix<Real>(1, 1, 5);
     };
     al.mmm_Multiply_Matrix_Matrix(&A, &B, &C, &out);

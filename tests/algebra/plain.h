@@ -20,10 +20,6 @@ Vector<Real> random_vector(int n, unsigned seed) {
     return v;
 }
 template <class Real>
-Matrix<Real> zeros(int h, int w) {
-    return matrix_of<Real>(h, w, [](int, int) { return 0; });
-}
-template <class Real>
 Matrix<Real> diagonal_of(const Vector<Real>& d, int h, int w) {
     return matrix_of<Real>(h, w, [&](int y, int x) { return y == x ? d[x] : Real(0); });
 }

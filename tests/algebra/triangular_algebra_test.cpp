@@ -24,19 +24,6 @@ protected:
         return special.imt_Inverse_Matrix_for_Triangular_matrix(arguments...);
     }
 
-    bool multiply(const Lower* a, const Lower* b, Lower* c) const {
-        return special.mll_Multiply_Lmatrix_Lmatrix(a, b, c);
-    }
-    bool multiply(const Upper* a, const Upper* b, Upper* c) const {
-        return special.muu_Multiply_Umatrix_Umatrix(a, b, c);
-    }
-    bool accumulate(const Lower* a, const Lower* b, Lower* c) const {
-        return special.mlla_Multiply_Lmatrix_Lmatrix_and_Accumulate(a, b, c);
-    }
-    bool accumulate(const Upper* a, const Upper* b, Upper* c) const {
-        return special.muua_Multiply_Umatrix_Umatrix_and_Accumulate(a, b, c);
-    }
-
     static Matrix<Real> cleared(bool lower, const Matrix<Real>& t, double value = 0) {
         return matrix_of<Real>(t.mh(), t.mw(), [&](int i, int j) {
             return (lower ? j > i : j < i) ? value : double(t[i][j]);
@@ -111,29 +98,33 @@ TWIN_TEST(TriangularAlgebra, Refusals) {
 }
 
 TWIN_TEST(TriangularAlgebra, PackedProducts) {
+    using Special = AlgebraForMatrixSpecial<Real>;
+    const Special& al = this->special;
     for (const int n : {1, 3, 33, 100}) {
         const Matrix<Real> a = random_matrix<Real>(n, n, 1), b = random_matrix<Real>(n, n, 2);
-        const auto check = [&](auto left, bool lower) {
+        const auto check = [&](auto left, bool lower, auto multiply, auto accumulate) {
             auto right = left, c = left;
             left.i_Import(&a);
             right.i_Import(&b);
-            ASSERT_TRUE(this->multiply(&left, &right, &c));
+            ASSERT_TRUE((al.*multiply)(&left, &right, &c));
             Matrix<Real> dense, p = this->cleared(lower, a), q = this->cleared(lower, b);
             c.e_Export(&dense, true);
             EXPECT_LT(componentwise_product_error(dense, p, q), 5);
             auto same = left, sum = c;
-            EXPECT_TRUE(this->multiply(&same, &right, &same) && same == c);
-            ASSERT_TRUE(this->accumulate(&left, &right, &sum));
+            EXPECT_TRUE((al.*multiply)(&same, &right, &same) && same == c);
+            ASSERT_TRUE((al.*accumulate)(&left, &right, &sum));
             for (int k = 0; k < c.vs(); ++k) ASSERT_EQ(sum[k], 2 * c[k]);
-            EXPECT_TRUE(fails_with(this->special, "1", this->accumulate(&left, &right, &left)));
+            EXPECT_TRUE(fails_with(al, "1", (al.*accumulate)(&left, &right, &left)));
             auto other = c;
             other.c_Create(n + 1, n + 1, Real(3));
-            EXPECT_FALSE(this->accumulate(&left, &right, &other));
-            EXPECT_TRUE(fails_with(this->special, "1", this->multiply(&left, &other, &sum)));
+            EXPECT_FALSE((al.*accumulate)(&left, &right, &other));
+            EXPECT_TRUE(fails_with(al, "1", (al.*multiply)(&left, &other, &sum)));
             EXPECT_TRUE(sum.mh() == n && other[0] == 3);
         };
-        check(typename TestFixture::Lower(), true);
-        check(typename TestFixture::Upper(), false);
+        check(typename TestFixture::Lower(), true, &Special::mll_Multiply_Lmatrix_Lmatrix,
+              &Special::mlla_Multiply_Lmatrix_Lmatrix_and_Accumulate);
+        check(typename TestFixture::Upper(), false, &Special::muu_Multiply_Umatrix_Umatrix,
+              &Special::muua_Multiply_Umatrix_Umatrix_and_Accumulate);
     }
 }
 

@@ -32,7 +32,6 @@ public:
         adopt_failure_of(inner);
         return fail("3", "around_Calls_inner");
     }
-    [[noreturn]] void ends() { end_process("2", "ps_Product_Scalar"); }
 };
 
 TEST(Class, RecordsNameDetailAndMethod) {
@@ -104,11 +103,6 @@ TEST(Class, HandsOnTheTraceFlagWhileWhichRecordsArePrinted) {
     owner.zet_s(false);
     owner.zet_x(others, others + 2, others + 3);
     EXPECT_EQ(flags(), "01001");
-}
-
-TEST(ClassDeathTest, TheFatalFormPrintsAndEndsWithStatusZero) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(Probe().ends(), testing::ExitedWithCode(0), "^Probe::ps_Product_Scalar: 2\n$");
 }
 
 TEST(Message, TheLastMessageIsWholeUnderConcurrentUse) {

@@ -34,7 +34,6 @@ TEST(GammaLog, ReflectsNegativeArguments) {
         const double size = 1.0 + std::fabs(x) * std::log(1.0 - x);
         ASSERT_NEAR(Nq_Gamma_Log(x), exact, 3e-15 * (size + std::fabs(exact))) << x;
     }
-    EXPECT_NEAR(Nq_Gamma_Log(-0.5), std::log(2.0 * std::sqrt(3.141592653589793)), 1e-15);
 }
 
 TEST(GammaLog, IsDefinedAtThePolesAndBeyondNumbers) {

@@ -180,6 +180,7 @@ TWIN_TEST(SparseTest, VeryLargeShapes) {
     EXPECT_TRUE(a == b && a.mse(&b) == Real(0) && a.itze());
     EXPECT_TRUE(a.gc(2, INT_MAX - 2, 2, &v) && v.nee() == 1 && v.dim() == 2);
     EXPECT_FALSE(a.gc(2, INT_MAX - 2, 3, &v));
+    EXPECT_FALSE(a.t(&out));  // INT_MAX columns, and one pointer more
     EXPECT_TRUE(b.mvva(&(v = typename TestFixture::VectorType()), &v) == false && a.amm(&b));
     EXPECT_TRUE(a.gb(0, 0, 3, INT_MAX, &out) && out == a);
     ASSERT_TRUE(v.czv(INT_MAX, 1) && v.se(INT_MAX - 1, Real(3)) && w.czv(INT_MAX, 0));

@@ -133,7 +133,7 @@ TWIN_TEST(GaussianGeneratorTest, TransformIsARootOfTheCovariance) {
 }
 
 // Both layouts, whole ranges and masked ones: what is chosen is T Z, what is not stays.
-TWIN_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAreWanted) {
+TWIN_TEST(GaussianGeneratorTest, VectorsAreTheRootTimesTheSamplesWhereTheyAreWanted) {
     RandomNumberGeneratorAdvanced<Real> g;
     const auto cov = symmetric_of<Real>(2, {4, 1.2, 1.2, 1});
     const auto mean = vector_of<Real>({100, -50});  // which shifts nothing
@@ -166,15 +166,6 @@ TWIN_TEST(GaussianGeneratorTest, VectorsHaveTheCovarianceAndMeanZeroWhereTheyAre
             }
             EXPECT_EQ(count, taken);
         }
-    Matrix<Real> m, spread;
-    Vector<Real> found;
-    ASSERT_TRUE(g.gvg(mean, cov, 40000, false, m));
-    ASSERT_TRUE(g.csv(m, false, nullptr, 0, 40000, nullptr, &found, &spread));
-    EXPECT_NEAR(found[0], 0, 0.05);
-    EXPECT_NEAR(found[1], 0, 0.025);
-    EXPECT_NEAR(spread[0][0], 4, 0.15);
-    EXPECT_NEAR(spread[0][1], 1.2, 0.06);
-    EXPECT_NEAR(spread[1][1], 1, 0.04);
 }
 
 TWIN_TEST(GaussianGeneratorTest, RefusedArgumentsOfVectors) {
@@ -223,6 +214,7 @@ TWIN_TEST(GaussianGeneratorTest, AppendsAndExtracts) {
     });
     const auto vectors = rows_of(rows);
     ASSERT_TRUE(vectors.mh() == 4 && vectors.mw() == 2);
+    EXPECT_NE(vectors[0][0], vectors[1][0]);
     EXPECT_LT(largest_difference(rows_of(columns), vectors), 8 * kEpsilon<Real>);
     EXPECT_TRUE(fails_with(g, "mismatch between mean and covariance", g.avg(one, cov, 4, rows)));
     EXPECT_TRUE(fails_with(g, "gvg", g.avg(mean, cov, 0, rows)));

@@ -8,6 +8,7 @@
 #include "nequar_algebra/frame.h"
 #include "nequar_algebra/structured.h"
 #include "support/chain.h"
+#include "support/matrix_gallery.h"
 
 namespace packed_test {
 
@@ -101,14 +102,7 @@ struct Kind {
                 m.i_Import(true, s.height, s.width, elements, bands...);
         });
     }
-    static nequar::Matrix<Number> exported(const Packed& m) {
-        nequar::Matrix<Number> dense;
-        if constexpr (is_symmetric)
-            m.e_Export(&dense);
-        else
-            m.e_Export(&dense, true);
-        return dense;
-    }
+    static nequar::Matrix<Number> exported(const Packed& m) { return nequar::test::unpacked(m); }
 };
 
 using AllKinds =

@@ -50,12 +50,8 @@ TYPED_TEST(Packed, CopiesAreDeepAndMovesLeaveAnEmptyMatrix) {
     EXPECT_TRUE(a == original);
     EXPECT_TRUE(copy != a);
 
-    std::vector<Matrix> several(3, a);
-    several.emplace_back(std::move(a));
-    several.insert(several.begin(), copy);
-    EXPECT_TRUE(several.back() == original);
-    EXPECT_TRUE(several.front() == copy);
-
+    const Matrix moved = std::move(a);
+    EXPECT_TRUE(moved == original);
     // What was moved from is empty, and can be copied, exported and used again.
     EXPECT_EQ(a.vs() + a.mh() + a.mw(), 0);  // NOLINT: this state is promised
     const Matrix of_empty(a);
@@ -68,8 +64,6 @@ TYPED_TEST(Packed, CopiesAreDeepAndMovesLeaveAnEmptyMatrix) {
     TypeParam::create(a, TestFixture::square(4));
     a = original;
     EXPECT_TRUE(a == original);
-    a = std::move(several.front());
-    EXPECT_EQ(a[0], -1);
 }
 
 // A packed matrix is also a vector, which anyone may resize.

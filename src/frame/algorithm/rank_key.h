@@ -7,6 +7,7 @@
 #pragma once
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <type_traits>
@@ -22,7 +23,7 @@ inline RankKey<Real> rank_key(Real x) {
     constexpr Key kSign = Key(1) << (std::numeric_limits<Key>::digits - 1);
     const Key bits = std::bit_cast<Key>(x + Real(0));  // -0 + 0 = 0
     const Key key = (bits & kSign) != 0 ? bits : Key(~bits & ~kSign);
-    return x == x ? key : std::numeric_limits<Key>::max();
+    return std::isnan(x) ? std::numeric_limits<Key>::max() : key;
 }
 
 }  // namespace nequar

@@ -46,7 +46,7 @@ Size last_place(const Real* x, Size begin, Size end, Real best) {
 // Stretch by stretch from the end: the first that holds the extremum holds its last place.
 template <bool largest, class Real>
 Size position_of_extremum(const Real* x, Size count) {
-    if (x[0] != x[0]) return 0;
+    if (std::isnan(x[0])) return 0;
     Real best = x[0];
     Size best_end = 0;
     for (Size end = count; end > 0; end -= std::min(end, kStretch)) {

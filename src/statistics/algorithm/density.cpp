@@ -34,7 +34,7 @@ Size count_within(const Real* x, View<const Real> samples, Real limit) {
 template <class Real>
 bool has_nan(Size n, const Real* x) {
     bool found = false;
-    for (Size i = 0; i < n; ++i) found |= x[i] != x[i];
+    for (Size i = 0; i < n; ++i) found |= std::isnan(x[i]);
     return found;
 }
 
