@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <cmath>
 
+#include "factorization/algorithm/bidiagonal.h"
 #include "factorization/algorithm/golub_kahan.h"
 #include "factorization/algorithm/range.h"
 #include "factorization/algorithm/singular_values.h"
@@ -118,6 +120,19 @@ TWIN_TEST(SingularValueAlgorithms, MatricesOfAllShapesAndRanges) {
                 }
             expect_svd(a, generous_limit(n));
         }
+}
+
+// The blocks that a size chooses, and those of much larger ones, rebuild A as well.
+TWIN_TEST(SingularValueAlgorithms, BidiagonalInBlocksOfAnySize) {
+    const auto a = random_matrix<Real>(100, 90, 3);
+    for (const Size block : {1, 4, 8, 16}) {
+        Matrix<Real> b = a, u = constant_matrix<Real>(100, 100, 7);
+        auto v = constant_matrix<Real>(90, 90, 7);
+        const View<Real> u_view = view_of(&u), v_view = view_of(&v);
+        EXPECT_TRUE(bidiagonalize_in_place(view_of(&b), Real(1), &u_view, &v_view, block));
+        EXPECT_LT(rebuilding_error(a, u, b, transposed(v)), 10) << block;
+        EXPECT_LT(std::max(orthogonality_error(u), orthogonality_error(v)), 10) << block;
+    }
 }
 
 }  // namespace
