@@ -1,4 +1,5 @@
 // QR and its relatives: the public operations.
+#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
@@ -304,6 +305,21 @@ TWIN_TEST(OrthogonalFactorizations, HessenbergForms) {
     a = random_matrix<Real>(3, 3);
     EXPECT_TRUE(fails_with(f, "2", by_givens(&a, &q, &q)));
     EXPECT_TRUE(a == random_matrix<Real>(3, 3));
+}
+
+// NIST's Wampler1, y = 1 + x + ... + x^5 on 0 ... 20: nine digits of each coefficient, also where
+// products and sums are rounded apart.
+TEST(OrthogonalFactorizations, CertifiedPolynomial) {
+    const auto a = matrix_of<double>(21, 6, [](int i, int j) { return std::pow(i, j); });
+    Matrix<double> r, q, y = product(a, constant_matrix<double>(6, 1, 1));
+    ASSERT_TRUE(MatrixFactorization<double>().dqrh_Decompose_into_QR_matrices_based_on_Householder(
+        &a, &q, &r));
+    y = product(transposed(q), y);
+    for (int j = 5; j >= 0; --j) {
+        for (int k = j + 1; k < 6; ++k) y[j][0] -= r[j][k] * y[k][0];
+        y[j][0] /= r[j][j];
+        EXPECT_LT(std::abs(y[j][0] - 1), 1e-9);
+    }
 }
 
 }  // namespace
