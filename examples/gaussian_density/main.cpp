@@ -110,8 +110,12 @@ int main(int count, char** arguments) {
     std::vector<Cloud> clouds;
     std::vector<CNqVectorBool> masks;
     CNqMatrix points, at;
-    if (count != 2 || !read(arguments[1], clouds, points, masks)) {
+    if (count != 2) {
         std::fputs("gaussian_density clouds.txt\n", stderr);
+        return 2;
+    }
+    if (!read(arguments[1], clouds, points, masks)) {
+        std::fprintf(stderr, "%s: cannot be read as clouds of points\n", arguments[1]);
         return 2;
     }
     // The line through the first and the last centre, and half as much on either side.

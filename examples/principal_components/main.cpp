@@ -77,8 +77,12 @@ bool draw(const char* path, const std::vector<Row>& rows, const CNqMatrix& at) {
 
 int main(int count, char** arguments) {
     std::vector<Row> rows;
-    if (count != 2 || !read(arguments[1], rows)) {
-        std::fputs("principal_components table.csv   (rows of equally many numbers)\n", stderr);
+    if (count != 2) {
+        std::fputs("principal_components table.csv\n", stderr);
+        return 2;
+    }
+    if (!read(arguments[1], rows)) {
+        std::fprintf(stderr, "%s: cannot be read as rows of equally many numbers\n", arguments[1]);
         return 2;
     }
     const int n = static_cast<int>(rows.size());

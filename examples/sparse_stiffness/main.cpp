@@ -114,8 +114,12 @@ bool solve(const CNqSmatrix_Symmetric& K, const CNqMatrix& loads, CNqMatrix_Band
 
 int main(int count, char** arguments) {
     Beam beam;
-    if (count != 2 || !read(arguments[1], beam)) {
-        std::fputs("sparse_stiffness beam.txt   (with 1 to 1000 elements)\n", stderr);
+    if (count != 2) {
+        std::fputs("sparse_stiffness beam.txt\n", stderr);
+        return 2;
+    }
+    if (!read(arguments[1], beam)) {
+        std::fprintf(stderr, "%s: cannot be read as a beam of 1 to 1000 elements\n", arguments[1]);
         return 2;
     }
     CNqSmatrix_Symmetric K;

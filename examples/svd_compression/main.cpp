@@ -57,8 +57,12 @@ bool write(const std::string& path, const CNqMatrix& picture) {
 
 int main(int count, char** arguments) {
     CNqMatrix picture;
-    if (count < 3 || !read(arguments[1], picture)) {
-        std::fputs("svd_compression picture.pgm rank...   (a plain grey picture, P2)\n", stderr);
+    if (count < 3) {
+        std::fputs("svd_compression picture.pgm rank...\n", stderr);
+        return 2;
+    }
+    if (!read(arguments[1], picture)) {
+        std::fprintf(stderr, "%s: cannot be read as a plain grey picture (P2)\n", arguments[1]);
         return 2;
     }
     // The decomposition wants no fewer rows than columns: a wide picture is laid on its side.
