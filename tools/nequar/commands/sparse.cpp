@@ -126,7 +126,7 @@ void add(const SparseOptions& options) {
 
 using Run = void (*)(const SparseOptions&);
 
-Action action(std::shared_ptr<SparseOptions> options, Run in_double, Run in_float) {
+Action action(const std::shared_ptr<SparseOptions>& options, Run in_double, Run in_float) {
     return [=] { options->in_float ? in_float(*options) : in_double(*options); };
 }
 

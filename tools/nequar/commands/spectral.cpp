@@ -238,7 +238,7 @@ void geig(const SpectralOptions& options) {
 
 using Run = void (*)(const SpectralOptions&);
 
-Action action(std::shared_ptr<SpectralOptions> options, Run in_double, Run in_float) {
+Action action(const std::shared_ptr<SpectralOptions>& options, Run in_double, Run in_float) {
     return [=] { options->in_float ? in_float(*options) : in_double(*options); };
 }
 
